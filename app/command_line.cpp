@@ -1,0 +1,88 @@
+#include "app/command_line.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "core/build_info.h"
+#include "core/code_page.h"
+#include "core/version.h"
+
+namespace wavetrace::app {
+namespace {
+
+std::string Upper(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::toupper(c); });
+  return text;
+}
+
+bool StartsWithNoCase(const std::string& text, const std::string& prefix) {
+  return text.size() >= prefix.size() && Upper(text.substr(0, prefix.size())) == prefix;
+}
+
+}  // namespace
+
+CommandLine ParseCommandLine(const std::vector<std::string>& args) {
+  CommandLine result;
+  auto& sw = result.Switches;
+  auto setScript = [&](const std::string& path, const std::string& option) {
+    if (path.empty()) {
+      result.Error = "option " + option + " needs a script file";
+      return;
+    }
+    sw.ScriptPath = core::Utf8ToWide(path);
+  };
+  for (size_t i = 0; i < args.size() && result.Error.empty(); ++i) {
+    const std::string& arg = args[i];
+    std::string upper = Upper(arg);
+    if (StartsWithNoCase(arg, "/SCRIPT::")) {
+      setScript(arg.substr(9), "/SCRIPT::");
+    } else if (upper == "/Q" || arg == "--quiet" || arg == "-q") {
+      sw.Quiet = 1;
+    } else if (upper == "/NOGUI" || arg == "--nogui") {
+      sw.NoGui = 1;
+    } else if (upper == "/DEBUGON" || arg == "--debug") {
+      sw.Debug = 1;
+    } else if (arg == "--script") {
+      if (i + 1 >= args.size()) {
+        result.Error = "option --script needs a script file";
+      } else {
+        setScript(args[++i], "--script");
+      }
+    } else if (arg.rfind("--script=", 0) == 0) {
+      setScript(arg.substr(9), "--script");
+    } else if (arg == "--help" || arg == "-h") {
+      result.ShowHelp = true;
+    } else if (arg == "--version") {
+      result.ShowVersion = true;
+    } else {
+      result.Error = "unknown option '" + arg + "'";
+    }
+  }
+  return result;
+}
+
+std::string HelpText(const std::string& program, bool guiProgram) {
+  std::string text = "Usage: " + program + " [OPTION]...\n";
+  text += guiProgram ? "Wavetrace Pro: serial-port terminal and data acquisition.\n"
+                     : "Wavetrace Pro without a window: received data goes to standard output,\n"
+                       "the status line and errors to standard error.\n";
+  text +=
+      "\n"
+      "  --script FILE, /SCRIPT::FILE  run the script FILE (automation mode)\n"
+      "  --nogui, /NOGUI               no window: run headless in this terminal\n"
+      "  --quiet, -q, /Q               headless: keep status messages off standard error\n"
+      "  --debug, /DEBUGON             scripts echo every command they find\n"
+      "  --help, -h                    show this help and exit\n"
+      "  --version                     show the release and build and exit\n"
+      "\n"
+      "Switches in the /FORM are matched without regard to case.\n"
+      "Settings live in $WAVETRACE_HOME, else $XDG_CONFIG_HOME/wavetrace-pro,\n"
+      "else ~/.config/wavetrace-pro.\n";
+  return text;
+}
+
+std::string VersionText() {
+  return "Wavetrace Pro " + core::WideToUtf8(core::kReleaseLine) + "\nbuild " + core::kBuildVersion + "\n";
+}
+
+}  // namespace wavetrace::app

@@ -1,0 +1,235 @@
+#include "app/main_window.h"
+
+#include <array>
+
+#include "app/startup.h"
+#include "app/worker_threads.h"
+#include "core/allocation.h"
+#include "core/messages.h"
+#include "core/reporting.h"
+
+namespace wavetrace::app {
+namespace {
+
+using namespace core::cmd;
+
+// Commands whose features are not part of the program yet: their menu items
+// and buttons stay grey and the window ignores them.
+constexpr std::array kUnavailable = {
+    kCommProperties, kTransmitOptions, kReceiveOptions, kAsciiChart, kScreenOff, kSoftwareButtons,
+    kCommPinouts,    kConfigLoad,      kConfigSave,     kConfigSaveAs, kConfigSetDefault, kHelp,
+    kRunScript,      kPlay,            kStop,           kSend,         kRepeat,           kRecord,
+    kRelay,
+};
+
+bool IsUnavailable(int command) {
+  for (int c : kUnavailable) {
+    if (c == command) return true;
+  }
+  return false;
+}
+
+void SetRadix(core::AppState& state, int base) {
+  state.Data.Base = base;
+  static constexpr std::array<std::pair<int, int>, 4> kItems = {
+      {{2, kBinary}, {8, kOctal}, {10, kDecimal}, {16, kHex}}};
+  for (auto [value, item] : kItems) state.Screen.CheckMenuItem(item, false);
+  for (auto [value, item] : kItems) {
+    if (value == state.Data.Base) state.Screen.CheckMenuItem(item, true);
+  }
+}
+
+void SetViewMode(core::AppState& state, bool ascii) {
+  state.Data.modeASCII = ascii ? 1 : 0;
+  state.Data.modeBINARY = ascii ? 0 : 1;
+  state.Screen.EnableButton(kAsciiButton, !ascii);
+  state.Screen.EnableButton(kBinaryButton, ascii);
+}
+
+void Toggle(core::AppState& state, uint8_t& flag, int item) {
+  flag = flag ? 0 : 1;
+  state.Screen.CheckMenuItem(item, flag != 0);
+}
+
+void ClearReceiveWindow(core::AppState& state) { state.Screen.RxClear(); }
+
+void ClearSendHistory(core::AppState& state) {
+  state.Screen.SetTxText(u"");
+  state.Screen.SetTxHistory({});
+  state.Screen.SetTxSelection(-1);
+}
+
+void DisplayOn(core::AppState& state) {
+  if (state.DisplayPower.PowerState != core::kDisplayPowerOff) return;
+  state.DisplayPower = {12, 1, core::kDisplayPowerOn};
+}
+
+// Every 500 ms: while a port is open the machine must not idle into sleep,
+// and a display switched off by the program comes back when the window is
+// not the active one.
+void KeepAlive(core::AppState& state) {
+  if (!state.PortOpen) return;
+  if (state.DisplayPower.PowerState == core::kDisplayPowerOff) {
+    state.Queue.Send(core::MakeMessage(core::kWmChar, 13));
+  }
+}
+
+int64_t OnCommand(core::AppState& state, int command) {
+  if (IsUnavailable(command)) return 0;
+  switch (command) {
+    case kExit:
+      Shutdown(state);
+      return 0;
+    case kAbout:
+      if (state.View) state.View->ShowAbout(AboutReleaseLine(), state.AutomationMode != 0);
+      return 0;
+    case kProgramOptions:
+      if (state.View) state.View->ShowProgramOptions();
+      return 0;
+    case kClearReceiveWindow:
+    case kClearButton:
+      ClearReceiveWindow(state);
+      return 0;
+    case kClearSendHistory:
+      ClearSendHistory(state);
+      return 0;
+    case kPauseRxDisplay:
+      Toggle(state, state.Data.PauseRxDisplay, kPauseRxDisplay);
+      return 0;
+    case kFullscreen:
+      Toggle(state, state.Data.RxFullScreen, kFullscreen);
+      return 0;
+    case kBacklightOnReceive:
+      Toggle(state, state.Data.RxBacklightEvent, kBacklightOnReceive);
+      return 0;
+    case kDecimal:
+      SetRadix(state, 10);
+      return 0;
+    case kHex:
+      SetRadix(state, 16);
+      return 0;
+    case kOctal:
+      SetRadix(state, 8);
+      return 0;
+    case kBinary:
+      SetRadix(state, 2);
+      return 0;
+    case kAsciiButton:
+      SetViewMode(state, true);
+      return 0;
+    case kBinaryButton:
+      SetViewMode(state, false);
+      return 0;
+    default:
+      return 0;
+  }
+}
+
+}  // namespace
+
+void ShowClosedControls(core::AppState& state) {
+  auto& screen = state.Screen;
+  screen.EnableButton(kMenuBarPlay, true);
+  screen.EnableButton(kPlay, true);
+  screen.EnableButton(kSend, false);
+  screen.EnableButton(kStop, false);
+  for (int command : kUnavailable) {
+    screen.GreyMenuItem(command, true);
+    screen.EnableButton(command, false);
+  }
+}
+
+int CreateMainWindow(core::AppState& state) {
+  state.Queue.SetHandler([&state](const core::Message& m) { return MainWindowProc(state, m); });
+  state.Screen.SetListener([&state] { state.Queue.Post(core::MakeMessage(core::kWmScreenChanged)); });
+
+  // The create handler.
+  if (CreateWorkerThreads(state) != 0) {
+    if (state.View) state.View->SetWaitCursor(false);
+    EndWorkerThreads(state);
+    return -1;
+  }
+  state.MainWindowExists = true;
+  ShowClosedControls(state);
+  SetViewMode(state, state.Data.modeASCII != 0);
+  SetRadix(state, state.Data.Base);
+  state.Screen.CheckMenuItem(kPauseRxDisplay, state.Data.PauseRxDisplay != 0);
+  state.Screen.CheckMenuItem(kFullscreen, state.Data.RxFullScreen != 0);
+  state.Screen.CheckMenuItem(kBacklightOnReceive, state.Data.RxBacklightEvent != 0);
+  state.Queue.SetTimer(core::kKeepAliveTimerId, core::kKeepAliveIntervalMs);
+  state.KeepAliveTimerRunning = true;
+  state.FirstPaintState = 2;
+  state.CurrentConfigPath = state.ConfigFolder + u"/Default.cfg.txt";
+  return 0;
+}
+
+int64_t MainWindowProc(core::AppState& state, const core::Message& message) {
+  switch (message.Code) {
+    case core::kWmCommand:
+      return OnCommand(state, static_cast<int>(message.WParam));
+    case core::kWmTimer:
+      if (message.WParam == core::kKeepAliveTimerId) KeepAlive(state);
+      return 0;
+    case core::kWmChar:
+      if (message.WParam == 13) DisplayOn(state);
+      return 0;
+    case core::kWmTrayCallback:
+      if (message.LParam == core::kWmLButtonDown) state.Screen.Activate();
+      return 0;
+    case core::kWmActivateInstance:
+      state.Screen.Activate();
+      return 0;
+    case core::kWmScreenChanged:
+      if (state.View) state.View->RenderScreenChanges();
+      return 0;
+    default:
+      return 0;
+  }
+}
+
+bool ShellNotification(core::AppState& state, int operation) {
+  if (!state.NotificationEnabled) return false;
+  switch (operation) {
+    case kNotifyAdd: {
+      core::ClassId id;
+      core::MakeClassId(id);
+      state.Screen.SetTrayState(1);
+      break;
+    }
+    case kNotifyRemove:
+      state.Screen.SetTrayState(0);
+      state.NotificationEnabled = false;
+      break;
+    case kNotifyActive:
+      state.Screen.SetTrayState(2);
+      break;
+    case kNotifyIdle:
+      state.Screen.SetTrayState(1);
+      break;
+    default:
+      break;
+  }
+  return state.NotificationEnabled;
+}
+
+void Shutdown(core::AppState& state) {
+  if (state.ShuttingDown.exchange(true)) return;
+  // From here a worker's Send returns at once: nothing waits on the main
+  // thread while it joins the workers.
+  state.Queue.BeginShutdown();
+  state.PlayFlag = false;
+  state.TxActive = false;
+  core::ShowStatus(state, u"Shutting down...");
+  DisplayOn(state);
+  EndWorkerThreads(state);
+  state.Queue.KillTimer(core::kKeepAliveTimerId);
+  state.KeepAliveTimerRunning = false;
+  ShellNotification(state, kNotifyRemove);
+  state.Screen.SetTrayState(0);
+  core::FreeBuffer(state, state.g_RxWindowBuf);
+  core::FreeBuffer(state, state.DataLogCache);
+  state.DataLogCacheCount = 0;
+  state.Queue.PostQuit(0);
+}
+
+}  // namespace wavetrace::app

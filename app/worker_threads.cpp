@@ -1,0 +1,84 @@
+#include "app/worker_threads.h"
+
+#include <system_error>
+
+#include "core/reporting.h"
+
+namespace wavetrace::app {
+namespace {
+
+using platform::SuspendableThread;
+
+constexpr int kUpdateCycleMs = 200;
+constexpr int kIntervalCheckMs = 100;
+
+// The receive and transmit threads live parked: PLAY and SEND resume them,
+// and they park again when their work is done. They end when they wake and
+// find the program shutting down.
+void PortThreadBody(core::AppState& state, SuspendableThread& self) {
+  while (!state.ShuttingDown) {
+    if (!self.Park()) return;
+  }
+}
+
+// The update thread cycles every 200 ms for the life of the main window; the
+// interval recorder wakes on its own short period. Both end on the quit flag.
+void CyclingThreadBody(core::AppState& state, SuspendableThread& self, int periodMs) {
+  while (!state.ShuttingDown) {
+    if (!self.SleepFor(periodMs)) return;
+  }
+}
+
+std::unique_ptr<SuspendableThread> Create(const char* name, SuspendableThread::Body body, bool suspended) {
+  try {
+    return std::make_unique<SuspendableThread>(name, std::move(body), suspended);
+  } catch (const std::system_error&) {
+    return nullptr;
+  }
+}
+
+}  // namespace
+
+int CreateWorkerThreads(core::AppState& state) {
+  struct Spec {
+    std::unique_ptr<SuspendableThread>& slot;
+    const char* name;
+    SuspendableThread::Body body;
+    bool suspended;
+    const char16_t* failure;
+  };
+  Spec specs[] = {
+      {state.RxThread, "RxThread", [&state](SuspendableThread& t) { PortThreadBody(state, t); }, true,
+       u"Error creating RxThread."},
+      {state.TxThread, "TxThread", [&state](SuspendableThread& t) { PortThreadBody(state, t); }, true,
+       u"Error creating TxThread."},
+      {state.RxWndUpdate, "RxWndUpdate",
+       [&state](SuspendableThread& t) { CyclingThreadBody(state, t, kUpdateCycleMs); }, false,
+       u"Error creating RxWndUpdate Thread."},
+      {state.LogIntervalThread, "LogIntervalThread",
+       [&state](SuspendableThread& t) { CyclingThreadBody(state, t, kIntervalCheckMs); }, false,
+       u"Error creating LogIntervalThread."},
+  };
+  for (auto& spec : specs) {
+    spec.slot = Create(spec.name, std::move(spec.body), spec.suspended);
+    if (!spec.slot) {
+      core::ShowErrorBox(state, spec.failure);
+      return -1;
+    }
+  }
+  return 0;
+}
+
+void EndWorkerThreads(core::AppState& state) {
+  for (auto* slot : {&state.RxThread, &state.TxThread}) {
+    if (*slot) (*slot)->Resume();
+  }
+  for (auto* slot : {&state.RxThread, &state.TxThread, &state.RxWndUpdate, &state.LogIntervalThread}) {
+    if (!*slot) continue;
+    (*slot)->RequestStop();
+    (*slot)->Join();
+    slot->reset();
+  }
+}
+
+}  // namespace wavetrace::app

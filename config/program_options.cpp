@@ -1,0 +1,104 @@
+#include "config/program_options.h"
+
+#include <array>
+#include <cstdio>
+
+#include "core/code_page.h"
+#include "core/reporting.h"
+#include "core/version.h"
+#include "platform/registry_store.h"
+
+namespace wavetrace::config {
+namespace {
+
+using Option = uint32_t core::ProgramOptionsKey::*;
+struct NamedOption {
+  const char* name;
+  Option field;
+};
+// Written in this order.
+constexpr std::array<NamedOption, 4> kOptions = {{
+    {"DEFAULTcfg", &core::ProgramOptionsKey::DEFAULTcfg},
+    {"MULTIinst", &core::ProgramOptionsKey::MULTIinst},
+    {"AcquireHWbuttons", &core::ProgramOptionsKey::AcquireHWbuttons},
+    {"DisableIcon", &core::ProgramOptionsKey::DisableIcon},
+}};
+
+std::string KeyPath(const core::ProgramOptionsKey& record) {
+  return record.Root + "\\" + core::WideToUtf8(record.Path);
+}
+
+}  // namespace
+
+std::u16string FormatVersion(uint32_t major, uint32_t minor) {
+  // The registry's 32-bit values are signed longs on the handheld.
+  char text[32] = {};
+  std::snprintf(text, sizeof text, "%ld.%ld", static_cast<long>(static_cast<int32_t>(major)),
+                static_cast<long>(static_cast<int32_t>(minor)));
+  return core::Utf8ToWide(text);
+}
+
+int OpenProgramOptionsKey(core::AppState& state) {
+  auto& record = state.ProgramOptions;
+  bool created = false;
+  if (!state.Registry || !state.Registry->CreateKey(KeyPath(record), record.Key, created)) {
+    record.LastResult = 1;
+    core::ShowErrorBox(state, u"Error opening Program Options registry key: " + record.Path);
+    return 1;
+  }
+  record.Disposition = created ? 1 : 0;
+  record.LastResult = 0;
+  return 0;
+}
+
+int LoadProgramOptions(core::AppState& state) {
+  if (OpenProgramOptionsKey(state) != 0) return 1;
+  auto& record = state.ProgramOptions;
+  for (const auto& option : kOptions) {
+    uint32_t value = 0;
+    if (record.Disposition != 1 && record.Key.QueryDword(option.name, value)) {
+      record.*option.field = value;
+    } else {
+      record.Key.SetDword(option.name, record.*option.field);
+    }
+  }
+  record.Key.Close();
+  return 0;
+}
+
+int SaveProgramOptions(core::AppState& state) {
+  if (OpenProgramOptionsKey(state) != 0) return 1;
+  auto& record = state.ProgramOptions;
+  bool written = true;
+  for (const auto& option : kOptions) written = record.Key.SetDword(option.name, record.*option.field) && written;
+  record.Key.Close();
+  return written ? 0 : 1;
+}
+
+int IsRegisteredVersionCurrent(core::AppState& state) {
+  auto& record = state.ProgramOptions;
+  if (OpenProgramOptionsKey(state) != 0) return 1;
+  uint32_t major = 0;
+  uint32_t minor = 0;
+  bool read = record.Key.QueryDword("MajorVersion", major) && record.Key.QueryDword("MinorVersion", minor);
+  record.Key.Close();
+  if (!read) return 1;
+  record.MajorVersion = major;
+  record.MinorVersion = minor;
+  // Compared as it stands in a zero-filled buffer of 16 characters.
+  std::u16string stored = FormatVersion(major, minor).substr(0, 15);
+  return stored == core::kRelease ? 0 : 1;
+}
+
+int WriteRegisteredVersion(core::AppState& state) {
+  auto& record = state.ProgramOptions;
+  bool created = record.Disposition == 1;
+  if (OpenProgramOptionsKey(state) != 0) return 1;
+  record.Disposition = created ? 1 : record.Disposition;
+  bool written = record.Key.SetDword("MajorVersion", core::kMajorVersion) &&
+                 record.Key.SetDword("MinorVersion", core::kMinorVersion);
+  record.Key.Close();
+  return written ? 0 : 1;
+}
+
+}  // namespace wavetrace::config

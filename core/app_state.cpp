@@ -1,0 +1,11 @@
+#include "core/app_state.h"
+
+#include "platform/instance_lock.h"
+#include "platform/registry_store.h"
+
+namespace wavetrace::core {
+
+AppState::AppState() = default;
+AppState::~AppState() = default;
+
+}  // namespace wavetrace::core

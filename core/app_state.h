@@ -1,0 +1,99 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "core/buffer.h"
+#include "core/command_line_switches.h"
+#include "core/front_end.h"
+#include "core/main_screen.h"
+#include "core/memory_lock.h"
+#include "core/message_queue.h"
+#include "core/program_options_key.h"
+#include "core/settings.h"
+#include "platform/suspendable_thread.h"
+
+namespace wavetrace::platform {
+class InstanceLock;
+class RegistryStore;
+}  // namespace wavetrace::platform
+
+namespace wavetrace::core {
+
+inline constexpr int32_t kRxWindowBufChars = 16384;
+inline constexpr int32_t kDataLogCacheBytes = 65535;
+inline constexpr int32_t kDisplayPowerOn = 1;
+inline constexpr int32_t kDisplayPowerOff = 4;
+
+struct DisplayPowerRecord {
+  int32_t Length = 0;
+  int32_t Version = 0;
+  int32_t PowerState = 0;
+};
+
+// The one process-wide record of settings and run-time state. main() owns it
+// and passes it down; nothing else holds mutable state of its own.
+struct AppState {
+  // --- settings (persisted; fields named by their configuration key) ------
+  PortSettings Port;
+  DataSettings Data;
+  LogSettings Log;
+  ProgramOptionsKey ProgramOptions;
+  std::u16string CurrentConfigPath;
+
+  // --- start-up ------------------------------------------------------------
+  CommandLineSwitches Switches;
+  uint8_t IsPocketPC4 = 0;
+  uint8_t IsPocketPC421 = 0;
+  uint8_t IsPocketPC5 = 0;
+  int32_t ScreenHeight = 0;
+  int32_t AutomationMode = 0;
+  DisplayPowerRecord DisplayPower;
+  std::atomic<bool> ShuttingDown{false};
+  int32_t FirstPaintState = 0;
+  std::atomic<bool> MainWindowExists{false};
+  std::u16string WindowTitle;
+  std::u16string ConfigFolder;  // where the registry file and Default.cfg.txt live
+  std::unique_ptr<platform::RegistryStore> Registry;
+  std::unique_ptr<platform::InstanceLock> Instance;
+
+  // --- threads (null stands for the invalid handle) -----------------------
+  std::unique_ptr<platform::SuspendableThread> RxThread;
+  std::unique_ptr<platform::SuspendableThread> TxThread;
+  std::unique_ptr<platform::SuspendableThread> RxWndUpdate;
+  std::unique_ptr<platform::SuspendableThread> LogIntervalThread;
+
+  // --- connection ------------------------------------------------------------
+  std::atomic<bool> PlayFlag{false};
+  std::atomic<bool> TxActive{false};
+  std::atomic<bool> PortScanMode{false};
+  std::atomic<bool> PortOpen{false};  // the port handle is valid
+  bool SoftwareButtonsShown = false;
+
+  // --- shared buffers and their locks --------------------------------------
+  MemoryLock MemLock;
+  std::recursive_mutex RxDataLock;
+  WideBuffer g_RxWindowBuf;
+  CharBuffer DataLogCache;
+  uint32_t DataLogCacheCount = 0;
+
+  // --- start-bar notification and tray ------------------------------------
+  bool NotificationEnabled = true;
+  bool AlternateIcon = false;
+  bool KeepAliveTimerRunning = false;
+
+  // --- the main window and its view ---------------------------------------
+  MessageQueue Queue;
+  MainScreen Screen;
+  FrontEnd* View = nullptr;  // not owned; set by main()
+
+  AppState();
+  ~AppState();
+  AppState(const AppState&) = delete;
+  AppState& operator=(const AppState&) = delete;
+};
+
+}  // namespace wavetrace::core

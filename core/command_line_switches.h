@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace wavetrace::core {
+
+// The start-up switches and what the command line set with them.
+struct CommandLineSwitches {
+  static constexpr char16_t kScriptSwitch[] = u"/SCRIPT::";
+  static constexpr char16_t kQuietSwitch[] = u"/Q";
+  static constexpr char16_t kNoGuiSwitch[] = u"/NOGUI";
+  static constexpr char16_t kDebugSwitch[] = u"/DEBUGON";
+
+  std::u16string ScriptPath;  // the script run in automation mode
+  int32_t Quiet = 0;          // "/Q": the headless view keeps the status line off stderr
+  int32_t NoGui = 0;          // "/NOGUI": no window (the headless front end)
+  int32_t Debug = 0;          // "/DEBUGON": the script echoes each command it finds
+};
+
+}  // namespace wavetrace::core

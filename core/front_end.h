@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string_view>
+
+namespace wavetrace::core {
+
+enum class BoxIcon { kNone, kInformation, kWarning, kStop };
+
+// What the core needs from whichever front end shows the main screen: the
+// Qt view or the headless view. Everything else reaches the view through the
+// main-screen model.
+class FrontEnd {
+ public:
+  virtual ~FrontEnd() = default;
+
+  // A modal box; returns when the user dismissed it. The core calls it on the
+  // main thread only when BoxesNeedMainThread() says so.
+  virtual void ShowMessageBox(std::u16string_view title, std::u16string_view text, BoxIcon icon) = 0;
+  [[nodiscard]] virtual bool BoxesNeedMainThread() const = 0;
+
+  // False once the main window is gone (or was never there).
+  [[nodiscard]] virtual bool WindowExists() const = 0;
+  // Puts the text on the system clipboard; false when it was not taken.
+  virtual bool SetClipboardText(std::u16string_view text) = 0;
+  virtual void SetWaitCursor(bool wait) = 0;
+  // Height of the primary screen in pixels (0 when there is none).
+  [[nodiscard]] virtual int ScreenHeight() const = 0;
+
+  // Called on the main thread when the main-screen model has changes.
+  virtual void RenderScreenChanges() = 0;
+  // The About screen with its release line.
+  virtual void ShowAbout(std::u16string_view releaseLine, bool automationMode) = 0;
+  // The program options page.
+  virtual void ShowProgramOptions() = 0;
+};
+
+}  // namespace wavetrace::core

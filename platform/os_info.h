@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+namespace wavetrace::platform {
+
+struct OsInfo {
+  bool Valid = false;
+  std::string SystemName;  // "Linux"
+  int Major = 0;
+  int Minor = 0;
+  // The platform type string of a handheld ("PocketPC"); empty on Linux.
+  std::string PlatformType;
+};
+
+OsInfo GetOsInfo();
+
+}  // namespace wavetrace::platform

@@ -1,0 +1,212 @@
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <chrono>
+#include <future>
+#include <thread>
+
+#include "core/allocation.h"
+#include "core/reporting.h"
+#include "test_support.h"
+
+namespace wavetrace::core {
+namespace {
+
+using testing::RecordingFrontEnd;
+
+class ReportingTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    state.View = &view;
+    state.MainWindowExists = true;
+  }
+  AppState state;
+  RecordingFrontEnd view;
+};
+
+TEST(FormatErrorCode, CodeInDecimalAndHexWithDescriptions) {
+  struct Case {
+    int code;
+    std::u16string head;
+    bool busy;
+  };
+  for (const Case& c : {Case{ENOENT, u": Error code=2 (0x2)", false}, Case{EBUSY, u": Error code=16 (0x10)", true},
+                        Case{ENODEV, u": Error code=19 (0x13)", true}, Case{ENXIO, u": Error code=6 (0x6)", true},
+                        Case{EIO, u": Error code=5 (0x5)", true}, Case{EACCES, u": Error code=13 (0xd)", false}}) {
+    std::u16string text = FormatErrorCode(c.code);
+    EXPECT_EQ(text.rfind(c.head, 0), 0u) << c.code;
+    bool hasBusy = text.find(u"  Desc: The specified network resource or device is either busy or no longer "
+                             u"available.") != std::u16string::npos;
+    EXPECT_EQ(hasBusy, c.busy) << c.code;
+    // Every non-zero code also carries the system's own words, in brackets.
+    EXPECT_EQ(text.back(), u')');
+    EXPECT_GT(text.size(), c.head.size() + 3);
+  }
+  EXPECT_EQ(FormatErrorCode(0), u": Error code=0 (0x0)");
+}
+
+TEST_F(ReportingTest, StatusErrorGoesToTheStatusLine) {
+  errno = EBUSY;
+  ShowStatusError(state, u"Error! Selected port failed to open. Check settings.");
+  std::u16string status = state.Screen.Status();
+  EXPECT_EQ(status.rfind(u"Error! Selected port failed to open. Check settings.: Error code=16 (0x10)  Desc: ", 0),
+            0u);
+  EXPECT_TRUE(state.Screen.RxText().empty());
+}
+
+TEST_F(ReportingTest, StatusErrorInPortScanModeLeavesOnlyTheMessageInTheReceiveWindow) {
+  state.Screen.RxInsertAtCaret(u"old received text");
+  state.Screen.SetStatus(u"before");
+  state.PortScanMode = true;
+  ShowStatusError(state, u"Scan failed", ENOENT);
+  EXPECT_EQ(state.Screen.RxText(), u"Scan failed" + FormatErrorCode(ENOENT) + u"\r\n");
+  EXPECT_EQ(state.Screen.Status(), u"before");
+}
+
+TEST_F(ReportingTest, StatusErrorIsBoundedLikeItsBuffer) {
+  ShowStatusError(state, std::u16string(600, u'x'), 0);
+  EXPECT_EQ(state.Screen.Status().size(), 511u);
+}
+
+TEST_F(ReportingTest, ErrorBoxIsTitledAndCarriesTheCode) {
+  ShowErrorBox(state, u"Error creating RxThread.", ENOMEM);
+  auto boxes = view.Boxes();
+  ASSERT_EQ(boxes.size(), 1u);
+  EXPECT_EQ(boxes[0].title, u"Error...");
+  EXPECT_EQ(boxes[0].text.rfind(u"Error creating RxThread.: Error code=12 (0xc)", 0), 0u);
+  EXPECT_LE(boxes[0].text.size(), 255u);
+}
+
+TEST_F(ReportingTest, ErrorBlockIsFramedAtTheCaretAndGoesNowhereBeforeTheWindow) {
+  state.Screen.RxInsertAtCaret(u"AB");
+  state.Screen.RxSetSelection(1, 1);
+  errno = ENOENT;
+  WriteErrorBlock(state, u"Oops");
+  EXPECT_EQ(state.Screen.RxText(), u"A\r\n***\r\nOops" + FormatErrorCode(ENOENT) + u"\r\n***\r\nB");
+
+  AppState early;
+  WriteErrorBlock(early, u"Oops");
+  EXPECT_TRUE(early.Screen.RxText().empty());
+}
+
+TEST_F(ReportingTest, AllocationZeroFillsAndKeepsTwoSpareElements) {
+  CharBuffer bytes;
+  ASSERT_EQ(AllocCharBuffer(state, bytes, 10), 0);
+  EXPECT_EQ(bytes.Size(), 10u);
+  for (size_t i = 0; i < 12; ++i) EXPECT_EQ(bytes[i], 0) << i;
+  WideBuffer wide;
+  ASSERT_EQ(AllocWideBuffer(state, wide, 5), 0);
+  for (size_t i = 0; i < 7; ++i) EXPECT_EQ(wide[i], 0) << i;
+  FreeBuffer(state, bytes);
+  FreeBuffer(state, wide);
+  EXPECT_TRUE(bytes.Empty());
+  EXPECT_TRUE(wide.Empty());
+}
+
+TEST_F(ReportingTest, AllocationFailureWritesBothBlocksWithTheCountAsked) {
+  struct Case {
+    bool wide;
+    int64_t count;
+    std::u16string requested;
+  };
+  // A wide request reports characters, not bytes.
+  for (const Case& c : {Case{false, -1, u"Requested Cbytes=[-1]"},
+                        Case{false, kMaxAllocationBytes + 1, u"Requested Cbytes=[268435457]"},
+                        Case{true, kMaxAllocationBytes / 2 + 1, u"Requested Tbytes=[134217729]"}}) {
+    state.Screen.RxClear();
+    CharBuffer bytes;
+    WideBuffer wide;
+    ASSERT_EQ(AllocCharBuffer(state, bytes, 4), 0);
+    ASSERT_EQ(AllocWideBuffer(state, wide, 4), 0);
+    int rc = c.wide ? AllocWideBuffer(state, wide, c.count) : AllocCharBuffer(state, bytes, c.count);
+    EXPECT_EQ(rc, 1);
+    EXPECT_TRUE(c.wide ? wide.Empty() : bytes.Empty());
+    std::u16string text = state.Screen.RxText();
+    std::u16string first = u"\r\n***\r\nError allocating memory space. Possibly low on memory." +
+                           FormatErrorCode(ENOMEM) + u"\r\n***\r\n";
+    std::u16string second = u"\r\n***\r\n" + c.requested + FormatErrorCode(ENOMEM) + u"\r\n***\r\n";
+    EXPECT_EQ(text, first + second) << testing::Narrow(text);
+  }
+}
+
+TEST_F(ReportingTest, ErrorBoxHoldsTheMemoryLockUntilDismissed) {
+  std::promise<void> boxUp;
+  std::promise<void> dismiss;
+  auto dismissed = dismiss.get_future().share();
+  view.onBox = [&] {
+    boxUp.set_value();
+    dismissed.wait();
+  };
+  std::thread boxThread([&] { ShowErrorBox(state, u"Warning!  MAXcachesize reached.", 0); });
+  boxUp.get_future().wait();
+
+  std::atomic<bool> allocated{false};
+  std::thread worker([&] {
+    CharBuffer block;
+    AllocCharBuffer(state, block, 8192);
+    allocated = true;
+  });
+  // The worker must not get its block while the box is up.
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  EXPECT_FALSE(allocated);
+  dismiss.set_value();
+  worker.join();
+  boxThread.join();
+  EXPECT_TRUE(allocated);
+}
+
+TEST_F(ReportingTest, WorkerBoxShownByTheMainThreadWhileTheMainThreadAllocates) {
+  // The box of a worker is shown by the main thread; the worker holds the
+  // memory lock meanwhile. A main thread that wants the lock must serve the
+  // box instead of blocking, or both wait forever.
+  view.needsMainThread = true;
+  state.Queue.BindMainThread();
+  state.MemLock.SetMainThread(std::this_thread::get_id());
+  state.MemLock.SetMainThreadWaitHook([this] { state.Queue.DispatchPendingSends(); });
+  std::thread::id shownOn;
+  view.onBox = [&] { shownOn = std::this_thread::get_id(); };
+
+  std::thread worker([&] { ShowErrorBox(state, u"Error reading", 0); });
+  // Wait until the worker holds the lock (the box request is queued).
+  while (state.MemLock.try_lock()) {
+    state.MemLock.unlock();
+    std::this_thread::yield();
+  }
+  CharBuffer block;
+  EXPECT_EQ(AllocCharBuffer(state, block, 16), 0);
+  worker.join();
+  EXPECT_EQ(shownOn, std::this_thread::get_id());
+  ASSERT_EQ(view.Boxes().size(), 1u);
+}
+
+TEST_F(ReportingTest, ClipboardNeedsAWindow) {
+  EXPECT_EQ(CopyTextToClipboard(state, u"hello"), 1);
+  EXPECT_EQ(view.clipboard, u"hello");
+  view.windowExists = false;
+  view.clipboard.clear();
+  EXPECT_EQ(CopyTextToClipboard(state, u"again"), 0);
+  EXPECT_TRUE(view.clipboard.empty());
+  AppState noView;
+  EXPECT_EQ(CopyTextToClipboard(noView, u"x"), 0);
+}
+
+TEST(ClassId, FieldsComeFromTheFileTime) {
+  ClassId id;
+  FillClassId(id, 0x0123456789ABCDEFull, {0x00, 0x07, 1, 2, 3, 4, 5, 6});
+  EXPECT_EQ(id.Data1, 0x89ABCDEFu);
+  EXPECT_EQ(id.Data2, 0x4567u);
+  EXPECT_EQ(id.Data3, 0x0122u);  // 0x0123 masked to 0x0120, version 2 in the low bits
+  EXPECT_EQ(id.Data4[0], 0x00);
+  EXPECT_EQ(id.Data4[1], 0x08);  // the sequence number plus one
+  EXPECT_EQ(id.Data4[7], 6);
+
+  ClassId a;
+  ClassId b;
+  ASSERT_EQ(MakeClassId(a), 0);
+  std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  ASSERT_EQ(MakeClassId(b), 0);
+  EXPECT_NE(a.Data1, b.Data1);
+}
+
+}  // namespace
+}  // namespace wavetrace::core

@@ -1,0 +1,141 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "config/program_options.h"
+#include "platform/files.h"
+#include "platform/registry_store.h"
+#include "test_support.h"
+
+namespace wavetrace::config {
+namespace {
+
+using testing::RecordingFrontEnd;
+using testing::TempFolder;
+
+constexpr char kKeyHeader[] = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\n";
+
+class ProgramOptionsTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    state.View = &view;
+    file = folder.Path() + "/" + kRegistryFileName;
+    state.Registry = std::make_unique<platform::RegistryStore>(file);
+  }
+  void WriteRegistry(const std::string& values) {
+    std::ofstream(file) << kKeyHeader << values;
+  }
+  std::string RegistryText() { return platform::ReadWholeFile(file).value_or(""); }
+  uint32_t Stored(const std::string& name) {
+    platform::RegistryKey key;
+    bool created = false;
+    EXPECT_TRUE(state.Registry->CreateKey("HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro", key, created));
+    uint32_t value = 0xDEAD;
+    EXPECT_TRUE(key.QueryDword(name, value)) << name;
+    return value;
+  }
+
+  TempFolder folder;
+  std::string file;
+  core::AppState state;
+  RecordingFrontEnd view;
+};
+
+TEST_F(ProgramOptionsTest, AFreshFolderGetsTheKeyWithFourZeroOptions) {
+  ASSERT_EQ(LoadProgramOptions(state), 0);
+  EXPECT_EQ(state.ProgramOptions.Disposition, 1);
+  for (const char* name : {"DEFAULTcfg", "MULTIinst", "AcquireHWbuttons", "DisableIcon"}) EXPECT_EQ(Stored(name), 0u);
+  // Written in their order.
+  std::string text = RegistryText();
+  EXPECT_LT(text.find("DEFAULTcfg"), text.find("MULTIinst"));
+  EXPECT_LT(text.find("AcquireHWbuttons"), text.find("DisableIcon"));
+  EXPECT_TRUE(view.Boxes().empty());
+}
+
+TEST_F(ProgramOptionsTest, AKeyHoldingOnlyOneOptionGainsTheOthers) {
+  WriteRegistry("\"MULTIinst\"=dword:00000001\n");
+  ASSERT_EQ(LoadProgramOptions(state), 0);
+  EXPECT_EQ(state.ProgramOptions.MULTIinst, 1u);
+  EXPECT_EQ(Stored("MULTIinst"), 1u);
+  for (const char* name : {"DEFAULTcfg", "AcquireHWbuttons", "DisableIcon"}) EXPECT_EQ(Stored(name), 0u);
+}
+
+TEST_F(ProgramOptionsTest, UnreadableValuesAreRepairedWithTheDefault) {
+  WriteRegistry(
+      "\"DEFAULTcfg\"=dword:zz\n\"MULTIinst\"=\"text\"\n\"AcquireHWbuttons\"=dword:00000001\n"
+      "garbage line\n\"DisableIcon\"=dword:0000000100\n");
+  ASSERT_EQ(LoadProgramOptions(state), 0);
+  EXPECT_EQ(state.ProgramOptions.DEFAULTcfg, 0u);
+  EXPECT_EQ(state.ProgramOptions.MULTIinst, 0u);
+  EXPECT_EQ(state.ProgramOptions.AcquireHWbuttons, 1u);
+  EXPECT_EQ(state.ProgramOptions.DisableIcon, 0u);
+  EXPECT_EQ(Stored("DEFAULTcfg"), 0u);
+  EXPECT_EQ(Stored("MULTIinst"), 0u);
+  EXPECT_EQ(Stored("DisableIcon"), 0u);
+}
+
+TEST_F(ProgramOptionsTest, SavedOptionsComeBackOnTheNextLoad) {
+  state.ProgramOptions.DEFAULTcfg = 1;
+  state.ProgramOptions.DisableIcon = 1;
+  ASSERT_EQ(SaveProgramOptions(state), 0);
+  core::AppState next;
+  next.Registry = std::make_unique<platform::RegistryStore>(file);
+  ASSERT_EQ(LoadProgramOptions(next), 0);
+  EXPECT_EQ(next.ProgramOptions.DEFAULTcfg, 1u);
+  EXPECT_EQ(next.ProgramOptions.MULTIinst, 0u);
+  EXPECT_EQ(next.ProgramOptions.DisableIcon, 1u);
+}
+
+TEST_F(ProgramOptionsTest, OtherKeysInTheFileSurviveAWrite) {
+  std::ofstream(file) << "[HKEY_CURRENT_USER\\Other]\n\"Keep\"=dword:0000002a\n";
+  ASSERT_EQ(SaveProgramOptions(state), 0);
+  EXPECT_NE(RegistryText().find("\"Keep\"=dword:0000002a"), std::string::npos);
+}
+
+TEST_F(ProgramOptionsTest, VersionTest) {
+  struct Case {
+    std::string values;
+    int expected;
+    uint32_t major;
+    uint32_t minor;
+  };
+  const Case cases[] = {
+      {"\"MajorVersion\"=dword:00000002\n\"MinorVersion\"=dword:00000047\n", 0, 2, 71},
+      {"\"MajorVersion\"=dword:00000002\n\"MinorVersion\"=dword:00000007\n", 1, 2, 7},
+      {"\"MajorVersion\"=dword:00000002\n\"MinorVersion\"=dword:00000046\n", 1, 2, 70},
+      {"\"MajorVersion\"=dword:00000002\n", 1, 0, 0},
+      {"", 1, 0, 0},
+  };
+  for (const auto& c : cases) {
+    WriteRegistry(c.values);
+    state.ProgramOptions.MajorVersion = state.ProgramOptions.MinorVersion = 0;
+    EXPECT_EQ(IsRegisteredVersionCurrent(state), c.expected) << c.values;
+    EXPECT_EQ(state.ProgramOptions.MajorVersion, c.major) << c.values;
+    EXPECT_EQ(state.ProgramOptions.MinorVersion, c.minor) << c.values;
+  }
+  EXPECT_EQ(FormatVersion(2, 71), u"2.71");
+  EXPECT_EQ(FormatVersion(0xFFFFFFFF, 5), u"-1.5");
+}
+
+TEST_F(ProgramOptionsTest, AKeyThatCannotBeOpenedIsReportedAndChangesNothing) {
+  // A registry file below a plain file can never be created.
+  std::ofstream(folder.Path() + "/plain") << "x";
+  state.Registry = std::make_unique<platform::RegistryStore>(folder.Path() + "/plain/registry.txt");
+  state.ProgramOptions.MULTIinst = 1;
+  EXPECT_EQ(LoadProgramOptions(state), 1);
+  EXPECT_EQ(SaveProgramOptions(state), 1);
+  EXPECT_EQ(IsRegisteredVersionCurrent(state), 1);
+  EXPECT_EQ(state.ProgramOptions.MULTIinst, 1u);
+  auto boxes = view.Boxes();
+  ASSERT_EQ(boxes.size(), 3u);
+  EXPECT_EQ(boxes[0].title, u"Error...");
+  EXPECT_EQ(boxes[0].text.rfind(u"Error opening Program Options registry key: SOFTWARE\\Tarnwell\\Wavetrace "
+                                u"Pro: Error code=20 (0x14)",
+                                0),
+            0u)
+      << testing::Narrow(boxes[0].text);
+}
+
+}  // namespace
+}  // namespace wavetrace::config

@@ -1,0 +1,63 @@
+#include <gtest/gtest.h>
+
+#include "app/command_line.h"
+#include "core/code_page.h"
+
+namespace wavetrace::app {
+namespace {
+
+TEST(CommandLine, SwitchesAndTheirGnuForms) {
+  struct Case {
+    std::vector<std::string> args;
+    std::string script;
+    int quiet, noGui, debug;
+    bool help, version;
+  };
+  const Case cases[] = {
+      {{}, "", 0, 0, 0, false, false},
+      {{"/SCRIPT::/home/me/run.txt"}, "/home/me/run.txt", 0, 0, 0, false, false},
+      {{"/script::a b.txt", "/q", "/NoGui", "/debugon"}, "a b.txt", 1, 1, 1, false, false},
+      {{"--script", "x.txt", "--quiet", "--nogui", "--debug"}, "x.txt", 1, 1, 1, false, false},
+      {{"--script=y.txt", "-q"}, "y.txt", 1, 0, 0, false, false},
+      {{"--help"}, "", 0, 0, 0, true, false},
+      {{"-h", "--version"}, "", 0, 0, 0, true, true},
+  };
+  for (const auto& c : cases) {
+    CommandLine line = ParseCommandLine(c.args);
+    std::string joined;
+    for (const auto& a : c.args) joined += a + " ";
+    EXPECT_TRUE(line.Error.empty()) << joined << line.Error;
+    EXPECT_EQ(core::WideToUtf8(line.Switches.ScriptPath), c.script) << joined;
+    EXPECT_EQ(line.Switches.Quiet, c.quiet) << joined;
+    EXPECT_EQ(line.Switches.NoGui, c.noGui) << joined;
+    EXPECT_EQ(line.Switches.Debug, c.debug) << joined;
+    EXPECT_EQ(line.ShowHelp, c.help) << joined;
+    EXPECT_EQ(line.ShowVersion, c.version) << joined;
+  }
+}
+
+TEST(CommandLine, RefusedLinesSayWhy) {
+  struct Case {
+    std::vector<std::string> args;
+    std::string error;
+  };
+  const Case cases[] = {
+      {{"--bogus"}, "unknown option '--bogus'"},
+      {{"/SCRIPT"}, "unknown option '/SCRIPT'"},
+      {{"/SCRIPT::"}, "option /SCRIPT:: needs a script file"},
+      {{"--script"}, "option --script needs a script file"},
+      {{"--nogui", "extra"}, "unknown option 'extra'"},
+      {{"/QUIET"}, "unknown option '/QUIET'"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(ParseCommandLine(c.args).Error, c.error);
+}
+
+TEST(CommandLine, VersionTextNamesTheReleaseAndTheBuild) {
+  std::string text = VersionText();
+  EXPECT_NE(text.find("Rel. 2.71.3089 (11.2008)"), std::string::npos);
+  EXPECT_NE(text.find("build "), std::string::npos);
+  EXPECT_NE(HelpText("wavetrace-cli", false).find("--script FILE"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace wavetrace::app

@@ -1,0 +1,113 @@
+#include <gtest/gtest.h>
+
+#include "core/main_screen.h"
+
+namespace wavetrace::core {
+namespace {
+
+using Kind = ScreenEvent::Kind;
+
+// Replays the receive-window events on a copy, as a view does.
+std::u16string Replay(std::u16string text, const std::vector<ScreenEvent>& events) {
+  for (const auto& e : events) {
+    if (e.Type == Kind::kRxEdit) text.replace(static_cast<size_t>(e.From), static_cast<size_t>(e.To - e.From), e.Text);
+    if (e.Type == Kind::kRxReset) text = e.Text;
+  }
+  return text;
+}
+
+TEST(ReceiveWindow, EditingLikeAnEditControl) {
+  MainScreen screen;
+  screen.SetEventsEnabled(true);
+  screen.RxInsertAtCaret(u"Hello");
+  screen.RxSetCaretToEnd();
+  screen.RxReplaceSelection(u" world");
+  EXPECT_EQ(screen.RxText(), u"Hello world");
+  screen.RxSetSelection(0, 5);
+  screen.RxReplaceSelection(u"");
+  EXPECT_EQ(screen.RxText(), u" world");
+  EXPECT_EQ(screen.RxSelection(), (std::pair<int32_t, int32_t>{0, 0}));
+  // A reversed selection and an end beyond the text.
+  screen.RxSetSelection(3, 1);
+  screen.RxReplaceSelection(u"-");
+  EXPECT_EQ(screen.RxText(), u" -rld");
+  screen.RxSetSelection(2, 999);
+  screen.RxReplaceSelection(u"!");
+  EXPECT_EQ(screen.RxText(), u" -!");
+  screen.RxSelectAll();
+  screen.RxReplaceSelection(u"all new");
+  EXPECT_EQ(screen.RxText(), u"all new");
+  // Insert at caret clears a selection first.
+  screen.RxSetSelection(0, 3);
+  screen.RxInsertAtCaret(u"+");
+  EXPECT_EQ(screen.RxText(), u"all+ new");
+  EXPECT_EQ(Replay(u"", screen.TakeEvents()), u"all+ new");
+  EXPECT_TRUE(screen.TakeEvents().empty());
+}
+
+TEST(ReceiveWindow, ClearResetsTheShownCount) {
+  MainScreen screen;
+  screen.RxInsertAtCaret(u"abc");
+  screen.SetShownCount(3);
+  screen.RxClear();
+  EXPECT_TRUE(screen.RxText().empty());
+  EXPECT_EQ(screen.ShownCount(), 0);
+}
+
+TEST(ReceiveWindow, AViewThatFallsFarBehindGetsOneReset) {
+  MainScreen screen;
+  screen.SetEventsEnabled(true);
+  screen.SetStatus(u"s1");
+  std::u16string chunk(64 * 1024, u'x');
+  for (int i = 0; i < 200; ++i) screen.RxInsertAtCaret(chunk);
+  screen.SetStatus(u"s2");
+  auto events = screen.TakeEvents();
+  ASSERT_FALSE(events.empty());
+  EXPECT_EQ(events.back().Type, Kind::kRxReset);
+  EXPECT_EQ(events.back().Text.size(), chunk.size() * 200);
+  int statuses = 0;
+  for (const auto& e : events) statuses += e.Type == Kind::kStatus ? 1 : 0;
+  EXPECT_EQ(statuses, 2);
+  EXPECT_EQ(Replay(u"", events), screen.RxText());
+}
+
+TEST(ScreenModel, NoEventsWithoutAView) {
+  MainScreen screen;
+  int notified = 0;
+  screen.SetListener([&] { ++notified; });
+  screen.SetStatus(u"x");
+  screen.RxInsertAtCaret(u"y");
+  EXPECT_EQ(notified, 0);
+  EXPECT_TRUE(screen.TakeEvents().empty());
+  screen.SetEventsEnabled(true);
+  screen.SetStatus(u"z");
+  EXPECT_EQ(notified, 1);
+}
+
+TEST(ScreenModel, ButtonsMenusAndTransmitField) {
+  MainScreen screen;
+  screen.SetEventsEnabled(true);
+  EXPECT_TRUE(screen.IsButtonEnabled(6001));
+  EXPECT_FALSE(screen.IsMenuItemGrey(221));
+  screen.EnableButton(6001, false);
+  screen.SetButtonPressed(6003, true);
+  screen.GreyMenuItem(221, true);
+  screen.CheckMenuItem(8102, true);
+  EXPECT_FALSE(screen.IsButtonEnabled(6001));
+  EXPECT_TRUE(screen.IsButtonPressed(6003));
+  EXPECT_TRUE(screen.IsMenuItemGrey(221));
+  EXPECT_TRUE(screen.IsMenuItemChecked(8102));
+  // Control changes in a row collapse into one re-read for the view.
+  EXPECT_EQ(screen.TakeEvents().size(), 1u);
+
+  screen.AddTxHistory(u"AT");
+  screen.AddTxHistory(u"ATZ");
+  screen.SetTxSelection(1);
+  EXPECT_EQ(screen.TxSelection(), 1);
+  screen.SetTxSelection(5);
+  EXPECT_EQ(screen.TxSelection(), -1);
+  EXPECT_EQ(screen.TxHistory(), (std::vector<std::u16string>{u"AT", u"ATZ"}));
+}
+
+}  // namespace
+}  // namespace wavetrace::core

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <functional>
 #include <vector>
 
 #include "platform/files.h"
@@ -91,6 +92,20 @@ Section* Find(std::vector<Section>& sections, const std::string& path) {
   return nullptr;
 }
 
+// One read-modify-write of the section keyPath (added when missing) under the
+// file's lock. change returns whether the file must be written.
+bool UpdateSection(const std::string& file, const std::string& keyPath,
+                   const std::function<bool(Section&, bool isNew)>& change) {
+  FileLock lock(file);
+  if (!lock.Held()) return false;
+  std::vector<Section> sections;
+  if (!Load(file, sections)) return false;
+  Section* section = Find(sections, keyPath);
+  bool isNew = section == nullptr;
+  if (isNew) section = &sections.emplace_back(Section{keyPath, {}});
+  return !change(*section, isNew) || WriteFileAtomically(file, Format(sections));
+}
+
 }  // namespace
 
 bool RegistryStore::CreateKey(const std::string& keyPath, RegistryKey& key, bool& created) const {
@@ -98,21 +113,16 @@ bool RegistryStore::CreateKey(const std::string& keyPath, RegistryKey& key, bool
   key.Close();
   size_t slash = file_.rfind('/');
   if (slash != std::string::npos && slash > 0 && !MakeFolders(file_.substr(0, slash))) return false;
-  FileLock lock(file_);
-  if (!lock.Held()) return false;
-  std::vector<Section> sections;
-  if (!Load(file_, sections)) return false;
-  Section* section = Find(sections, keyPath);
-  if (!section) {
-    sections.push_back(Section{keyPath, {}});
-    if (!WriteFileAtomically(file_, Format(sections))) return false;
-    section = &sections.back();
-    created = true;
-  }
+  std::map<std::string, std::string> values;
+  bool ok = UpdateSection(file_, keyPath, [&](Section& section, bool isNew) {
+    created = isNew;
+    for (const auto& [name, value] : section.values) values[name] = value;
+    return isNew;
+  });
+  if (!ok) return false;
   key.file_ = file_;
   key.path_ = keyPath;
-  key.values_.clear();
-  for (const auto& [name, value] : section->values) key.values_[name] = value;
+  key.values_ = std::move(values);
   return true;
 }
 
@@ -140,21 +150,15 @@ bool RegistryKey::SetDword(const std::string& name, uint32_t value) {
   if (!IsOpen()) return false;
   char typed[32];
   std::snprintf(typed, sizeof typed, "dword:%08x", value);
-  FileLock lock(file_);
-  if (!lock.Held()) return false;
-  std::vector<Section> sections;
-  if (!Load(file_, sections)) return false;
-  Section* section = Find(sections, path_);
-  if (!section) {
-    sections.push_back(Section{path_, {}});
-    section = &sections.back();
-  }
-  bool replaced = false;
-  for (auto& [existing, text] : section->values) {
-    if (existing == name) text = typed, replaced = true;
-  }
-  if (!replaced) section->values.emplace_back(name, typed);
-  if (!WriteFileAtomically(file_, Format(sections))) return false;
+  bool ok = UpdateSection(file_, path_, [&](Section& section, bool) {
+    bool replaced = false;
+    for (auto& [existing, text] : section.values) {
+      if (existing == name) text = typed, replaced = true;
+    }
+    if (!replaced) section.values.emplace_back(name, typed);
+    return true;
+  });
+  if (!ok) return false;
   values_[name] = typed;
   return true;
 }

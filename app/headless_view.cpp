@@ -23,7 +23,9 @@ std::u16string OneLine(std::u16string_view text) {
 HeadlessView::HeadlessView(core::AppState& state, int outFd, int errFd, bool quiet)
     : state_(state), outFd_(outFd), errFd_(errFd), quiet_(quiet) {}
 
-bool HeadlessView::WindowExists() const { return state_.MainWindowExists && !state_.ShuttingDown; }
+bool HeadlessView::WindowExists() const {
+  return state_.MainWindowExists && !state_.ShuttingDown;
+}
 
 void HeadlessView::WriteErrLine(std::u16string_view text) {
   std::lock_guard lock(writeMutex_);

@@ -16,9 +16,24 @@ using namespace core::cmd;
 // Commands whose features are not part of the program yet: their menu items
 // and buttons stay grey and the window ignores them.
 constexpr std::array kUnavailable = {
-    kCommProperties, kTransmitOptions, kReceiveOptions, kAsciiChart, kScreenOff, kSoftwareButtons,
-    kCommPinouts,    kConfigLoad,      kConfigSave,     kConfigSaveAs, kConfigSetDefault, kHelp,
-    kRunScript,      kPlay,            kStop,           kSend,         kRepeat,           kRecord,
+    kCommProperties,
+    kTransmitOptions,
+    kReceiveOptions,
+    kAsciiChart,
+    kScreenOff,
+    kSoftwareButtons,
+    kCommPinouts,
+    kConfigLoad,
+    kConfigSave,
+    kConfigSaveAs,
+    kConfigSetDefault,
+    kHelp,
+    kRunScript,
+    kPlay,
+    kStop,
+    kSend,
+    kRepeat,
+    kRecord,
     kRelay,
 };
 
@@ -51,7 +66,9 @@ void Toggle(core::AppState& state, uint8_t& flag, int item) {
   state.Screen.CheckMenuItem(item, flag != 0);
 }
 
-void ClearReceiveWindow(core::AppState& state) { state.Screen.RxClear(); }
+void ClearReceiveWindow(core::AppState& state) {
+  state.Screen.RxClear();
+}
 
 void ClearSendHistory(core::AppState& state) {
   state.Screen.SetTxText(u"");

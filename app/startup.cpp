@@ -1,6 +1,5 @@
 #include "app/startup.h"
 
-
 #include "app/main_window.h"
 #include "config/program_options.h"
 #include "core/allocation.h"
@@ -25,20 +24,31 @@ constexpr int kMaxInstanceNumber = 32;
 
 }  // namespace
 
-int CheckPocketPC3(const platform::OsInfo& os) { return CheckPocketPC(os, 3, 0); }
-int CheckPocketPC4(const platform::OsInfo& os) { return CheckPocketPC(os, 4, 0); }
-int CheckPocketPC421(const platform::OsInfo& os) { return CheckPocketPC(os, 4, 21); }
-int CheckPocketPC5(const platform::OsInfo& os) { return CheckPocketPC(os, 5, 0); }
+int CheckPocketPC3(const platform::OsInfo& os) {
+  return CheckPocketPC(os, 3, 0);
+}
+int CheckPocketPC4(const platform::OsInfo& os) {
+  return CheckPocketPC(os, 4, 0);
+}
+int CheckPocketPC421(const platform::OsInfo& os) {
+  return CheckPocketPC(os, 4, 21);
+}
+int CheckPocketPC5(const platform::OsInfo& os) {
+  return CheckPocketPC(os, 5, 0);
+}
 
 bool IsSupportedPlatform(const platform::OsInfo& os, const core::AppState& state) {
   if (state.IsPocketPC4 || state.IsPocketPC5) return true;
   return os.Valid && os.SystemName == "Linux";
 }
 
-int CheckVersionInRegistry(core::AppState& state) { return config::IsRegisteredVersionCurrent(state); }
+int CheckVersionInRegistry(core::AppState& state) {
+  return config::IsRegisteredVersionCurrent(state);
+}
 
 std::u16string VersionMismatchText(const core::AppState& state) {
-  std::u16string numbers = config::FormatVersion(state.ProgramOptions.MajorVersion, state.ProgramOptions.MinorVersion);
+  std::u16string numbers =
+      config::FormatVersion(state.ProgramOptions.MajorVersion, state.ProgramOptions.MinorVersion);
   return u"Expected: " + std::u16string(core::kRelease) + u" \r\nReceived: Rel. \"" + numbers +
          u"\" \r\nSome features may not function properly.  You have been warned.  :)";
 }
@@ -98,7 +108,8 @@ std::vector<std::u16string> WelcomeTextPieces(bool automationMode, const std::u1
     pieces.push_back(u"\r\n\r\n[Running script:] \r\n" + scriptPath + u"\r\n\r\n");
   } else {
     pieces.emplace_back(
-        u"\r\n\r\n Please tap the PLAY button\r\n below to open a communications\r\n port. After which you may "
+        u"\r\n\r\n Please tap the PLAY button\r\n below to open a communications\r\n port. After which you "
+        u"may "
         u"then\r\n begin receiving serial data\r\n into your Pocket PC.");
   }
   return pieces;
@@ -142,7 +153,8 @@ int StartUp(core::AppState& state, const platform::OsInfo& os) {
   state.IsPocketPC5 = static_cast<uint8_t>(CheckPocketPC5(os));
   if (!IsSupportedPlatform(os, state)) {
     core::ShowMessageBox(state, u"O/S not supported",
-                         u"This program requires the Pocket PC 2003 or later Operating System.", BoxIcon::kNone);
+                         u"This program requires the Pocket PC 2003 or later Operating System.",
+                         BoxIcon::kNone);
     return -1;
   }
 

@@ -70,7 +70,8 @@ int SaveProgramOptions(core::AppState& state) {
   if (OpenProgramOptionsKey(state) != 0) return 1;
   auto& record = state.ProgramOptions;
   bool written = true;
-  for (const auto& option : kOptions) written = record.Key.SetDword(option.name, record.*option.field) && written;
+  for (const auto& option : kOptions)
+    written = record.Key.SetDword(option.name, record.*option.field) && written;
   record.Key.Close();
   return written ? 0 : 1;
 }

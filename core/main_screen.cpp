@@ -173,23 +173,27 @@ void MainScreen::SetShownCount(int32_t count) {
   shownCount_ = count;
 }
 
-#define WAVETRACE_CONTROL_SETTER(body)                           \
-  bool notify;                                                   \
-  {                                                              \
-    std::lock_guard lock(mutex_);                                \
-    body;                                                        \
-    notify = Record({ScreenEvent::Kind::kControls, 0, 0, {}});   \
-  }                                                              \
+#define WAVETRACE_CONTROL_SETTER(body)                         \
+  bool notify;                                                 \
+  {                                                            \
+    std::lock_guard lock(mutex_);                              \
+    body;                                                      \
+    notify = Record({ScreenEvent::Kind::kControls, 0, 0, {}}); \
+  }                                                            \
   Notify(notify)
 
-void MainScreen::SetTxText(std::u16string_view text) { WAVETRACE_CONTROL_SETTER(txText_ = text); }
+void MainScreen::SetTxText(std::u16string_view text) {
+  WAVETRACE_CONTROL_SETTER(txText_ = text);
+}
 
 std::u16string MainScreen::TxText() const {
   std::lock_guard lock(mutex_);
   return txText_;
 }
 
-void MainScreen::SetTxEnabled(bool enabled) { WAVETRACE_CONTROL_SETTER(txEnabled_ = enabled); }
+void MainScreen::SetTxEnabled(bool enabled) {
+  WAVETRACE_CONTROL_SETTER(txEnabled_ = enabled);
+}
 
 bool MainScreen::TxEnabled() const {
   std::lock_guard lock(mutex_);
@@ -210,7 +214,8 @@ std::vector<std::u16string> MainScreen::TxHistory() const {
 }
 
 void MainScreen::SetTxSelection(int index) {
-  WAVETRACE_CONTROL_SETTER(txSelection_ = (index >= 0 && index < static_cast<int>(txHistory_.size())) ? index : -1);
+  WAVETRACE_CONTROL_SETTER(txSelection_ =
+                               (index >= 0 && index < static_cast<int>(txHistory_.size())) ? index : -1);
 }
 
 int MainScreen::TxSelection() const {
@@ -238,14 +243,18 @@ bool MainScreen::IsButtonPressed(int command) const {
   return it != buttons_.end() && it->second.pressed;
 }
 
-void MainScreen::SetFocus(int control) { WAVETRACE_CONTROL_SETTER(focus_ = control); }
+void MainScreen::SetFocus(int control) {
+  WAVETRACE_CONTROL_SETTER(focus_ = control);
+}
 
 int MainScreen::Focus() const {
   std::lock_guard lock(mutex_);
   return focus_;
 }
 
-void MainScreen::GreyMenuItem(int command, bool grey) { WAVETRACE_CONTROL_SETTER(menu_[command].grey = grey); }
+void MainScreen::GreyMenuItem(int command, bool grey) {
+  WAVETRACE_CONTROL_SETTER(menu_[command].grey = grey);
+}
 
 bool MainScreen::IsMenuItemGrey(int command) const {
   std::lock_guard lock(mutex_);
@@ -263,7 +272,9 @@ bool MainScreen::IsMenuItemChecked(int command) const {
   return it != menu_.end() && it->second.checked;
 }
 
-void MainScreen::SetTitle(std::u16string_view title) { WAVETRACE_CONTROL_SETTER(title_ = title); }
+void MainScreen::SetTitle(std::u16string_view title) {
+  WAVETRACE_CONTROL_SETTER(title_ = title);
+}
 
 std::u16string MainScreen::Title() const {
   std::lock_guard lock(mutex_);
@@ -294,7 +305,9 @@ void MainScreen::Activate() {
   Notify(notify);
 }
 
-void MainScreen::SetTrayState(int state) { WAVETRACE_CONTROL_SETTER(trayState_ = state); }
+void MainScreen::SetTrayState(int state) {
+  WAVETRACE_CONTROL_SETTER(trayState_ = state);
+}
 
 int MainScreen::TrayState() const {
   std::lock_guard lock(mutex_);

@@ -21,12 +21,12 @@ inline constexpr int kStatusLine = 7102;
 // One change for the views, in the order the changes were made.
 struct ScreenEvent {
   enum class Kind {
-    kStatus,     // Text: the new status line
-    kRxEdit,     // receive window: [From, To) replaced by Text
-    kRxReset,    // receive window: whole text is now Text (view lost track)
-    kControls,   // button, menu, field or tray state changed: re-read the model
-    kShowWindow, // From: 1 show, 0 hide
-    kActivate,   // bring the window to the front
+    kStatus,      // Text: the new status line
+    kRxEdit,      // receive window: [From, To) replaced by Text
+    kRxReset,     // receive window: whole text is now Text (view lost track)
+    kControls,    // button, menu, field or tray state changed: re-read the model
+    kShowWindow,  // From: 1 show, 0 hide
+    kActivate,    // bring the window to the front
   };
   Kind Type;
   int32_t From = 0;

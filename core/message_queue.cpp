@@ -10,14 +10,18 @@ using Clock = std::chrono::steady_clock;
 
 MessageQueue::MessageQueue() : mainThread_(std::this_thread::get_id()) {}
 
-MessageQueue::~MessageQueue() { BeginShutdown(); }
+MessageQueue::~MessageQueue() {
+  BeginShutdown();
+}
 
 void MessageQueue::SetHandler(Handler handler) {
   std::lock_guard lock(mutex_);
   handler_ = std::move(handler);
 }
 
-void MessageQueue::BindMainThread() { mainThread_ = std::this_thread::get_id(); }
+void MessageQueue::BindMainThread() {
+  mainThread_ = std::this_thread::get_id();
+}
 
 bool MessageQueue::Post(Message message) {
   {

@@ -32,7 +32,9 @@ std::u16string FormatErrorCode(int code) {
   return text;
 }
 
-void ShowStatus(AppState& state, std::u16string_view text) { state.Screen.SetStatus(text); }
+void ShowStatus(AppState& state, std::u16string_view text) {
+  state.Screen.SetStatus(text);
+}
 
 void ShowStatusError(AppState& state, std::u16string_view text) {
   ShowStatusError(state, text, platform::LastError());
@@ -65,7 +67,9 @@ void ShowMessageBox(AppState& state, std::u16string_view title, std::u16string_v
   });
 }
 
-void ShowErrorBox(AppState& state, std::u16string_view text) { ShowErrorBox(state, text, platform::LastError()); }
+void ShowErrorBox(AppState& state, std::u16string_view text) {
+  ShowErrorBox(state, text, platform::LastError());
+}
 
 void ShowErrorBox(AppState& state, std::u16string_view text, int code) {
   std::lock_guard lock(state.MemLock);

@@ -35,6 +35,8 @@ WideString& WideString::UpperCaseInPlace() {
   return *this;
 }
 
-std::string WideString::Narrow() const { return WideToBytes(text_); }
+std::string WideString::Narrow() const {
+  return WideToBytes(text_);
+}
 
 }  // namespace wavetrace::core

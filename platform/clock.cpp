@@ -10,7 +10,8 @@ namespace wavetrace::platform {
 uint32_t TickCount() {
   timespec ts{};
   clock_gettime(CLOCK_MONOTONIC, &ts);
-  return static_cast<uint32_t>(static_cast<uint64_t>(ts.tv_sec) * 1000u + static_cast<uint64_t>(ts.tv_nsec) / 1000000u);
+  return static_cast<uint32_t>(static_cast<uint64_t>(ts.tv_sec) * 1000u +
+                               static_cast<uint64_t>(ts.tv_nsec) / 1000000u);
 }
 
 LocalTime GetLocalTime() {
@@ -18,8 +19,9 @@ LocalTime GetLocalTime() {
   clock_gettime(CLOCK_REALTIME, &ts);
   tm parts{};
   localtime_r(&ts.tv_sec, &parts);
-  return LocalTime{parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_wday, parts.tm_mday, parts.tm_hour,
-                   parts.tm_min,         parts.tm_sec,     static_cast<int>(ts.tv_nsec / 1000000)};
+  return LocalTime{
+      parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_wday, parts.tm_mday,
+      parts.tm_hour,        parts.tm_min,     parts.tm_sec,  static_cast<int>(ts.tv_nsec / 1000000)};
 }
 
 bool FileTimeNow(uint64_t& fileTime) {
@@ -31,6 +33,8 @@ bool FileTimeNow(uint64_t& fileTime) {
   return true;
 }
 
-void SleepMs(int ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
+void SleepMs(int ms) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+}
 
 }  // namespace wavetrace::platform

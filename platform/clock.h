@@ -9,7 +9,7 @@ uint32_t TickCount();
 
 struct LocalTime {
   int Year = 0;
-  int Month = 0;  // 1..12
+  int Month = 0;      // 1..12
   int DayOfWeek = 0;  // 0 = Sunday
   int Day = 0;
   int Hour = 0;

@@ -39,7 +39,9 @@ bool FillAddress(const std::string& name, sockaddr_un& address, socklen_t& lengt
 
 }  // namespace
 
-InstanceLock::~InstanceLock() { Release(); }
+InstanceLock::~InstanceLock() {
+  Release();
+}
 
 std::string InstanceLock::LockFile(const std::string& title) const {
   return folder_ + "/instance-" + Encode(title) + ".lock";

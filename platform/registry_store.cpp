@@ -65,7 +65,8 @@ std::vector<Section> Parse(const std::string& text) {
 }
 
 std::string Format(const std::vector<Section>& sections) {
-  std::string text = "; Wavetrace Pro registry: program options that apply before any configuration is loaded\n";
+  std::string text =
+      "; Wavetrace Pro registry: program options that apply before any configuration is loaded\n";
   for (const auto& section : sections) {
     text += "\n[" + section.path + "]\n";
     for (const auto& [name, value] : section.values) text += "\"" + name + "\"=" + value + "\n";

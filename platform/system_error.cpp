@@ -5,9 +5,13 @@
 
 namespace wavetrace::platform {
 
-int LastError() { return errno; }
+int LastError() {
+  return errno;
+}
 
-void SetLastError(int code) { errno = code; }
+void SetLastError(int code) {
+  errno = code;
+}
 
 std::string ErrorText(int code) {
   char buffer[256] = {};
@@ -16,6 +20,8 @@ std::string ErrorText(int code) {
   return text ? text : buffer;
 }
 
-bool IsDeviceBusyOrGone(int code) { return code == EBUSY || code == ENODEV || code == ENXIO || code == EIO; }
+bool IsDeviceBusyOrGone(int code) {
+  return code == EBUSY || code == ENODEV || code == ENXIO || code == EIO;
+}
 
 }  // namespace wavetrace::platform

@@ -15,7 +15,9 @@ WakeEvent::WakeEvent() : fd_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
   if (fd_ < 0) std::abort();
 }
 
-WakeEvent::~WakeEvent() { close(fd_); }
+WakeEvent::~WakeEvent() {
+  close(fd_);
+}
 
 void WakeEvent::Signal() {
   uint64_t one = 1;

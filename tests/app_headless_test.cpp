@@ -1,6 +1,6 @@
 // Runs the real wavetrace-cli as a user would, in a fresh configuration folder.
-#include <gtest/gtest.h>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -105,10 +105,12 @@ TEST(Headless, StartsInAnEmptyFolderAndEndsOnSigterm) {
   std::string home = folder.Path() + "/fresh";  // does not exist yet
   Child child({}, home);
   ASSERT_TRUE(child.WaitForOutput("into your Pocket PC.", 10000)) << child.Out() << child.Err();
-  EXPECT_EQ(child.Out(),
-            "    Welcome to Wavetrace Pro\r\n    Rel. 2.71.3089 (11.2008)\r\n\r\n Please tap the PLAY button\r\n below "
-            "to open a communications\r\n port. After which you may then\r\n begin receiving serial data\r\n into "
-            "your Pocket PC.");
+  EXPECT_EQ(
+      child.Out(),
+      "    Welcome to Wavetrace Pro\r\n    Rel. 2.71.3089 (11.2008)\r\n\r\n Please tap the PLAY button\r\n "
+      "below "
+      "to open a communications\r\n port. After which you may then\r\n begin receiving serial data\r\n into "
+      "your Pocket PC.");
   EXPECT_NE(child.Err().find("Warning: Version mismatch"), std::string::npos);
 
   auto registry = platform::ReadWholeFile(home + "/registry.txt");

@@ -22,11 +22,15 @@ using core::AppState;
 using testing::RecordingFrontEnd;
 using testing::TempFolder;
 
-platform::OsInfo Linux() { return {true, "Linux", 6, 1, ""}; }
+platform::OsInfo Linux() {
+  return {true, "Linux", 6, 1, ""};
+}
 
 constexpr char16_t kWelcomeNormal[] =
-    u"    Welcome to Wavetrace Pro\r\n    Rel. 2.71.3089 (11.2008)\r\n\r\n Please tap the PLAY button\r\n below "
-    u"to open a communications\r\n port. After which you may then\r\n begin receiving serial data\r\n into your "
+    u"    Welcome to Wavetrace Pro\r\n    Rel. 2.71.3089 (11.2008)\r\n\r\n Please tap the PLAY button\r\n "
+    u"below "
+    u"to open a communications\r\n port. After which you may then\r\n begin receiving serial data\r\n into "
+    u"your "
     u"Pocket PC.";
 
 // One program start in a configuration folder, shut down at the end.
@@ -110,9 +114,10 @@ TEST(StartUp, VersionWarningOnAFreshFolderOnlyOnce) {
     auto boxes = first.view.Boxes();
     ASSERT_EQ(boxes.size(), 1u);
     EXPECT_EQ(boxes[0].title, u"Warning: Version mismatch");
-    EXPECT_EQ(boxes[0].text,
-              u"Expected: 2.71 \r\nReceived: Rel. \"0.0\" \r\nSome features may not function properly.  You have "
-              u"been warned.  :)");
+    EXPECT_EQ(
+        boxes[0].text,
+        u"Expected: 2.71 \r\nReceived: Rel. \"0.0\" \r\nSome features may not function properly.  You have "
+        u"been warned.  :)");
   }
   Start second(folder.Path());
   ASSERT_EQ(second.result, 0);
@@ -202,9 +207,10 @@ TEST(StartUp, AutomationMode) {
   EXPECT_EQ(s.AutomationMode, 1);
   EXPECT_EQ(s.WindowTitle, u"Wavetrace Pro(Auto) ");
   OnFirstPaint(s);
-  EXPECT_EQ(s.Screen.RxText(), u" Welcome to Wavetrace Pro(Auto)\r\n        AUTOMATION MODE\r\n    Rel. 2.71.3089 "
-                               u"(11.2008)\r\n\r\n[Running script:] \r\n" +
-                                   core::Utf8ToWide(script) + u"\r\n\r\n");
+  EXPECT_EQ(s.Screen.RxText(),
+            u" Welcome to Wavetrace Pro(Auto)\r\n        AUTOMATION MODE\r\n    Rel. 2.71.3089 "
+            u"(11.2008)\r\n\r\n[Running script:] \r\n" +
+                core::Utf8ToWide(script) + u"\r\n\r\n");
   for (int item : {core::cmd::kConfigLoad, core::cmd::kConfigSave, core::cmd::kConfigSaveAs,
                    core::cmd::kConfigSetDefault}) {
     EXPECT_TRUE(s.Screen.IsMenuItemGrey(item)) << item;
@@ -249,7 +255,8 @@ TEST(Instances, ASecondStartBringsTheFirstToTheFront) {
   first.state.Screen.SetEventsEnabled(true);
   for (int i = 0; i < 500 && !activated; ++i) {
     first.state.Queue.DispatchPending();
-    for (const auto& e : first.state.Screen.TakeEvents()) activated |= e.Type == core::ScreenEvent::Kind::kActivate;
+    for (const auto& e : first.state.Screen.TakeEvents())
+      activated |= e.Type == core::ScreenEvent::Kind::kActivate;
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
   EXPECT_TRUE(activated);
@@ -296,8 +303,11 @@ TEST(MainWindowCommands, RadixAndViewModeAndClear) {
     }
     return n;
   };
-  const std::pair<int, int> radixes[] = {{core::cmd::kDecimal, 10}, {core::cmd::kHex, 16}, {core::cmd::kHex, 16},
-                                         {core::cmd::kOctal, 8},    {core::cmd::kBinary, 2}};
+  const std::pair<int, int> radixes[] = {{core::cmd::kDecimal, 10},
+                                         {core::cmd::kHex, 16},
+                                         {core::cmd::kHex, 16},
+                                         {core::cmd::kOctal, 8},
+                                         {core::cmd::kBinary, 2}};
   for (auto [command, base] : radixes) {
     send(command);
     EXPECT_EQ(s.Data.Base, base);

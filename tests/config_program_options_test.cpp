@@ -23,14 +23,13 @@ class ProgramOptionsTest : public ::testing::Test {
     file = folder.Path() + "/" + kRegistryFileName;
     state.Registry = std::make_unique<platform::RegistryStore>(file);
   }
-  void WriteRegistry(const std::string& values) {
-    std::ofstream(file) << kKeyHeader << values;
-  }
+  void WriteRegistry(const std::string& values) { std::ofstream(file) << kKeyHeader << values; }
   std::string RegistryText() { return platform::ReadWholeFile(file).value_or(""); }
   uint32_t Stored(const std::string& name) {
     platform::RegistryKey key;
     bool created = false;
-    EXPECT_TRUE(state.Registry->CreateKey("HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro", key, created));
+    EXPECT_TRUE(
+        state.Registry->CreateKey("HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro", key, created));
     uint32_t value = 0xDEAD;
     EXPECT_TRUE(key.QueryDword(name, value)) << name;
     return value;
@@ -45,7 +44,8 @@ class ProgramOptionsTest : public ::testing::Test {
 TEST_F(ProgramOptionsTest, AFreshFolderGetsTheKeyWithFourZeroOptions) {
   ASSERT_EQ(LoadProgramOptions(state), 0);
   EXPECT_EQ(state.ProgramOptions.Disposition, 1);
-  for (const char* name : {"DEFAULTcfg", "MULTIinst", "AcquireHWbuttons", "DisableIcon"}) EXPECT_EQ(Stored(name), 0u);
+  for (const char* name : {"DEFAULTcfg", "MULTIinst", "AcquireHWbuttons", "DisableIcon"})
+    EXPECT_EQ(Stored(name), 0u);
   // Written in their order.
   std::string text = RegistryText();
   EXPECT_LT(text.find("DEFAULTcfg"), text.find("MULTIinst"));

@@ -10,7 +10,8 @@ using Kind = ScreenEvent::Kind;
 // Replays the receive-window events on a copy, as a view does.
 std::u16string Replay(std::u16string text, const std::vector<ScreenEvent>& events) {
   for (const auto& e : events) {
-    if (e.Type == Kind::kRxEdit) text.replace(static_cast<size_t>(e.From), static_cast<size_t>(e.To - e.From), e.Text);
+    if (e.Type == Kind::kRxEdit)
+      text.replace(static_cast<size_t>(e.From), static_cast<size_t>(e.To - e.From), e.Text);
     if (e.Type == Kind::kRxReset) text = e.Text;
   }
   return text;

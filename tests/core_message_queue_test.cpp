@@ -63,13 +63,15 @@ TEST_F(MessageQueueTest, ShutdownReleasesAWaitingSenderWithoutRunningIt) {
   queue.DispatchPending();
   EXPECT_TRUE(codes.empty());
   // Later senders do not wait at all.
-  EXPECT_EQ(std::async(std::launch::async, [this] { return queue.Send(MakeMessage(kWmRxActive, 1)); }).get(), 0);
+  EXPECT_EQ(std::async(std::launch::async, [this] { return queue.Send(MakeMessage(kWmRxActive, 1)); }).get(),
+            0);
 }
 
 TEST_F(MessageQueueTest, ServingOnlySendsLeavesPostsQueued) {
   queue.Post(MakeMessage(kWmRxEnded));
   auto result = std::async(std::launch::async, [this] { return queue.Send(MakeMessage(kWmRxActive, 3)); });
-  while (result.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready) queue.DispatchPendingSends();
+  while (result.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready)
+    queue.DispatchPendingSends();
   EXPECT_EQ(codes, std::vector<uint32_t>{kWmRxActive});
   queue.DispatchPending();
   EXPECT_EQ(codes, (std::vector<uint32_t>{kWmRxActive, kWmRxEnded}));

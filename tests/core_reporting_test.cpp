@@ -30,13 +30,15 @@ TEST(FormatErrorCode, CodeInDecimalAndHexWithDescriptions) {
     std::u16string head;
     bool busy;
   };
-  for (const Case& c : {Case{ENOENT, u": Error code=2 (0x2)", false}, Case{EBUSY, u": Error code=16 (0x10)", true},
-                        Case{ENODEV, u": Error code=19 (0x13)", true}, Case{ENXIO, u": Error code=6 (0x6)", true},
-                        Case{EIO, u": Error code=5 (0x5)", true}, Case{EACCES, u": Error code=13 (0xd)", false}}) {
+  for (const Case& c :
+       {Case{ENOENT, u": Error code=2 (0x2)", false}, Case{EBUSY, u": Error code=16 (0x10)", true},
+        Case{ENODEV, u": Error code=19 (0x13)", true}, Case{ENXIO, u": Error code=6 (0x6)", true},
+        Case{EIO, u": Error code=5 (0x5)", true}, Case{EACCES, u": Error code=13 (0xd)", false}}) {
     std::u16string text = FormatErrorCode(c.code);
     EXPECT_EQ(text.rfind(c.head, 0), 0u) << c.code;
-    bool hasBusy = text.find(u"  Desc: The specified network resource or device is either busy or no longer "
-                             u"available.") != std::u16string::npos;
+    bool hasBusy = text.find(
+                       u"  Desc: The specified network resource or device is either busy or no longer "
+                       u"available.") != std::u16string::npos;
     EXPECT_EQ(hasBusy, c.busy) << c.code;
     // Every non-zero code also carries the system's own words, in brackets.
     EXPECT_EQ(text.back(), u')');
@@ -49,8 +51,9 @@ TEST_F(ReportingTest, StatusErrorGoesToTheStatusLine) {
   errno = EBUSY;
   ShowStatusError(state, u"Error! Selected port failed to open. Check settings.");
   std::u16string status = state.Screen.Status();
-  EXPECT_EQ(status.rfind(u"Error! Selected port failed to open. Check settings.: Error code=16 (0x10)  Desc: ", 0),
-            0u);
+  EXPECT_EQ(
+      status.rfind(u"Error! Selected port failed to open. Check settings.: Error code=16 (0x10)  Desc: ", 0),
+      0u);
   EXPECT_TRUE(state.Screen.RxText().empty());
 }
 

@@ -42,7 +42,9 @@ TEST(Utf8, RoundTripsIncludingSurrogatePairs) {
   EXPECT_EQ(WideToUtf8(u"\u00e9"), "\xC3\xA9");
   // Broken sequences become replacement characters instead of being lost.
   EXPECT_EQ(Utf8ToWide("a\xC3"), u"a\uFFFD");
-  EXPECT_EQ(Utf8ToWide("\xFF" "b"), u"\uFFFDb");
+  EXPECT_EQ(Utf8ToWide("\xFF"
+                       "b"),
+            u"\uFFFDb");
 }
 
 TEST(WideString, NullSafeLengthFindAndUpperCase) {
@@ -66,7 +68,8 @@ TEST(WideString, NullSafeLengthFindAndUpperCase) {
 
 TEST(WideString, NarrowCopyUsesTheCodePage) {
   WideString text(u"\u20ac5");
-  EXPECT_EQ(text.Narrow(), std::string("\x80" "5"));
+  EXPECT_EQ(text.Narrow(), std::string("\x80"
+                                       "5"));
   text.Append(u"!");
   text.Append(static_cast<const char16_t*>(nullptr));
   EXPECT_EQ(text.Str(), u"\u20ac5!");

@@ -18,7 +18,8 @@ void WaitUntil(const std::function<bool()>& condition) {
 
 TEST(SuspendableThread, CreatedSuspendedStartsOnlyWhenResumed) {
   std::atomic<int> runs{0};
-  SuspendableThread thread("t", [&](SuspendableThread&) { ++runs; }, true);
+  SuspendableThread thread(
+      "t", [&](SuspendableThread&) { ++runs; }, true);
   WaitUntil([&] { return thread.IsParked(); });
   EXPECT_EQ(runs, 0);
   EXPECT_TRUE(thread.Resume());
@@ -67,7 +68,8 @@ TEST(SuspendableThread, StopCutsASleepShort) {
   std::atomic<bool> slept{true};
   auto start = std::chrono::steady_clock::now();
   {
-    SuspendableThread thread("t", [&](SuspendableThread& self) { slept = self.SleepFor(60'000); }, false);
+    SuspendableThread thread(
+        "t", [&](SuspendableThread& self) { slept = self.SleepFor(60'000); }, false);
     std::this_thread::sleep_for(10ms);
   }  // the destructor stops and joins
   EXPECT_FALSE(slept);

@@ -9,7 +9,6 @@
 #include "core/version.h"
 #include "platform/files.h"
 #include "platform/instance_lock.h"
-#include "platform/registry_store.h"
 
 namespace wavetrace::app {
 namespace {
@@ -165,9 +164,7 @@ int StartUp(core::AppState& state, const platform::OsInfo& os) {
   // start that creates the key records this release, as an installer would.
   if (state.ConfigFolder.empty()) state.ConfigFolder = core::Utf8ToWide(platform::ConfigFolder());
   std::string folder = core::WideToUtf8(state.ConfigFolder);
-  if (!state.Registry) {
-    state.Registry = std::make_unique<platform::RegistryStore>(folder + "/" + config::kRegistryFileName);
-  }
+  if (state.RegistryFile.empty()) state.RegistryFile = folder + "/" + config::kRegistryFileName;
   if (CheckVersionInRegistry(state) != 0) {
     core::ShowMessageBox(state, u"Warning: Version mismatch", VersionMismatchText(state), BoxIcon::kWarning);
     if (state.ProgramOptions.Disposition == 1) config::WriteRegisteredVersion(state);

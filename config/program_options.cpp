@@ -3,10 +3,10 @@
 #include <array>
 #include <cstdio>
 
+#include "config/registry_store.h"
 #include "core/code_page.h"
 #include "core/reporting.h"
 #include "core/version.h"
-#include "platform/registry_store.h"
 
 namespace wavetrace::config {
 namespace {
@@ -38,10 +38,11 @@ std::u16string FormatVersion(uint32_t major, uint32_t minor) {
   return core::Utf8ToWide(text);
 }
 
-int OpenProgramOptionsKey(core::AppState& state) {
+int OpenProgramOptionsKey(core::AppState& state, RegistryKey& key) {
   auto& record = state.ProgramOptions;
   bool created = false;
-  if (!state.Registry || !state.Registry->CreateKey(KeyPath(record), record.Key, created)) {
+  if (state.RegistryFile.empty() ||
+      !RegistryStore(state.RegistryFile).CreateKey(KeyPath(record), key, created)) {
     record.LastResult = 1;
     core::ShowErrorBox(state, u"Error opening Program Options registry key: " + record.Path);
     return 1;
@@ -52,37 +53,39 @@ int OpenProgramOptionsKey(core::AppState& state) {
 }
 
 int LoadProgramOptions(core::AppState& state) {
-  if (OpenProgramOptionsKey(state) != 0) return 1;
+  RegistryKey key;
+  if (OpenProgramOptionsKey(state, key) != 0) return 1;
   auto& record = state.ProgramOptions;
   for (const auto& option : kOptions) {
     uint32_t value = 0;
-    if (record.Disposition != 1 && record.Key.QueryDword(option.name, value)) {
+    if (record.Disposition != 1 && key.QueryDword(option.name, value)) {
       record.*option.field = value;
     } else {
-      record.Key.SetDword(option.name, record.*option.field);
+      key.SetDword(option.name, record.*option.field);
     }
   }
-  record.Key.Close();
+  key.Close();
   return 0;
 }
 
 int SaveProgramOptions(core::AppState& state) {
-  if (OpenProgramOptionsKey(state) != 0) return 1;
+  RegistryKey key;
+  if (OpenProgramOptionsKey(state, key) != 0) return 1;
   auto& record = state.ProgramOptions;
   bool written = true;
-  for (const auto& option : kOptions)
-    written = record.Key.SetDword(option.name, record.*option.field) && written;
-  record.Key.Close();
+  for (const auto& option : kOptions) written = key.SetDword(option.name, record.*option.field) && written;
+  key.Close();
   return written ? 0 : 1;
 }
 
 int IsRegisteredVersionCurrent(core::AppState& state) {
   auto& record = state.ProgramOptions;
-  if (OpenProgramOptionsKey(state) != 0) return 1;
+  RegistryKey key;
+  if (OpenProgramOptionsKey(state, key) != 0) return 1;
   uint32_t major = 0;
   uint32_t minor = 0;
-  bool read = record.Key.QueryDword("MajorVersion", major) && record.Key.QueryDword("MinorVersion", minor);
-  record.Key.Close();
+  bool read = key.QueryDword("MajorVersion", major) && key.QueryDword("MinorVersion", minor);
+  key.Close();
   if (!read) return 1;
   record.MajorVersion = major;
   record.MinorVersion = minor;
@@ -94,11 +97,12 @@ int IsRegisteredVersionCurrent(core::AppState& state) {
 int WriteRegisteredVersion(core::AppState& state) {
   auto& record = state.ProgramOptions;
   bool created = record.Disposition == 1;
-  if (OpenProgramOptionsKey(state) != 0) return 1;
+  RegistryKey key;
+  if (OpenProgramOptionsKey(state, key) != 0) return 1;
   record.Disposition = created ? 1 : record.Disposition;
-  bool written = record.Key.SetDword("MajorVersion", core::kMajorVersion) &&
-                 record.Key.SetDword("MinorVersion", core::kMinorVersion);
-  record.Key.Close();
+  bool written =
+      key.SetDword("MajorVersion", core::kMajorVersion) && key.SetDword("MinorVersion", core::kMinorVersion);
+  key.Close();
   return written ? 0 : 1;
 }
 

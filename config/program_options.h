@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "config/registry_store.h"
 #include "core/app_state.h"
 
 namespace wavetrace::config {
@@ -10,9 +11,10 @@ namespace wavetrace::config {
 inline constexpr char kRegistryFileName[] = "registry.txt";
 
 // Opens (creating when missing) the program options key of
-// state.ProgramOptions in state.Registry. 0 on success; 1 on failure, after
-// "Error opening Program Options registry key: %s" in an error box.
-int OpenProgramOptionsKey(core::AppState& state);
+// state.ProgramOptions in the registry file into key, recording whether it was
+// created. 0 on success; 1 on failure, after "Error opening Program Options
+// registry key: %s" in an error box.
+int OpenProgramOptionsKey(core::AppState& state, RegistryKey& key);
 // Reads DEFAULTcfg, MULTIinst, AcquireHWbuttons and DisableIcon; a value that
 // is missing or unreadable (or a key just created) gets the record's value
 // written back, so the key always ends up holding all four. 0, or 1 when the

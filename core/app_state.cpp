@@ -1,7 +1,6 @@
 #include "core/app_state.h"
 
 #include "platform/instance_lock.h"
-#include "platform/registry_store.h"
 
 namespace wavetrace::core {
 

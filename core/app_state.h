@@ -18,7 +18,6 @@
 
 namespace wavetrace::platform {
 class InstanceLock;
-class RegistryStore;
 }  // namespace wavetrace::platform
 
 namespace wavetrace::core {
@@ -57,7 +56,7 @@ struct AppState {
   std::atomic<bool> MainWindowExists{false};
   std::u16string WindowTitle;
   std::u16string ConfigFolder;  // where the registry file and Default.cfg.txt live
-  std::unique_ptr<platform::RegistryStore> Registry;
+  std::string RegistryFile;     // the registry of this install (a file in ConfigFolder)
   std::unique_ptr<platform::InstanceLock> Instance;
 
   // --- threads (null stands for the invalid handle) -----------------------

@@ -3,15 +3,12 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/registry_store.h"
-
 namespace wavetrace::core {
 
 // The program options kept in the registry, with the release that wrote them.
 struct ProgramOptionsKey {
   std::string Root = "HKEY_LOCAL_MACHINE";
   std::u16string Path = u"SOFTWARE\\Tarnwell\\Wavetrace Pro";
-  platform::RegistryKey Key;
   int32_t Disposition = 0;  // 1 when the last open created the key
   int32_t ValueSize = 4;
   int32_t LastResult = 0;

@@ -57,8 +57,8 @@ class Start {
 void WriteRegistry(const std::string& folder, int major, int minor, int multi = 0) {
   char text[256];
   std::snprintf(text, sizeof text,
-                "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\n\"MajorVersion\"=dword:%08x\n"
-                "\"MinorVersion\"=dword:%08x\n\"MULTIinst\"=dword:%08x\n",
+                "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\nMajorVersion=dword:%08x\n"
+                "MinorVersion=dword:%08x\nMULTIinst=dword:%08x\n",
                 major, minor, multi);
   std::ofstream(folder + "/registry.txt") << text;
 }
@@ -187,7 +187,7 @@ TEST(StartUp, ExitEndsEveryThreadAndFreesTheBuffers) {
 TEST(StartUp, DisableIconKeepsTheNotificationOff) {
   TempFolder folder;
   WriteRegistry(folder.Path(), 2, 71);
-  std::ofstream(folder.Path() + "/registry.txt", std::ios::app) << "\"DisableIcon\"=dword:00000001\n";
+  std::ofstream(folder.Path() + "/registry.txt", std::ios::app) << "DisableIcon=dword:00000001\n";
   Start start(folder.Path());
   ASSERT_EQ(start.result, 0);
   EXPECT_EQ(start.state.Screen.TrayState(), 0);

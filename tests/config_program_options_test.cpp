@@ -4,8 +4,8 @@
 #include <sstream>
 
 #include "config/program_options.h"
+#include "config/registry_store.h"
 #include "platform/files.h"
-#include "platform/registry_store.h"
 #include "test_support.h"
 
 namespace wavetrace::config {
@@ -21,15 +21,15 @@ class ProgramOptionsTest : public ::testing::Test {
   void SetUp() override {
     state.View = &view;
     file = folder.Path() + "/" + kRegistryFileName;
-    state.Registry = std::make_unique<platform::RegistryStore>(file);
+    state.RegistryFile = file;
   }
   void WriteRegistry(const std::string& values) { std::ofstream(file) << kKeyHeader << values; }
   std::string RegistryText() { return platform::ReadWholeFile(file).value_or(""); }
   uint32_t Stored(const std::string& name) {
-    platform::RegistryKey key;
+    RegistryKey key;
     bool created = false;
     EXPECT_TRUE(
-        state.Registry->CreateKey("HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro", key, created));
+        RegistryStore(file).CreateKey("HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro", key, created));
     uint32_t value = 0xDEAD;
     EXPECT_TRUE(key.QueryDword(name, value)) << name;
     return value;
@@ -54,7 +54,7 @@ TEST_F(ProgramOptionsTest, AFreshFolderGetsTheKeyWithFourZeroOptions) {
 }
 
 TEST_F(ProgramOptionsTest, AKeyHoldingOnlyOneOptionGainsTheOthers) {
-  WriteRegistry("\"MULTIinst\"=dword:00000001\n");
+  WriteRegistry("MULTIinst=dword:00000001\n");
   ASSERT_EQ(LoadProgramOptions(state), 0);
   EXPECT_EQ(state.ProgramOptions.MULTIinst, 1u);
   EXPECT_EQ(Stored("MULTIinst"), 1u);
@@ -63,8 +63,8 @@ TEST_F(ProgramOptionsTest, AKeyHoldingOnlyOneOptionGainsTheOthers) {
 
 TEST_F(ProgramOptionsTest, UnreadableValuesAreRepairedWithTheDefault) {
   WriteRegistry(
-      "\"DEFAULTcfg\"=dword:zz\n\"MULTIinst\"=\"text\"\n\"AcquireHWbuttons\"=dword:00000001\n"
-      "garbage line\n\"DisableIcon\"=dword:0000000100\n");
+      "DEFAULTcfg=dword:zz\nMULTIinst=\"text\"\nAcquireHWbuttons=dword:00000001\n"
+      "garbage line\nDisableIcon=dword:0000000100\n");
   ASSERT_EQ(LoadProgramOptions(state), 0);
   EXPECT_EQ(state.ProgramOptions.DEFAULTcfg, 0u);
   EXPECT_EQ(state.ProgramOptions.MULTIinst, 0u);
@@ -80,7 +80,7 @@ TEST_F(ProgramOptionsTest, SavedOptionsComeBackOnTheNextLoad) {
   state.ProgramOptions.DisableIcon = 1;
   ASSERT_EQ(SaveProgramOptions(state), 0);
   core::AppState next;
-  next.Registry = std::make_unique<platform::RegistryStore>(file);
+  next.RegistryFile = file;
   ASSERT_EQ(LoadProgramOptions(next), 0);
   EXPECT_EQ(next.ProgramOptions.DEFAULTcfg, 1u);
   EXPECT_EQ(next.ProgramOptions.MULTIinst, 0u);
@@ -88,9 +88,9 @@ TEST_F(ProgramOptionsTest, SavedOptionsComeBackOnTheNextLoad) {
 }
 
 TEST_F(ProgramOptionsTest, OtherKeysInTheFileSurviveAWrite) {
-  std::ofstream(file) << "[HKEY_CURRENT_USER\\Other]\n\"Keep\"=dword:0000002a\n";
+  std::ofstream(file) << "[HKEY_CURRENT_USER\\Other]\nKeep=dword:0000002a\n";
   ASSERT_EQ(SaveProgramOptions(state), 0);
-  EXPECT_NE(RegistryText().find("\"Keep\"=dword:0000002a"), std::string::npos);
+  EXPECT_NE(RegistryText().find("Keep=dword:0000002a"), std::string::npos);
 }
 
 TEST_F(ProgramOptionsTest, VersionTest) {
@@ -101,10 +101,10 @@ TEST_F(ProgramOptionsTest, VersionTest) {
     uint32_t minor;
   };
   const Case cases[] = {
-      {"\"MajorVersion\"=dword:00000002\n\"MinorVersion\"=dword:00000047\n", 0, 2, 71},
-      {"\"MajorVersion\"=dword:00000002\n\"MinorVersion\"=dword:00000007\n", 1, 2, 7},
-      {"\"MajorVersion\"=dword:00000002\n\"MinorVersion\"=dword:00000046\n", 1, 2, 70},
-      {"\"MajorVersion\"=dword:00000002\n", 1, 0, 0},
+      {"MajorVersion=dword:00000002\nMinorVersion=dword:00000047\n", 0, 2, 71},
+      {"MajorVersion=dword:00000002\nMinorVersion=dword:00000007\n", 1, 2, 7},
+      {"MajorVersion=dword:00000002\nMinorVersion=dword:00000046\n", 1, 2, 70},
+      {"MajorVersion=dword:00000002\n", 1, 0, 0},
       {"", 1, 0, 0},
   };
   for (const auto& c : cases) {
@@ -121,7 +121,7 @@ TEST_F(ProgramOptionsTest, VersionTest) {
 TEST_F(ProgramOptionsTest, AKeyThatCannotBeOpenedIsReportedAndChangesNothing) {
   // A registry file below a plain file can never be created.
   std::ofstream(folder.Path() + "/plain") << "x";
-  state.Registry = std::make_unique<platform::RegistryStore>(folder.Path() + "/plain/registry.txt");
+  state.RegistryFile = folder.Path() + "/plain/registry.txt";
   state.ProgramOptions.MULTIinst = 1;
   EXPECT_EQ(LoadProgramOptions(state), 1);
   EXPECT_EQ(SaveProgramOptions(state), 1);

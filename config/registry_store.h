@@ -2,18 +2,16 @@
 
 #include <cstdint>
 #include <map>
-#include <memory>
-#include <optional>
 #include <string>
 
-namespace wavetrace::platform {
+namespace wavetrace::config {
 
-// The registry of a Linux install: one text file in the configuration folder.
-// Each key path is a section; each value a typed line, as a registry export
-// writes it:
+// The registry of a Linux install: one INI file in the configuration folder,
+// a section per key path and a typed value per line, as a registry export
+// writes them:
 //
 //   [HKEY_LOCAL_MACHINE\SOFTWARE\Tarnwell\Wavetrace Pro]
-//   "MULTIinst"=dword:00000001
+//   MULTIinst=dword:00000001
 //
 // Every write re-reads the file and replaces it atomically under an exclusive
 // lock, so several instances can share it.
@@ -31,7 +29,7 @@ class RegistryKey {
   friend class RegistryStore;
   std::string file_;
   std::string path_;
-  std::map<std::string, std::string> values_;  // name -> typed text
+  std::map<std::string, std::string> values_;  // name -> typed text, as read at open
 };
 
 class RegistryStore {
@@ -39,13 +37,12 @@ class RegistryStore {
   explicit RegistryStore(std::string file) : file_(std::move(file)) {}
   [[nodiscard]] const std::string& File() const { return file_; }
 
-  // Opens keyPath, creating it (and the file) when missing. created is set to
-  // true when the key did not exist before. False when the file cannot be
-  // read or written.
+  // Opens keyPath; created tells whether it was missing (it comes into being
+  // with its first value). False when the file cannot be used.
   bool CreateKey(const std::string& keyPath, RegistryKey& key, bool& created) const;
 
  private:
   std::string file_;
 };
 
-}  // namespace wavetrace::platform
+}  // namespace wavetrace::config

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+namespace wavetrace::platform {
+
+// An exclusive lock on "<file>.lock", held for one read-modify-write of a
+// file that several processes share.
+class FileLock {
+ public:
+  explicit FileLock(const std::string& file);
+  ~FileLock();
+  FileLock(const FileLock&) = delete;
+  FileLock& operator=(const FileLock&) = delete;
+  [[nodiscard]] bool Held() const { return fd_ >= 0; }
+
+ private:
+  int fd_ = -1;
+};
+
+}  // namespace wavetrace::platform

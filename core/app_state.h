@@ -40,6 +40,7 @@ struct AppState {
   PortSettings Port;
   DataSettings Data;
   LogSettings Log;
+  SettingsSnapshot Snapshot;
   ProgramOptionsKey ProgramOptions;
   std::u16string CurrentConfigPath;
 

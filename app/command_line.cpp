@@ -50,6 +50,14 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args) {
       }
     } else if (arg.rfind("--script=", 0) == 0) {
       setScript(arg.substr(9), "--script");
+    } else if (arg == "--config") {
+      if (i + 1 >= args.size()) {
+        result.Error = "option --config needs a configuration file";
+      } else {
+        sw.ConfigPath = core::Utf8ToWide(args[++i]);
+      }
+    } else if (arg.rfind("--config=", 0) == 0 && arg.size() > 9) {
+      sw.ConfigPath = core::Utf8ToWide(arg.substr(9));
     } else if (arg == "--help" || arg == "-h") {
       result.ShowHelp = true;
     } else if (arg == "--version") {
@@ -69,6 +77,7 @@ std::string HelpText(const std::string& program, bool guiProgram) {
   text +=
       "\n"
       "  --script FILE, /SCRIPT::FILE  run the script FILE (automation mode)\n"
+      "  --config FILE                 load the configuration FILE after the default one\n"
       "  --nogui, /NOGUI               no window: run headless in this terminal\n"
       "  --quiet, -q, /Q               headless: keep status messages off standard error\n"
       "  --debug, /DEBUGON             scripts echo every command they find\n"

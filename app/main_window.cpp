@@ -4,6 +4,8 @@
 
 #include "app/startup.h"
 #include "app/worker_threads.h"
+#include "config/config_file.h"
+#include "config/program_options.h"
 #include "core/allocation.h"
 #include "core/messages.h"
 #include "core/reporting.h"
@@ -16,24 +18,13 @@ using namespace core::cmd;
 // Commands whose features are not part of the program yet: their menu items
 // and buttons stay grey and the window ignores them.
 constexpr std::array kUnavailable = {
-    kCommProperties,
-    kTransmitOptions,
-    kReceiveOptions,
-    kAsciiChart,
-    kScreenOff,
-    kSoftwareButtons,
-    kCommPinouts,
-    kConfigLoad,
-    kConfigSave,
-    kConfigSaveAs,
-    kConfigSetDefault,
-    kHelp,
-    kRunScript,
-    kPlay,
-    kStop,
-    kSend,
-    kRepeat,
-    kRecord,
+    kCommProperties, kTransmitOptions,
+    kReceiveOptions, kAsciiChart,
+    kScreenOff,      kSoftwareButtons,
+    kCommPinouts,    kHelp,
+    kRunScript,      kPlay,
+    kStop,           kSend,
+    kRepeat,         kRecord,
     kRelay,
 };
 
@@ -91,7 +82,32 @@ void KeepAlive(core::AppState& state) {
   }
 }
 
-int64_t OnCommand(core::AppState& state, int command) {
+// The Config menu: Load..., Save, SaveAs..., Set as Default.
+void OnConfigCommand(core::AppState& state, int command, int64_t source) {
+  if (command == kConfigLoad) {
+    // A script has loaded the file itself: only the screen follows.
+    if (source == core::kFromMainWindow) {
+      ApplySettingsToScreen(state);
+      return;
+    }
+    std::u16string path = state.View ? state.View->ChooseConfigFile(false, state.CurrentConfigPath) : u"";
+    if (!path.empty() && config::ConfigLoad(state, path) == 0) {
+      state.CurrentConfigPath = path;
+      ApplySettingsToScreen(state);
+    }
+    return;
+  }
+  if (command == kConfigSave) {
+    config::ConfigSave(state, state.CurrentConfigPath);
+  } else if (command == kConfigSaveAs) {
+    std::u16string path = state.View ? state.View->ChooseConfigFile(true, state.CurrentConfigPath) : u"";
+    if (!path.empty() && config::ConfigSave(state, path) == 0) state.CurrentConfigPath = path;
+  } else if (command == kConfigSetDefault) {
+    config::ConfigSave(state, state.ConfigFolder + u"/" + config::kDefaultConfigName);
+  }
+}
+
+int64_t OnCommand(core::AppState& state, int command, int64_t source) {
   if (IsUnavailable(command)) return 0;
   switch (command) {
     case kExit:
@@ -99,6 +115,12 @@ int64_t OnCommand(core::AppState& state, int command) {
       return 0;
     case kAbout:
       if (state.View) state.View->ShowAbout(AboutReleaseLine(), state.AutomationMode != 0);
+      return 0;
+    case kConfigLoad:
+    case kConfigSave:
+    case kConfigSaveAs:
+    case kConfigSetDefault:
+      OnConfigCommand(state, command, source);
       return 0;
     case kProgramOptions:
       if (state.View) state.View->ShowProgramOptions();
@@ -144,6 +166,27 @@ int64_t OnCommand(core::AppState& state, int command) {
 
 }  // namespace
 
+void ApplySettingsToScreen(core::AppState& state) {
+  SetViewMode(state, state.Data.modeASCII != 0);
+  SetRadix(state, state.Data.Base);
+  state.Screen.CheckMenuItem(kPauseRxDisplay, state.Data.PauseRxDisplay != 0);
+  state.Screen.CheckMenuItem(kFullscreen, state.Data.RxFullScreen != 0);
+  state.Screen.CheckMenuItem(kBacklightOnReceive, state.Data.RxBacklightEvent != 0);
+}
+
+void LoadStartConfiguration(core::AppState& state) {
+  if (state.ProgramOptions.DEFAULTcfg != 1) config::ConfigLoad(state, state.CurrentConfigPath);
+  const std::u16string& requested = state.Switches.ConfigPath;
+  if (requested.empty()) return;
+  if (config::ConfigLoad(state, requested) == 0) {
+    state.CurrentConfigPath = requested;
+  } else if (state.Screen.Status().find(u"Invalid config file") == std::u16string::npos) {
+    // The load says nothing when the file cannot be opened; asked for by
+    // name, that must not pass in silence.
+    core::ShowStatusError(state, u"Config file not found [" + requested + u"]");
+  }
+}
+
 void ShowClosedControls(core::AppState& state) {
   auto& screen = state.Screen;
   screen.EnableButton(kMenuBarPlay, true);
@@ -168,22 +211,20 @@ int CreateMainWindow(core::AppState& state) {
   }
   state.MainWindowExists = true;
   ShowClosedControls(state);
-  SetViewMode(state, state.Data.modeASCII != 0);
-  SetRadix(state, state.Data.Base);
-  state.Screen.CheckMenuItem(kPauseRxDisplay, state.Data.PauseRxDisplay != 0);
-  state.Screen.CheckMenuItem(kFullscreen, state.Data.RxFullScreen != 0);
-  state.Screen.CheckMenuItem(kBacklightOnReceive, state.Data.RxBacklightEvent != 0);
   state.Queue.SetTimer(core::kKeepAliveTimerId, core::kKeepAliveIntervalMs);
   state.KeepAliveTimerRunning = true;
   state.FirstPaintState = 2;
-  state.CurrentConfigPath = state.ConfigFolder + u"/Default.cfg.txt";
+  state.CurrentConfigPath = state.ConfigFolder + u"/" + config::kDefaultConfigName;
+  config::TakeSettingsSnapshot(state);
+  LoadStartConfiguration(state);
+  ApplySettingsToScreen(state);
   return 0;
 }
 
 int64_t MainWindowProc(core::AppState& state, const core::Message& message) {
   switch (message.Code) {
     case core::kWmCommand:
-      return OnCommand(state, static_cast<int>(message.WParam));
+      return OnCommand(state, static_cast<int>(message.WParam), message.LParam);
     case core::kWmTimer:
       if (message.WParam == core::kKeepAliveTimerId) KeepAlive(state);
       return 0;

@@ -28,5 +28,10 @@ void Shutdown(core::AppState& state);
 
 // The closed state shown when no port is open (also the state at start).
 void ShowClosedControls(core::AppState& state);
+// Check marks and buttons that follow the settings (after a load).
+void ApplySettingsToScreen(core::AppState& state);
+// The default configuration (unless DEFAULTcfg is 1), then the one named on
+// the command line.
+void LoadStartConfiguration(core::AppState& state);
 
 }  // namespace wavetrace::app

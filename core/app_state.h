@@ -43,6 +43,7 @@ struct AppState {
   SettingsSnapshot Snapshot;
   ProgramOptionsKey ProgramOptions;
   std::u16string CurrentConfigPath;
+  int32_t LoadWarnings = 0;  // keys missing from the last configuration loaded
 
   // --- start-up ------------------------------------------------------------
   CommandLineSwitches Switches;

@@ -16,6 +16,7 @@ struct CommandLineSwitches {
   int32_t Quiet = 0;          // "/Q": the headless view keeps the status line off stderr
   int32_t NoGui = 0;          // "/NOGUI": no window (the headless front end)
   int32_t Debug = 0;          // "/DEBUGON": the script echoes each command it finds
+  std::u16string ConfigPath;  // --config: a configuration loaded after the default one
 };
 
 }  // namespace wavetrace::core

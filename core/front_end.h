@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace wavetrace::core {
@@ -32,6 +33,9 @@ class FrontEnd {
   virtual void ShowAbout(std::u16string_view releaseLine, bool automationMode) = 0;
   // The program options page.
   virtual void ShowProgramOptions() = 0;
+  // Lets the user pick a configuration file to load (save false) or to save
+  // to; empty when cancelled or when the front end has no file dialog.
+  virtual std::u16string ChooseConfigFile(bool /*save*/, std::u16string_view /*current*/) { return {}; }
 };
 
 }  // namespace wavetrace::core

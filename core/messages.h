@@ -21,6 +21,9 @@ inline constexpr uint32_t kWmScreenChanged = 0xB002;
 inline constexpr uint32_t kWmActivateInstance = 0xB003;
 
 inline constexpr int64_t kWmLButtonDown = 513;
+// LParam of a command the program sends itself (a script's CONFIG load
+// refreshes the screen without asking for a file).
+inline constexpr int64_t kFromMainWindow = -1;
 
 // Command numbers (menu items, buttons, menu-bar buttons).
 namespace cmd {

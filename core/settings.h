@@ -68,11 +68,13 @@ struct DataSettings {
   std::array<std::u16string, 4> HardwareButtonData{};
   std::array<std::u16string, 6> SoftwareButtonData{};
   std::array<std::u16string, 6> SoftwareButtonCaption{};
+
+  bool operator==(const DataSettings&) const = default;
 };
 
 // Logging settings record (section DataLog).
 struct LogSettings {
-  std::u16string wszLogDir;   // always ends in the folder separator
+  std::u16string wszLogDir;  // always ends in the folder separator
   std::u16string wszLogFile;
   int32_t LOGtimestamp = 0;
   int32_t LOGtransmitdata = 0;
@@ -80,6 +82,8 @@ struct LogSettings {
   int32_t RecordALL = 1;
   int32_t RecordInterval = 10;
   int32_t RecordDuration = 1;
+
+  bool operator==(const LogSettings&) const = default;
 };
 
 // Copies of the port and data settings taken after discovery and after each

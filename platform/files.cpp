@@ -62,6 +62,16 @@ bool FileExists(const std::string& path) {
   return access(path.c_str(), F_OK) == 0;
 }
 
+std::optional<uint64_t> FileSize(const std::string& path) {
+  struct stat info {};
+  if (stat(path.c_str(), &info) != 0) return std::nullopt;
+  if (S_ISDIR(info.st_mode)) {
+    errno = EISDIR;
+    return std::nullopt;
+  }
+  return static_cast<uint64_t>(info.st_size);
+}
+
 std::optional<std::string> ReadWholeFile(const std::string& path) {
   int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) return std::nullopt;

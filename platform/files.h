@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -15,6 +16,8 @@ std::string DocumentsFolder();
 // Creates the folder and its parents; true when it exists afterwards.
 bool MakeFolders(const std::string& path);
 bool FileExists(const std::string& path);
+// Size in bytes, or nothing when the file cannot be examined (errno tells why).
+std::optional<uint64_t> FileSize(const std::string& path);
 // Whole file, or nothing when it cannot be read (errno tells why).
 std::optional<std::string> ReadWholeFile(const std::string& path);
 // Writes a temporary file beside path and renames it over path, so a full

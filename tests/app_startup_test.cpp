@@ -159,7 +159,8 @@ TEST(StartUp, NormalStartShowsTheClosedStateAndTheWelcomeText) {
   EXPECT_FALSE(s.Screen.IsButtonEnabled(core::cmd::kStop));
   EXPECT_FALSE(s.Screen.IsMenuItemGrey(core::cmd::kAbout));
   EXPECT_FALSE(s.Screen.IsMenuItemGrey(core::cmd::kExit));
-  EXPECT_TRUE(s.Screen.IsMenuItemGrey(core::cmd::kConfigLoad));
+  EXPECT_TRUE(s.Screen.IsMenuItemGrey(core::cmd::kRunScript));
+  EXPECT_FALSE(s.Screen.IsMenuItemGrey(core::cmd::kConfigLoad));
   EXPECT_TRUE(s.Screen.IsMenuItemChecked(core::cmd::kHex));
   EXPECT_EQ(s.Screen.TrayState(), 1);
   EXPECT_TRUE(s.Screen.WindowShown());
@@ -231,6 +232,64 @@ TEST(StartUp, AScriptThatCannotBeReadFallsBackToNormalMode) {
     EXPECT_EQ(start.state.AutomationMode, 0);
     EXPECT_EQ(start.state.WindowTitle, u"Wavetrace Pro ");
   }
+}
+
+TEST(StartUp, LoadsTheDefaultConfigurationThenTheOneAskedFor) {
+  TempFolder folder;
+  WriteRegistry(folder.Path(), 2, 71);
+  const std::string padding = "\r\n" + std::string(64, ';') + "\r\n";
+  std::ofstream(folder.Path() + "/Default.cfg.txt")
+      << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nBase=2\r\nmodeASCII=0\r\nmodeBINARY=1" << padding;
+  std::ofstream(folder.Path() + "/night.cfg.txt")
+      << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nBase=8" << padding;
+  struct Case {
+    std::string options;
+    std::string config;
+    int base;
+    int checked;
+    bool binary;
+  };
+  const Case cases[] = {
+      {"", "", 2, core::cmd::kBinary, true},
+      {"DEFAULTcfg=dword:00000001\n", "", 16, core::cmd::kHex, false},
+      {"", "/night.cfg.txt", 8, core::cmd::kOctal, true},
+      {"DEFAULTcfg=dword:00000001\n", "/night.cfg.txt", 8, core::cmd::kOctal, false},
+  };
+  for (const auto& c : cases) {
+    WriteRegistry(folder.Path(), 2, 71);
+    std::ofstream(folder.Path() + "/registry.txt", std::ios::app) << c.options;
+    AppState s;
+    RecordingFrontEnd view;
+    s.View = &view;
+    s.ConfigFolder = core::Utf8ToWide(folder.Path());
+    if (!c.config.empty()) s.Switches.ConfigPath = core::Utf8ToWide(folder.Path() + c.config);
+    ASSERT_EQ(StartUp(s, Linux()), 0);
+    EXPECT_EQ(s.Data.Base, c.base) << c.options << c.config;
+    EXPECT_TRUE(s.Screen.IsMenuItemChecked(c.checked)) << c.options << c.config;
+    EXPECT_EQ(s.Data.modeBINARY, c.binary ? 1 : 0) << c.options << c.config;
+    EXPECT_FALSE(s.Screen.IsButtonEnabled(c.binary ? core::cmd::kBinaryButton : core::cmd::kAsciiButton));
+    if (!c.config.empty()) {
+      EXPECT_EQ(s.CurrentConfigPath, s.Switches.ConfigPath);
+    }
+    Shutdown(s);
+    AfterMessageLoop(s);
+  }
+}
+
+TEST(StartUp, AConfigurationAskedForThatIsMissingIsReported) {
+  TempFolder folder;
+  WriteRegistry(folder.Path(), 2, 71);
+  AppState s;
+  RecordingFrontEnd view;
+  s.View = &view;
+  s.ConfigFolder = core::Utf8ToWide(folder.Path());
+  s.Switches.ConfigPath = core::Utf8ToWide(folder.Path() + "/gone.cfg.txt");
+  ASSERT_EQ(StartUp(s, Linux()), 0);
+  EXPECT_EQ(s.Screen.Status().rfind(u"Config file not found [", 0), 0u);
+  EXPECT_NE(s.Screen.Status().find(u"Error code=2 (0x2)"), std::u16string::npos);
+  EXPECT_EQ(s.CurrentConfigPath, core::Utf8ToWide(folder.Path()) + u"/Default.cfg.txt");
+  Shutdown(s);
+  AfterMessageLoop(s);
 }
 
 TEST(Instances, TitleCandidates) {

@@ -1,0 +1,331 @@
+#include "config/config_file.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "config/ini_store.h"
+#include "core/code_page.h"
+#include "core/reporting.h"
+#include "core/version.h"
+#include "platform/clock.h"
+#include "platform/files.h"
+
+namespace wavetrace::config {
+namespace {
+
+using core::AppState;
+
+constexpr char kSignature[] = "Wavetrace Pro";
+constexpr int kValueBuffer = 512;
+
+std::string Numbered(const char* format, int n) {
+  char text[64];
+  std::snprintf(text, sizeof text, format, n);
+  return text;
+}
+
+std::string Narrow(const std::u16string& text) {
+  return core::WideToBytes(text);
+}
+std::u16string Wide(const std::string& text) {
+  return core::BytesToWide(text);
+}
+
+// A path for the file system, or empty when it cannot be one.
+std::string FilePath(const std::u16string& path) {
+  if (path.empty() || path.find(u'\0') != std::u16string::npos) return {};
+  return core::WideToUtf8(path);
+}
+
+// The writing side of a section walk.
+class Writer {
+ public:
+  explicit Writer(IniStore& ini) : ini_(ini) {}
+  void Section(std::string name) { section_ = std::move(name); }
+  void Int(const char* key, int32_t value, bool = true) { Put(key, std::to_string(value)); }
+  void UInt(const char* key, uint32_t value, bool = true) { Put(key, std::to_string(value)); }
+  void Flag(const char* key, uint8_t value, bool = true) { Put(key, std::to_string(value)); }
+  void Text(const char* key, const std::u16string& value, bool = true) { Put(key, Narrow(value)); }
+  void Put(const std::string& key, const std::string& value) { ini_.Set(section_, key, value); }
+
+ private:
+  IniStore& ini_;
+  std::string section_;
+};
+
+// The reading side: a missing key leaves the setting and may count a warning.
+class Reader {
+ public:
+  Reader(IniStore& ini, int32_t& warnings) : ini_(ini), warnings_(warnings) {}
+  void Section(std::string name) { section_ = std::move(name); }
+  bool Get(const std::string& key, std::string& value, bool counts) {
+    if (ini_.Get(section_, key, value, kValueBuffer)) return true;
+    if (counts) ++warnings_;
+    return false;
+  }
+  void Int(const char* key, int32_t& value, bool counts = true) {
+    std::string text;
+    if (Get(key, text, counts)) value = std::atoi(text.c_str());
+  }
+  void UInt(const char* key, uint32_t& value, bool counts = true) {
+    std::string text;
+    if (Get(key, text, counts)) value = static_cast<uint32_t>(std::strtoul(text.c_str(), nullptr, 10));
+  }
+  void Flag(const char* key, uint8_t& value, bool counts = true) {
+    std::string text;
+    if (Get(key, text, counts)) value = std::atoi(text.c_str()) != 0 ? 1 : 0;
+  }
+  void Text(const char* key, std::u16string& value, bool counts = true) {
+    std::string text;
+    if (Get(key, text, counts)) value = Wide(text);
+  }
+
+ private:
+  IniStore& ini_;
+  int32_t& warnings_;
+  std::string section_;
+};
+
+// Sections whose keys are read and written alike, in file order.
+template <typename Io, typename Data>
+void WalkDataSections(Io& io, Data& data) {
+  io.Section("DATA_h");
+  io.Flag("modeASCII", data.modeASCII);
+  io.Flag("modeBINARY", data.modeBINARY);
+  io.Int("Base", data.Base);
+  io.Int("BinBrackets", data.BinBrackets);
+  io.Int("NonChars", data.NonChars);
+  io.Int("FilterNP", data.FilterNP);
+  io.UInt("TxRepeatNum", data.TxRepeatNum);
+  io.UInt("TxRepeatDelay", data.TxRepeatDelay);
+  io.UInt("RxDelayReadThread", data.RxDelayReadThread, false);
+  io.Int("TxClrRCVEtxt", data.TxClrRCVEtxt);
+  io.Flag("PauseRxDisplay", data.PauseRxDisplay);
+  io.Flag("RxFullScreen", data.RxFullScreen);
+  io.Int("ShowClassNames", data.ShowClassNames);
+  io.Flag("RxBacklightEvent", data.RxBacklightEvent);
+
+  io.Section("TCP_relay");
+  for (int i = 0; i < 4; ++i)
+    io.Text(Numbered("IP_%02d", i + 1).c_str(), data.IP[static_cast<size_t>(i)], false);
+  io.Int("EnableTCPIPrelay", data.EnableTCPIPrelay);
+  io.Int("RelayTCP_RemotePort", data.RelayTCP_RemotePort);
+  io.Int("Relay_SocketType_TCP", data.Relay_SocketType_TCP);
+  io.Int("Relay_SocketType_UDP", data.Relay_SocketType_UDP);
+
+  io.Section("WINDOW_relay");
+  io.Int("TRANSLATE_KEYBOARD_CODES", data.TRANSLATE_KEYBOARD_CODES, false);
+}
+
+template <typename Io, typename Log>
+void WalkLogSection(Io& io, Log& log) {
+  io.Section("DataLog");
+  io.Text("wszLogDir", log.wszLogDir);
+  io.Text("wszLogFile", log.wszLogFile);
+  io.Int("LOGtimestamp", log.LOGtimestamp);
+  io.Int("LOGtransmitdata", log.LOGtransmitdata);
+  io.Int("LOGoverwrite", log.LOGoverwrite);
+  io.Int("RecordALL", log.RecordALL, false);
+  io.Int("RecordInterval", log.RecordInterval, false);
+  io.Int("RecordDuration", log.RecordDuration, false);
+}
+
+template <typename Io, typename Data>
+void WalkButtonSections(Io& io, Data& data) {
+  for (int n = 1; n <= 2; ++n) {
+    io.Section(Numbered("HardwareButton_%02d", n));
+    io.Text("Data", data.HardwareButtonData[static_cast<size_t>(n - 1)]);
+  }
+  for (int n = 1; n <= 2; ++n) {
+    io.Section(Numbered("SoftwareButton_%02d", n));
+    io.Text("Data", data.SoftwareButtonData[static_cast<size_t>(n - 1)]);
+    io.Text("Caption", data.SoftwareButtonCaption[static_cast<size_t>(n - 1)]);
+  }
+}
+
+std::u16string VersionText() {
+  return std::u16string(core::kRelease) + u"." + core::kBuild + u" " + core::kReleaseDate;
+}
+
+std::u16string OsText(const AppState& state) {
+  if (state.IsPocketPC4) return u"PPC2003";
+  if (state.IsPocketPC421) return u"PPC2003SE";
+  if (state.IsPocketPC5) return u"WM5+";
+  // No handheld flag: the value buffer still holds the version text.
+  return VersionText();
+}
+
+void SavePortSection(Writer& w, const core::PortSettings& port) {
+  w.Section("COMMs");
+  for (int n = 0; n <= 9; ++n)
+    w.Flag(Numbered("COM%dSer", n).c_str(), port.PortPresent[static_cast<size_t>(n)]);
+  w.Text("RawIrPort", port.RawIrPort);
+  for (int n = 1; n <= 9; ++n)
+    w.Text(Numbered("FriendlyName_%02d", n).c_str(), port.FriendlyName[static_cast<size_t>(n)]);
+  w.Text("SelectedPort", port.SelectedPort);
+  w.UInt("SelectedBaud", port.SelectedBaud);
+  w.Int("SelectedDataBits", port.SelectedDataBits);
+  w.Text("Parity", port.Parity);
+  w.Text("StopBits", port.StopBits);
+  w.Int("XON", port.XON);
+  w.Int("RTS", port.RTS);
+  w.Int("DTR", port.DTR);
+  w.Int("CustomBauds_count", port.CustomBauds_count);
+  w.UInt("CustomBaud_01", port.CustomBaud_01);
+}
+
+void LoadPortSection(Reader& r, core::PortSettings& port) {
+  r.Section("COMMs");
+  for (int n = 0; n <= 9; ++n) {
+    // Loading never clears a flag that discovery set.
+    auto& present = port.PortPresent[static_cast<size_t>(n)];
+    if (present) continue;
+    uint8_t saved = 0;
+    r.Flag(Numbered("COM%dSer", n).c_str(), saved);
+    present = saved;
+  }
+  r.Text("RawIrPort", port.RawIrPort);
+  for (int n = 1; n <= 9; ++n) {
+    std::u16string name;
+    bool found = false;
+    std::string text;
+    if (r.Get(Numbered("FriendlyName_%02d", n), text, true)) name = Wide(text), found = true;
+    // A real driver name is kept; only a generic one takes the saved name.
+    auto& current = port.FriendlyName[static_cast<size_t>(n)];
+    if (found && current.find(u"Serial connection using") != std::u16string::npos) current = name;
+  }
+  r.Text("SelectedPort", port.SelectedPort);
+  r.UInt("SelectedBaud", port.SelectedBaud);
+  int32_t dataBits = port.SelectedDataBits;
+  r.Int("SelectedDataBits", dataBits);
+  port.SelectedDataBits = static_cast<uint8_t>(dataBits);
+  r.Text("Parity", port.Parity);
+  r.Text("StopBits", port.StopBits);
+  r.Int("XON", port.XON);
+  r.Int("RTS", port.RTS);
+  r.Int("DTR", port.DTR);
+  std::string count;
+  if (r.Get("CustomBauds_count", count, true)) {
+    port.CustomBauds_count = std::atoi(count.c_str());
+    // There is one custom rate slot whatever the count says.
+    r.UInt("CustomBaud_01", port.CustomBaud_01, false);
+  }
+}
+
+void SaveHistory(Writer& w, const core::MainScreen& screen) {
+  auto history = screen.TxHistory();
+  w.Section("SentHistory");
+  w.Int("LastSelection", screen.TxSelection());
+  w.Int("SentHistoryCount", static_cast<int32_t>(history.size()));
+  for (size_t n = 0; n < history.size(); ++n) {
+    w.Section(Numbered("SentHistory_%02d", static_cast<int>(n)));
+    w.Text("Data", history[n]);
+  }
+}
+
+void LoadHistory(Reader& r, core::MainScreen& screen) {
+  r.Section("SentHistory");
+  std::string countText;
+  if (!r.Get("SentHistoryCount", countText, true)) return;
+  screen.SetTxText(u"");
+  screen.SetTxHistory({});
+  int count = std::atoi(countText.c_str());
+  std::vector<std::u16string> entries;
+  for (int n = 0; n < count; ++n) {
+    r.Section(Numbered("SentHistory_%02d", n));
+    std::string text;
+    if (r.Get("Data", text, false)) entries.push_back(Wide(text));
+  }
+  screen.SetTxHistory(std::move(entries));
+  if (count != 0) {
+    r.Section("SentHistory");
+    int32_t selection = -1;
+    r.Int("LastSelection", selection, false);
+    screen.SetTxSelection(selection);
+  }
+}
+
+std::u16string Bracketed(const char16_t* head, const std::u16string& path, const char16_t* tail = u"]") {
+  return std::u16string(head) + u" [" + path + tail;
+}
+
+}  // namespace
+
+void TakeSettingsSnapshot(AppState& state) {
+  state.Snapshot.Port = state.Port;
+  state.Snapshot.Data = state.Data;
+}
+
+int ConfigSave(AppState& state, const std::u16string& path) {
+  std::string file = FilePath(path);
+  if (file.empty()) {
+    core::ShowErrorBox(state, u"Config Error: converting Unicode to ASCII.");
+    return 1;
+  }
+  IniStore ini;
+  ini.Open(file, true);
+  Writer w(ini);
+  w.Section(kSignature);
+  w.Put("ConfigFile", "1");
+  w.Text("Version", VersionText());
+  w.Text("OS", OsText(state));
+  SavePortSection(w, state.Port);
+  WalkDataSections(w, state.Data);
+  WalkLogSection(w, state.Log);
+  SaveHistory(w, state.Screen);
+  WalkButtonSections(w, state.Data);
+  if (ini.Close() != 0) {
+    // Unlike a silent "Saved", a file that could not be written is said so.
+    core::ShowStatusError(state, Bracketed(u"Error writing config file", path));
+    return 1;
+  }
+  core::ShowStatus(state, Bracketed(u"Saved config file", path));
+  return 0;
+}
+
+int ConfigLoad(AppState& state, const std::u16string& path) {
+  std::string file = FilePath(path);
+  if (file.empty()) {
+    core::ShowErrorBox(state, u"Config Load Error: converting Unicode to ASCII.");
+    return 1;
+  }
+  auto size = platform::FileSize(file);
+  if (!size || IniFileExists(file.c_str()) != 0) return 1;
+  if (*size < kMinimumConfigBytes) {
+    core::ShowStatus(state, Bracketed(u"Invalid config file", path, u"].  Size too small."));
+    return 1;
+  }
+  // A card that was just written may need a moment: only the second look counts.
+  platform::SleepMs(100);
+  IniStore ini;
+  ini.Open(file, false);
+  platform::SleepMs(100);
+  if (!IniStore::Exists(file)) return 1;
+  std::string signature;
+  if (!ini.Get(kSignature, "ConfigFile", signature, kValueBuffer) || std::atoi(signature.c_str()) != 1) {
+    core::ShowStatus(state, Bracketed(u"Invalid config file", path));
+    return 1;
+  }
+
+  state.LoadWarnings = 0;
+  Reader r(ini, state.LoadWarnings);
+  LoadPortSection(r, state.Port);
+  WalkDataSections(r, state.Data);
+  WalkLogSection(r, state.Log);
+  LoadHistory(r, state.Screen);
+  WalkButtonSections(r, state.Data);
+  TakeSettingsSnapshot(state);
+
+  if (state.LoadWarnings == 0) {
+    core::ShowStatus(state, Bracketed(u"Loaded config file", path));
+  } else {
+    char count[16];
+    std::snprintf(count, sizeof count, "%02d", state.LoadWarnings);
+    core::ShowStatus(state,
+                     Bracketed(u"Loaded config file", path, u"]*\r\n(LW=") + core::Utf8ToWide(count) + u")");
+  }
+  return 0;
+}
+
+}  // namespace wavetrace::config

@@ -1,0 +1,261 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "app/main_window.h"
+#include "config/config_file.h"
+#include "core/code_page.h"
+#include "core/messages.h"
+#include "platform/files.h"
+#include "test_support.h"
+
+namespace wavetrace::config {
+namespace {
+
+using core::AppState;
+using testing::RecordingFrontEnd;
+using testing::TempFolder;
+
+// Every persisted setting away from its default.
+void SetEverything(AppState& s) {
+  auto& p = s.Port;
+  for (size_t n = 0; n < 10; ++n) p.PortPresent[n] = n % 2;
+  p.RawIrPort = u"COM3:";
+  for (size_t n = 1; n <= 9; ++n) p.FriendlyName[n] = u"Adapter \u00e9" + core::Utf8ToWide(std::to_string(n));
+  p.SelectedPort = u"COM5:";
+  p.SelectedBaud = 4000000000u;
+  p.SelectedDataBits = 7;
+  p.Parity = u"Mark";
+  p.StopBits = u"1.5";
+  p.XON = 1;
+  p.RTS = 1;
+  p.DTR = 1;
+  p.CustomBauds_count = 1;
+  p.CustomBaud_01 = 250000;
+  auto& d = s.Data;
+  d.modeASCII = 0;
+  d.modeBINARY = 1;
+  d.Base = 8;
+  d.BinBrackets = 1;
+  d.NonChars = 1;
+  d.FilterNP = 1;
+  d.TxRepeatNum = 3000000000u;
+  d.TxRepeatDelay = 250;
+  d.RxDelayReadThread = 9999;
+  d.TxClrRCVEtxt = 1;
+  d.PauseRxDisplay = 1;
+  d.RxFullScreen = 1;
+  d.ShowClassNames = 1;
+  d.RxBacklightEvent = 1;
+  d.IP = {u"10", u"1", u"2", u"254"};
+  d.EnableTCPIPrelay = 1;
+  d.RelayTCP_RemotePort = 65535;
+  d.Relay_SocketType_TCP = 0;
+  d.Relay_SocketType_UDP = 1;
+  d.TRANSLATE_KEYBOARD_CODES = 1;
+  d.HardwareButtonData[0] = u"AT[0D]";
+  d.HardwareButtonData[1] = u"[File::/tmp/x.bin]";
+  d.SoftwareButtonData[0] = u"ATZ";
+  d.SoftwareButtonData[1] = u"{PLAY}";
+  d.SoftwareButtonCaption[0] = u"Reset";
+  d.SoftwareButtonCaption[1] = u"Go";
+  auto& l = s.Log;
+  l.wszLogDir = u"/home/me/logs/";
+  l.wszLogFile = u"run.log.txt";
+  l.LOGtimestamp = 1;
+  l.LOGtransmitdata = 1;
+  l.LOGoverwrite = 1;
+  l.RecordALL = 0;
+  l.RecordInterval = 60;
+  l.RecordDuration = 5;
+  s.Screen.SetTxHistory({u"first", u"second [0D]", u"third"});
+  s.Screen.SetTxSelection(2);
+}
+
+class ConfigFileTest : public ::testing::Test {
+ protected:
+  void SetUp() override { state.View = &view; }
+  std::u16string Path(const std::string& name) { return core::Utf8ToWide(folder.Path() + "/" + name); }
+  std::u16string Write(const std::string& name, const std::string& contents) {
+    std::ofstream(folder.Path() + "/" + name, std::ios::binary) << contents;
+    return Path(name);
+  }
+
+  TempFolder folder;
+  AppState state;
+  RecordingFrontEnd view;
+};
+
+TEST_F(ConfigFileTest, EverySettingSurvivesTheRoundTrip) {
+  SetEverything(state);
+  std::u16string path = Path("all.cfg.txt");
+  ASSERT_EQ(ConfigSave(state, path), 0);
+  EXPECT_EQ(state.Screen.Status(), u"Saved config file [" + path + u"]");
+
+  AppState loaded;
+  ASSERT_EQ(ConfigLoad(loaded, path), 0);
+  EXPECT_EQ(loaded.LoadWarnings, 0);
+  EXPECT_EQ(loaded.Screen.Status(), u"Loaded config file [" + path + u"]");
+  EXPECT_TRUE(loaded.Port == state.Port);
+  EXPECT_TRUE(loaded.Data == state.Data);
+  EXPECT_TRUE(loaded.Log == state.Log);
+  EXPECT_EQ(loaded.Screen.TxHistory(), state.Screen.TxHistory());
+  EXPECT_EQ(loaded.Screen.TxSelection(), 2);
+  EXPECT_TRUE(loaded.Snapshot.Port == state.Port);
+  EXPECT_TRUE(loaded.Snapshot.Data == state.Data);
+}
+
+TEST_F(ConfigFileTest, TheFileIsInTheHandheldLayout) {
+  SetEverything(state);
+  std::u16string path = Path("layout.cfg.txt");
+  ASSERT_EQ(ConfigSave(state, path), 0);
+  std::string text = platform::ReadWholeFile(core::WideToUtf8(path)).value_or("");
+  EXPECT_EQ(text.rfind(
+                "[Wavetrace Pro]\r\nConfigFile=1\r\nVersion=2.71.3089 (11.2008)\r\nOS=2.71.3089 (11.2008)\r\n"
+                "[COMMs]\r\nCOM0Ser=0\r\nCOM1Ser=1\r\n",
+                0),
+            0u)
+      << text.substr(0, 200);
+  // Sections in their order; history numbered from 00, friendly names from 01.
+  const char* order[] = {
+      "[COMMs]",       "[DATA_h]",         "[TCP_relay]",      "[WINDOW_relay]",      "[DataLog]",
+      "[SentHistory]", "[SentHistory_00]", "[SentHistory_02]", "[HardwareButton_01]", "[SoftwareButton_02]"};
+  size_t last = 0;
+  for (const char* section : order) {
+    size_t at = text.find(section);
+    ASSERT_NE(at, std::string::npos) << section;
+    EXPECT_GT(at, last) << section;
+    last = at;
+  }
+  EXPECT_NE(text.find("FriendlyName_01=Adapter \xe9"
+                      "1\r\n"),
+            std::string::npos);  // code page, not UTF-8
+  EXPECT_EQ(text.find("FriendlyName_00"), std::string::npos);
+  EXPECT_EQ(text.find('\n', 0), text.find("\r\n", 0) + 1);
+}
+
+TEST_F(ConfigFileTest, RefusedFilesChangeNothing) {
+  std::string body = "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nBase=2\r\n";
+  struct Case {
+    std::string name;
+    std::string contents;
+    std::u16string status;  // empty: no message
+  };
+  std::string padded = body + std::string(64, ';') + "\r\n";
+  const Case cases[] = {
+      {"short.cfg.txt", std::string(63, 'x'), u"Invalid config file [#].  Size too small."},
+      {"nosig.cfg.txt", std::string(64, 'x'), u"Invalid config file [#]"},
+      {"two.cfg.txt", "[Wavetrace Pro]\r\nConfigFile=2\r\n[DATA_h]\r\nBase=2\r\n" + std::string(64, ';'),
+       u"Invalid config file [#]"},
+      {"word.cfg.txt", "[Wavetrace Pro]\r\nConfigFile=yes\r\n[DATA_h]\r\nBase=2\r\n" + std::string(64, ';'),
+       u"Invalid config file [#]"},
+  };
+  for (const auto& c : cases) {
+    AppState fresh;
+    SetEverything(fresh);
+    AppState before;
+    SetEverything(before);
+    fresh.Screen.SetStatus(u"unchanged");
+    std::u16string path = Write(c.name, c.contents);
+    EXPECT_EQ(ConfigLoad(fresh, path), 1) << c.name;
+    std::u16string expected = c.status;
+    expected.replace(expected.find(u'#'), 1, path);
+    EXPECT_EQ(fresh.Screen.Status(), expected) << c.name;
+    EXPECT_TRUE(fresh.Port == before.Port && fresh.Data == before.Data && fresh.Log == before.Log) << c.name;
+  }
+  // A missing file: 1 and no message.
+  state.Screen.SetStatus(u"unchanged");
+  EXPECT_EQ(ConfigLoad(state, Path("missing.cfg.txt")), 1);
+  EXPECT_EQ(state.Screen.Status(), u"unchanged");
+  // 64 bytes with the signature load.
+  std::string exact = "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nBase=2\r\n";
+  exact += std::string(64 - exact.size() - 2, ';') + "\r\n";
+  ASSERT_EQ(exact.size(), 64u);
+  EXPECT_EQ(ConfigLoad(state, Write("exact.cfg.txt", exact)), 0);
+  EXPECT_EQ(state.Data.Base, 2);
+}
+
+TEST_F(ConfigFileTest, AHandwrittenFileLoadsWithItsQuirks) {
+  state.Port.PortPresent[3] = 1;                     // set by discovery
+  state.Port.FriendlyName[2] = u"USB Serial Cable";  // a real driver name
+  std::string file =
+      "[Wavetrace Pro]\r\nConfigFile=1\r\nVersion=2.71.3089 (11.2008)\r\nOS=PPC2003\r\n"
+      "[COMMs]\r\nCOM3Ser=0\r\nCOM4Ser=1\r\nFriendlyName_01=My GPS\r\nFriendlyName_02=Saved name\r\n"
+      "SelectedPort=COM4:\r\nSelectedBaud=115200\r\nCustomBauds_count=3\r\nCustomBaud_01=31250\r\n"
+      "CustomBaud_02=62500\r\n[DATA_h]\r\nBase=  10\r\nmodeASCII=7\r\nTxRepeatNum=12abc\r\n";
+  ASSERT_EQ(ConfigLoad(state, Write("hand.cfg.txt", file)), 0);
+  EXPECT_EQ(state.Port.PortPresent[3], 1);  // not cleared
+  EXPECT_EQ(state.Port.PortPresent[4], 1);
+  EXPECT_EQ(state.Port.FriendlyName[1], u"My GPS");
+  EXPECT_EQ(state.Port.FriendlyName[2], u"USB Serial Cable");
+  EXPECT_EQ(state.Port.SelectedPort, u"COM4:");
+  EXPECT_EQ(state.Port.SelectedBaud, 115200u);
+  EXPECT_EQ(state.Port.CustomBauds_count, 3);
+  EXPECT_EQ(state.Port.CustomBaud_01, 31250u);
+  EXPECT_EQ(state.Data.Base, 10);
+  EXPECT_EQ(state.Data.modeASCII, 1);
+  EXPECT_EQ(state.Data.TxRepeatNum, 12u);
+  EXPECT_GT(state.LoadWarnings, 0);
+  EXPECT_EQ(state.Screen.Status().rfind(u"Loaded config file [", 0), 0u);
+  char expected[32];
+  std::snprintf(expected, sizeof expected, "]*\r\n(LW=%02d)", state.LoadWarnings);
+  EXPECT_NE(state.Screen.Status().find(core::Utf8ToWide(expected)), std::u16string::npos);
+}
+
+TEST_F(ConfigFileTest, AFileThatCannotBeWrittenIsReported) {
+  state.Screen.SetStatus(u"before");
+  EXPECT_EQ(ConfigSave(state, Path("no/such/folder.cfg.txt")), 1);
+  EXPECT_EQ(state.Screen.Status().rfind(u"Error writing config file [", 0), 0u);
+  EXPECT_EQ(ConfigSave(state, u""), 1);
+  ASSERT_EQ(view.Boxes().size(), 1u);
+  EXPECT_EQ(view.Boxes()[0].text.rfind(u"Config Error: converting Unicode to ASCII.", 0), 0u);
+}
+
+// The Config menu on the logical main window.
+class ChoosingFrontEnd : public RecordingFrontEnd {
+ public:
+  std::u16string ChooseConfigFile(bool save, std::u16string_view) override {
+    asked.push_back(save);
+    return answer;
+  }
+  std::vector<bool> asked;
+  std::u16string answer;
+};
+
+TEST_F(ConfigFileTest, ConfigMenuCommands) {
+  ChoosingFrontEnd chooser;
+  AppState s;
+  s.View = &chooser;
+  s.ConfigFolder = core::Utf8ToWide(folder.Path());
+  s.CurrentConfigPath = Path("current.cfg.txt");
+  s.Data.Base = 2;
+
+  app::MainWindowProc(s, core::MakeMessage(core::kWmCommand, core::cmd::kConfigSave));
+  EXPECT_TRUE(platform::FileExists(folder.Path() + "/current.cfg.txt"));
+
+  chooser.answer = Path("other.cfg.txt");
+  app::MainWindowProc(s, core::MakeMessage(core::kWmCommand, core::cmd::kConfigSaveAs));
+  EXPECT_EQ(s.CurrentConfigPath, chooser.answer);
+  app::MainWindowProc(s, core::MakeMessage(core::kWmCommand, core::cmd::kConfigSetDefault));
+  EXPECT_TRUE(platform::FileExists(folder.Path() + "/Default.cfg.txt"));
+
+  s.Data.Base = 16;
+  s.CurrentConfigPath = Path("current.cfg.txt");
+  app::MainWindowProc(s, core::MakeMessage(core::kWmCommand, core::cmd::kConfigLoad));
+  EXPECT_EQ(s.Data.Base, 2);
+  EXPECT_EQ(s.CurrentConfigPath, chooser.answer);
+  EXPECT_TRUE(s.Screen.IsMenuItemChecked(core::cmd::kBinary));
+  EXPECT_EQ(chooser.asked, (std::vector<bool>{true, false}));
+
+  // Cancelled dialogs change nothing; a load sent by the program itself asks nothing.
+  chooser.answer.clear();
+  s.Data.Base = 10;
+  app::MainWindowProc(s, core::MakeMessage(core::kWmCommand, core::cmd::kConfigLoad));
+  EXPECT_EQ(s.Data.Base, 10);
+  app::MainWindowProc(s, core::MakeMessage(core::kWmCommand, core::cmd::kConfigLoad, core::kFromMainWindow));
+  EXPECT_EQ(chooser.asked.size(), 3u);
+  EXPECT_TRUE(s.Screen.IsMenuItemChecked(core::cmd::kDecimal));
+}
+
+}  // namespace
+}  // namespace wavetrace::config

@@ -302,6 +302,10 @@ int ConfigLoad(AppState& state, const std::u16string& path) {
   ini.Open(file, false);
   platform::SleepMs(100);
   if (!IniStore::Exists(file)) return 1;
+  return ConfigLoadStore(state, ini, path);
+}
+
+int ConfigLoadStore(AppState& state, IniStore& ini, const std::u16string& path) {
   std::string signature;
   if (!ini.Get(kSignature, "ConfigFile", signature, kValueBuffer) || std::atoi(signature.c_str()) != 1) {
     core::ShowStatus(state, Bracketed(u"Invalid config file", path));

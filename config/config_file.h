@@ -17,6 +17,11 @@ int ConfigSave(core::AppState& state, const std::u16string& path);
 // settings as they were and are counted in state.LoadWarnings.
 int ConfigLoad(core::AppState& state, const std::u16string& path);
 
+class IniStore;
+// The part of ConfigLoad after the file checks: the signature, then every
+// section of a store that holds the file.
+int ConfigLoadStore(core::AppState& state, IniStore& ini, const std::u16string& path);
+
 // Takes the snapshot of the port and data settings.
 void TakeSettingsSnapshot(core::AppState& state);
 

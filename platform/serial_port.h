@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace wavetrace::platform {
+
+enum class Parity { kNone, kOdd, kEven, kMark, kSpace };
+enum class StopBits { kOne, kOneAndHalf, kTwo };
+
+// A line setting as the port layer applies it.
+struct LineSettings {
+  uint32_t Baud = 9600;
+  int DataBits = 8;
+  Parity ParityMode = Parity::kNone;
+  StopBits Stop = StopBits::kOne;
+  bool XonXoff = false;
+  bool Rts = false;      // RTS line on while open
+  bool CtsFlow = false;  // output flow control by CTS
+  bool Dtr = false;      // DTR line on while open
+  bool DsrFlow = false;  // not available on Linux
+  bool operator==(const LineSettings&) const = default;
+};
+
+// Port events a wait reports (the handheld's event mask bits).
+namespace event {
+inline constexpr uint32_t kRxChar = 0x0001;
+inline constexpr uint32_t kRxFlag = 0x0002;
+inline constexpr uint32_t kTxEmpty = 0x0004;
+inline constexpr uint32_t kBreak = 0x0040;
+inline constexpr uint32_t kError = 0x0080;
+inline constexpr uint32_t kDefaultMask = kRxChar | kRxFlag | kTxEmpty | kBreak | kError;  // 199
+}  // namespace event
+
+// An open serial port: a terminal device or a backend inside the program.
+// Errors are reported through errno-style codes, never thrown.
+class SerialPort {
+ public:
+  virtual ~SerialPort() = default;
+
+  // Applies the line setting. 0 on success, else an error code; error then
+  // holds what went wrong in words.
+  virtual int Configure(const LineSettings& settings, std::string& error) = 0;
+  // Blocks until an event in the mask, and returns it; 0 when the mask was
+  // set to 0 (close), the device hung up, or the wait failed.
+  virtual uint32_t WaitEvent() = 0;
+  // A mask of 0 wakes a pending wait with 0.
+  virtual void SetEventMask(uint32_t mask) = 0;
+  // Reads what is queued, at most count bytes, without waiting. Returns the
+  // count (0: nothing there, or the device hung up), or -1 with errno set.
+  virtual int Read(uint8_t* buffer, int count) = 0;
+  // Writes count bytes, waiting at most timeoutMs in all. Returns the bytes
+  // written (fewer on a time-out), or -1 with errno set.
+  virtual int Write(const uint8_t* data, int count, int timeoutMs) = 0;
+  // Throws away both queues.
+  virtual void Purge() = 0;
+  // Sets or clears the RTS and DTR lines; ports without modem lines ignore it.
+  virtual void SetModemLines(bool rts, bool dtr) = 0;
+  // Asks the far side to stop sending (XOFF).
+  virtual void SendXoff() = 0;
+  // True once the device went away (hang-up) while open.
+  [[nodiscard]] virtual bool HungUp() const = 0;
+};
+
+// Opens a terminal device exclusively (a port held by another program is
+// refused with EBUSY). Null with errno set on failure.
+std::unique_ptr<SerialPort> OpenTermiosPort(const std::string& path);
+
+}  // namespace wavetrace::platform

@@ -1,0 +1,173 @@
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+
+#include "platform/custom_rate.h"
+#include "platform/serial_port.h"
+#include "platform/system_error.h"
+#include "platform/termios_mapping.h"
+#include "platform/wake_event.h"
+
+namespace wavetrace::platform {
+namespace {
+
+// Pseudo-terminals (and older kernels) answer modem-line requests so: the
+// port simply has no such lines.
+bool NotSupported(int code) {
+  return code == ENOTTY || code == EINVAL;
+}
+
+class TermiosPort : public SerialPort {
+ public:
+  explicit TermiosPort(int fd) : fd_(fd) {}
+  ~TermiosPort() override { close(fd_); }
+  TermiosPort(const TermiosPort&) = delete;
+  TermiosPort& operator=(const TermiosPort&) = delete;
+
+  int Configure(const LineSettings& settings, std::string& error) override {
+    termios current{};
+    if (tcgetattr(fd_, &current) != 0) {
+      int code = errno;
+      error = "the device is not a serial port (" + ErrorText(code) + ")";
+      return code;
+    }
+    TermiosRecord record;
+    error = MakeTermios(settings, current, record);
+    if (!error.empty()) return EINVAL;
+    if (tcsetattr(fd_, TCSANOW, &record.Tio) != 0) {
+      int code = errno;
+      error = "the driver refused the line setting (" + ErrorText(code) + ")";
+      return code;
+    }
+    if (record.Custom) {
+      if (int code = SetCustomRate(fd_, record.Rate); code != 0) {
+        error = "the driver refused " + std::to_string(record.Rate) + " baud (" + ErrorText(code) + ")";
+        return code;
+      }
+    }
+    // A driver may round or ignore a rate without saying so: look.
+    uint32_t held = CurrentRate(fd_);
+    if (held != 0 && !WithinTwoPercent(held, record.Rate)) {
+      error = "the driver cannot run at " + std::to_string(record.Rate) + " baud (it offers " +
+              std::to_string(held) + ")";
+      return EINVAL;
+    }
+    SetModemLines(settings.Rts, settings.Dtr);
+    return 0;
+  }
+
+  uint32_t WaitEvent() override {
+    for (;;) {
+      uint32_t mask = mask_.load();
+      if (mask == 0 || hungUp_) return 0;
+      pollfd fds[2] = {{fd_, POLLIN, 0}, {wake_.Fd(), POLLIN, 0}};
+      int rc = poll(fds, 2, -1);
+      if (rc < 0 && errno == EINTR) continue;
+      if (rc < 0) return 0;
+      if (fds[1].revents) {
+        wake_.Clear();
+        continue;  // the mask changed: look again
+      }
+      if (fds[0].revents & (POLLHUP | POLLERR | POLLNVAL)) {
+        hungUp_ = true;
+        return 0;
+      }
+      if (fds[0].revents & POLLIN) {
+        int queued = 0;
+        // Readable with nothing queued: the device is gone (end of file).
+        if (ioctl(fd_, FIONREAD, &queued) == 0 && queued == 0) {
+          hungUp_ = true;
+          return 0;
+        }
+        return mask & event::kRxChar ? event::kRxChar : mask;
+      }
+    }
+  }
+
+  void SetEventMask(uint32_t mask) override {
+    mask_ = mask;
+    wake_.Signal();
+  }
+
+  int Read(uint8_t* buffer, int count) override {
+    for (;;) {
+      ssize_t n = read(fd_, buffer, static_cast<size_t>(count));
+      if (n >= 0) return static_cast<int>(n);
+      if (errno == EINTR) continue;
+      if (errno == EAGAIN) return 0;
+      if (errno == EIO) hungUp_ = true;
+      return -1;
+    }
+  }
+
+  int Write(const uint8_t* data, int count, int timeoutMs) override {
+    using Clock = std::chrono::steady_clock;
+    auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
+    int done = 0;
+    while (done < count) {
+      ssize_t n = write(fd_, data + done, static_cast<size_t>(count - done));
+      if (n > 0) {
+        done += static_cast<int>(n);
+        continue;
+      }
+      if (n < 0 && errno == EINTR) continue;
+      if (n < 0 && errno != EAGAIN) return done > 0 ? done : -1;
+      auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+      if (left <= 0) break;
+      pollfd pfd{fd_, POLLOUT, 0};
+      poll(&pfd, 1, static_cast<int>(left));
+    }
+    return done;
+  }
+
+  void Purge() override { tcflush(fd_, TCIOFLUSH); }
+
+  void SetModemLines(bool rts, bool dtr) override {
+    int set = (rts ? TIOCM_RTS : 0) | (dtr ? TIOCM_DTR : 0);
+    int clear = (rts ? 0 : TIOCM_RTS) | (dtr ? 0 : TIOCM_DTR);
+    int saved = errno;
+    if (set && ioctl(fd_, TIOCMBIS, &set) != 0 && !NotSupported(errno)) saved = errno;
+    if (clear && ioctl(fd_, TIOCMBIC, &clear) != 0 && !NotSupported(errno)) saved = errno;
+    errno = saved;
+  }
+
+  void SendXoff() override { tcflow(fd_, TCIOFF); }
+
+  [[nodiscard]] bool HungUp() const override { return hungUp_; }
+
+ private:
+  static bool WithinTwoPercent(uint32_t held, uint32_t wanted) {
+    uint64_t diff = held > wanted ? held - wanted : wanted - held;
+    return diff * 50 <= wanted;
+  }
+
+  int fd_;
+  std::atomic<uint32_t> mask_{event::kDefaultMask};
+  std::atomic<bool> hungUp_{false};
+  WakeEvent wake_;
+};
+
+}  // namespace
+
+std::unique_ptr<SerialPort> OpenTermiosPort(const std::string& path) {
+  int fd = open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  if (fd < 0) return nullptr;
+  // Another program holding the port keeps its lock: refuse instead of
+  // sharing the line. TIOCEXCL does not stop root, the lock does.
+  if (flock(fd, LOCK_EX | LOCK_NB) != 0) {
+    close(fd);
+    errno = EBUSY;
+    return nullptr;
+  }
+  ioctl(fd, TIOCEXCL);
+  errno = 0;
+  return std::make_unique<TermiosPort>(fd);
+}
+
+}  // namespace wavetrace::platform

@@ -1,0 +1,211 @@
+#include <gtest/gtest.h>
+#include <termios.h>
+
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <thread>
+
+#include "platform/pty.h"
+#include "platform/serial_port.h"
+#include "platform/termios_mapping.h"
+
+namespace wavetrace::platform {
+namespace {
+
+using namespace std::chrono_literals;
+
+TermiosRecord Map(const LineSettings& settings) {
+  termios current{};
+  current.c_iflag = ICRNL | IXON | ISTRIP;
+  current.c_oflag = OPOST | ONLCR;
+  current.c_lflag = ECHO | ICANON | ISIG;
+  current.c_cflag = CS7 | PARENB | CSTOPB | HUPCL;
+  TermiosRecord record;
+  EXPECT_EQ(MakeTermios(settings, current, record), "");
+  return record;
+}
+
+TEST(TermiosMapping, CharacterFormat) {
+  struct Case {
+    int dataBits;
+    Parity parity;
+    StopBits stop;
+    tcflag_t size;
+    tcflag_t parityFlags;
+    bool cstopb;
+  };
+  const Case cases[] = {
+      {8, Parity::kNone, StopBits::kOne, CS8, 0, false},
+      {7, Parity::kEven, StopBits::kOne, CS7, PARENB, false},
+      {7, Parity::kOdd, StopBits::kTwo, CS7, PARENB | PARODD, true},
+      {6, Parity::kMark, StopBits::kOne, CS6, PARENB | PARODD | CMSPAR, false},
+      {5, Parity::kSpace, StopBits::kOneAndHalf, CS5, PARENB | CMSPAR, true},
+      {8, Parity::kNone, StopBits::kTwo, CS8, 0, true},
+  };
+  for (const auto& c : cases) {
+    LineSettings s;
+    s.DataBits = c.dataBits;
+    s.ParityMode = c.parity;
+    s.Stop = c.stop;
+    tcflag_t cflag = Map(s).Tio.c_cflag;
+    EXPECT_EQ(cflag & CSIZE, c.size) << c.dataBits;
+    EXPECT_EQ(cflag & (PARENB | PARODD | CMSPAR), c.parityFlags) << static_cast<int>(c.parity);
+    EXPECT_EQ((cflag & CSTOPB) != 0, c.cstopb) << static_cast<int>(c.stop);
+    EXPECT_TRUE(cflag & CREAD);
+    EXPECT_TRUE(cflag & CLOCAL);
+  }
+}
+
+TEST(TermiosMapping, RawModeAndFlowControl) {
+  LineSettings plain;
+  TermiosRecord r = Map(plain);
+  EXPECT_EQ(r.Tio.c_iflag & (ICRNL | IXON | IXOFF | ISTRIP), 0u);
+  EXPECT_EQ(r.Tio.c_oflag & OPOST, 0u);
+  EXPECT_EQ(r.Tio.c_lflag & (ECHO | ICANON | ISIG), 0u);
+  EXPECT_EQ(r.Tio.c_cflag & CRTSCTS, 0u);
+  EXPECT_EQ(r.Tio.c_cc[VMIN], 0);
+  EXPECT_EQ(r.Tio.c_cc[VTIME], 0);
+
+  LineSettings flow;
+  flow.XonXoff = true;
+  flow.CtsFlow = true;
+  r = Map(flow);
+  EXPECT_EQ(r.Tio.c_iflag & (IXON | IXOFF), static_cast<tcflag_t>(IXON | IXOFF));
+  EXPECT_NE(r.Tio.c_cflag & CRTSCTS, 0u);
+  EXPECT_EQ(r.Tio.c_cc[VSTART], 17);
+  EXPECT_EQ(r.Tio.c_cc[VSTOP], 19);
+}
+
+TEST(TermiosMapping, StandardAndCustomRates) {
+  struct Case {
+    uint32_t baud;
+    speed_t speed;
+  };
+  for (const auto& c :
+       {Case{50, B50}, Case{9600, B9600}, Case{115200, B115200}, Case{921600, B921600},
+        Case{4000000, B4000000}, Case{7200, 0}, Case{14400, 0}, Case{31250, 0}, Case{250000, 0}}) {
+    LineSettings s;
+    s.Baud = c.baud;
+    TermiosRecord r = Map(s);
+    EXPECT_EQ(r.StandardSpeed, c.speed) << c.baud;
+    EXPECT_EQ(r.Custom, c.speed == 0) << c.baud;
+    EXPECT_EQ(r.Rate, c.baud);
+    if (c.speed != 0) {
+      EXPECT_EQ(cfgetospeed(&r.Tio), c.speed) << c.baud;
+    }
+  }
+}
+
+TEST(TermiosMapping, ImpossibleRequestsAreRefusedInWords) {
+  struct Case {
+    LineSettings settings;
+    std::string text;
+  };
+  LineSettings zero;
+  zero.Baud = 0;
+  LineSettings nine;
+  nine.DataBits = 9;
+  LineSettings four;
+  four.DataBits = 4;
+  LineSettings dsr;
+  dsr.DsrFlow = true;
+  for (const auto& c : {Case{zero, "0 baud"}, Case{nine, "9 data bits"}, Case{four, "4 data bits"},
+                        Case{dsr, "flow control by DSR is not available on Linux"}}) {
+    TermiosRecord record;
+    EXPECT_NE(MakeTermios(c.settings, termios{}, record).find(c.text), std::string::npos) << c.text;
+  }
+}
+
+class PtyPortTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(pty.Valid());
+    port = OpenTermiosPort(pty.SlavePath());
+    ASSERT_TRUE(port) << errno;
+    std::string error;
+    LineSettings settings;
+    settings.Baud = 115200;
+    ASSERT_EQ(port->Configure(settings, error), 0) << error;
+  }
+  PtyPair pty;
+  std::unique_ptr<SerialPort> port;
+};
+
+TEST_F(PtyPortTest, ASecondOpenerIsRefusedAsBusy) {
+  errno = 0;
+  EXPECT_FALSE(OpenTermiosPort(pty.SlavePath()));
+  EXPECT_EQ(errno, EBUSY);
+  port.reset();
+  EXPECT_TRUE(OpenTermiosPort(pty.SlavePath()));
+}
+
+TEST_F(PtyPortTest, CustomRatesAndModemLinesAreAcceptedOnAPty) {
+  std::string error;
+  LineSettings custom;
+  custom.Baud = 31250;
+  custom.Rts = true;
+  custom.Dtr = true;
+  EXPECT_EQ(port->Configure(custom, error), 0) << error;
+  custom.DsrFlow = true;
+  EXPECT_EQ(port->Configure(custom, error), EINVAL);
+  EXPECT_NE(error.find("DSR"), std::string::npos);
+}
+
+TEST_F(PtyPortTest, EventsBurstsAndWrites) {
+  std::string burst;
+  for (int i = 0; i < 20000; ++i) burst += static_cast<char>(i * 7 % 251);
+  std::thread device([&] { pty.Write(burst); });
+  std::string received;
+  uint8_t buffer[8192];
+  while (received.size() < burst.size()) {
+    ASSERT_EQ(port->WaitEvent(), event::kRxChar);
+    int n = port->Read(buffer, sizeof buffer);
+    ASSERT_GE(n, 0);
+    received.append(reinterpret_cast<char*>(buffer), static_cast<size_t>(n));
+  }
+  device.join();
+  EXPECT_EQ(received, burst);
+
+  const std::string reply = "AT\r\x00\xff";
+  EXPECT_EQ(port->Write(reinterpret_cast<const uint8_t*>(reply.data()), static_cast<int>(reply.size()), 1000),
+            static_cast<int>(reply.size()));
+  EXPECT_EQ(pty.Read(reply.size(), 2000), reply);
+}
+
+TEST_F(PtyPortTest, AZeroMaskWakesAPendingWait) {
+  std::atomic<uint32_t> result{999};
+  std::thread waiter([&] { result = port->WaitEvent(); });
+  std::this_thread::sleep_for(20ms);
+  EXPECT_EQ(result, 999u);
+  port->SetEventMask(0);
+  waiter.join();
+  EXPECT_EQ(result, 0u);
+  EXPECT_FALSE(port->HungUp());
+}
+
+TEST_F(PtyPortTest, TheDeviceGoingAwayEndsTheWait) {
+  std::atomic<uint32_t> result{999};
+  std::thread waiter([&] { result = port->WaitEvent(); });
+  std::this_thread::sleep_for(20ms);
+  pty.CloseMaster();
+  waiter.join();
+  EXPECT_EQ(result, 0u);
+  EXPECT_TRUE(port->HungUp());
+  // Later waits return at once instead of spinning on the dead device.
+  EXPECT_EQ(port->WaitEvent(), 0u);
+}
+
+TEST(TermiosPort, MissingDevicesAndNonTerminals) {
+  errno = 0;
+  EXPECT_FALSE(OpenTermiosPort("/dev/does-not-exist-wavetrace"));
+  EXPECT_EQ(errno, ENOENT);
+  auto notATerminal = OpenTermiosPort("/dev/null");
+  ASSERT_TRUE(notATerminal);
+  std::string error;
+  EXPECT_NE(notATerminal->Configure(LineSettings{}, error), 0);
+  EXPECT_NE(error.find("not a serial port"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace wavetrace::platform

@@ -78,6 +78,15 @@ bool RegistryKey::QueryDword(const std::string& name, uint32_t& value) const {
   return true;
 }
 
+std::map<std::string, uint32_t> RegistryKey::Dwords() const {
+  std::map<std::string, uint32_t> dwords;
+  for (const auto& [name, text] : values_) {
+    uint32_t value = 0;
+    if (QueryDword(name, value)) dwords[name] = value;
+  }
+  return dwords;
+}
+
 bool RegistryKey::SetDword(const std::string& name, uint32_t value) {
   if (!IsOpen()) return false;
   char typed[32];

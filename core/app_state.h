@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <memory>
@@ -66,6 +67,12 @@ struct AppState {
   std::unique_ptr<platform::SuspendableThread> TxThread;
   std::unique_ptr<platform::SuspendableThread> RxWndUpdate;
   std::unique_ptr<platform::SuspendableThread> LogIntervalThread;
+
+  // --- ports -----------------------------------------------------------------
+  // The device each port slot stands for (run-time only).
+  std::array<std::string, kPortSlots> PortDevicePath;
+  // Virtual ports of the program options: device paths for VSP1..VSP9.
+  std::array<std::string, kPortSlots> VirtualPortPath;
 
   // --- connection ------------------------------------------------------------
   std::atomic<bool> PlayFlag{false};

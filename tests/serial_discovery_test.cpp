@@ -1,0 +1,175 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "core/code_page.h"
+#include "serial/discovery.h"
+#include "test_support.h"
+
+namespace wavetrace::serial {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::TempFolder;
+
+// A fake /sys/class/tty with the device folders behind it.
+class FakeSysfs {
+ public:
+  explicit FakeSysfs(const std::string& root) : root_(root) {
+    fs::create_directories(root_ / "class/tty");
+    fs::create_directories(root_ / "by-id");
+    sources.SysClassTty = (root_ / "class/tty").string();
+    sources.SerialById = (root_ / "by-id").string();
+    sources.DevFolder = "/dev";
+  }
+  // A USB serial adapter: tty -> interface -> USB device with attributes.
+  void AddUsb(const std::string& tty, const std::string& product, const std::string& vendor = "0403",
+              const std::string& byId = "", const std::string& manufacturer = "") {
+    fs::path usb = root_ / "devices/usb1" / ("1-" + std::to_string(++usbCount_));
+    fs::path iface = usb / "1-1:1.0" / tty;
+    fs::create_directories(iface);
+    Write(usb / "idVendor", vendor);
+    Write(usb / "product", product);
+    if (!manufacturer.empty()) Write(usb / "manufacturer", manufacturer);
+    AddTty(tty, iface);
+    if (!byId.empty()) fs::create_symlink("../../" + tty, root_ / "by-id" / byId);
+  }
+  void AddUart(const std::string& tty, const std::string& type) {
+    fs::path platform = root_ / "devices/platform/serial8250" / tty;
+    fs::create_directories(platform);
+    AddTty(tty, platform);
+    Write(root_ / "class/tty" / tty / "type", type);
+  }
+  void AddVirtual(const std::string& tty) { fs::create_directories(root_ / "class/tty" / tty); }
+  void Remove(const std::string& tty) { fs::remove_all(root_ / "class/tty" / tty); }
+
+  DiscoverySources sources;
+
+ private:
+  void AddTty(const std::string& tty, const fs::path& device) {
+    fs::create_directories(root_ / "class/tty" / tty);
+    fs::create_directory_symlink(device, root_ / "class/tty" / tty / "device");
+  }
+  static void Write(const fs::path& file, const std::string& text) { std::ofstream(file) << text << "\n"; }
+
+  fs::path root_;
+  int usbCount_ = 0;
+};
+
+class DiscoveryTest : public ::testing::Test {
+ protected:
+  void SetUp() override { state.RegistryFile = folder.Path() + "/registry.txt"; }
+  std::unique_ptr<core::AppState> Discover() {
+    auto fresh = std::make_unique<core::AppState>();
+    fresh->RegistryFile = state.RegistryFile;
+    fresh->VirtualPortPath = state.VirtualPortPath;
+    EXPECT_EQ(DiscoverPorts(*fresh, sys.sources), 1);
+    return fresh;
+  }
+  std::u16string Name(const core::AppState& s, int slot) {
+    return s.Port.FriendlyName[static_cast<size_t>(slot)];
+  }
+
+  TempFolder folder;
+  FakeSysfs sys{folder.Path() + "/sys"};
+  core::AppState state;
+};
+
+TEST_F(DiscoveryTest, KindsOfDevicesAndTheirNames) {
+  sys.AddUsb("ttyUSB0", "FT232R USB UART", "0403", "usb-FTDI_FT232R_USB_UART_A1-if00-port0");
+  sys.AddUsb("ttyUSB1", "USB-Serial Controller", "067b", "usb-Prolific_USB-Serial_Controller-if00-port0");
+  sys.AddUsb("ttyACM0", "u-blox 7 - GPS/GNSS Receiver", "1546", "usb-u-blox_AG-if00");
+  sys.AddUsb("ttyACM1", "Receiver", "1234", "usb-Acme_Receiver-if00", "Acme GPS");
+  sys.AddVirtual("rfcomm0");
+  sys.AddUart("ttyS0", "4");
+  sys.AddUart("ttyS1", "0");  // phantom
+  sys.AddVirtual("tty1");
+  sys.AddVirtual("ptmx");
+
+  auto s = Discover();
+  // Ordered by stable name: rfcomm0, ttyS0, usb-Acme, usb-FTDI, usb-Prolific, usb-u-blox.
+  struct Expect {
+    int slot;
+    std::string path;
+    std::u16string name;
+  };
+  const Expect expected[] = {
+      {1, "/dev/rfcomm0", u"Bluetooth Serial Port COM1:"},
+      {2, "/dev/ttyS0", u"Serial connection using COM2:"},
+      {3, "/dev/ttyACM1", u"GPS Serial Port COM3:"},
+      {4, "/dev/ttyUSB0", u"FT232R USB UART"},
+      {5, "/dev/ttyUSB1", u"Serial connection using COM5:"},  // a hyphen: not shown
+      {6, "/dev/ttyACM0", u"GPS Serial Port COM6:"},
+  };
+  for (const auto& e : expected) {
+    EXPECT_EQ(s->Port.PortPresent[static_cast<size_t>(e.slot)], 1) << e.slot;
+    EXPECT_EQ(s->PortDevicePath[static_cast<size_t>(e.slot)], e.path) << e.slot;
+    EXPECT_EQ(Name(*s, e.slot), e.name) << e.slot;
+  }
+  for (int slot : {0, 7, 8, 9}) EXPECT_EQ(s->Port.PortPresent[static_cast<size_t>(slot)], 0) << slot;
+}
+
+TEST_F(DiscoveryTest, ADeviceKeepsItsNumberAcrossRunsAndReplugging) {
+  sys.AddUsb("ttyUSB0", "Adapter B", "0403", "usb-B-port0");
+  sys.AddUsb("ttyUSB1", "Adapter C", "0403", "usb-C-port0");
+  auto first = Discover();
+  EXPECT_EQ(Name(*first, 1), u"Adapter B");
+  EXPECT_EQ(Name(*first, 2), u"Adapter C");
+
+  // B is unplugged; A, which sorts first, arrives; C now enumerates as ttyUSB0.
+  sys.Remove("ttyUSB0");
+  sys.Remove("ttyUSB1");
+  fs::remove_all(folder.Path() + "/sys/by-id");
+  fs::create_directories(folder.Path() + "/sys/by-id");
+  sys.AddUsb("ttyUSB0", "Adapter C", "0403", "usb-C-port0");
+  sys.AddUsb("ttyUSB1", "Adapter A", "0403", "usb-A-port0");
+  auto second = Discover();
+  EXPECT_EQ(Name(*second, 2), u"Adapter C");
+  EXPECT_EQ(second->PortDevicePath[2], "/dev/ttyUSB0");
+  EXPECT_EQ(Name(*second, 3), u"Adapter A");  // 1 stays B's
+  EXPECT_EQ(second->Port.PortPresent[1], 0);
+
+  // B comes back and finds its number.
+  sys.AddUsb("ttyUSB2", "Adapter B", "0403", "usb-B-port0");
+  auto third = Discover();
+  EXPECT_EQ(Name(*third, 1), u"Adapter B");
+  EXPECT_EQ(third->PortDevicePath[1], "/dev/ttyUSB2");
+}
+
+TEST_F(DiscoveryTest, MoreThanNineDevicesAndVirtualPorts) {
+  for (int i = 0; i < 11; ++i)
+    sys.AddUsb("ttyUSB" + std::to_string(i), "Hub port", "0403", "usb-hub-" + std::to_string(i));
+  std::ofstream(folder.Path() + "/vport") << "";
+  state.VirtualPortPath[11] = folder.Path() + "/vport";
+  state.VirtualPortPath[12] = folder.Path() + "/missing";
+  auto s = Discover();
+  for (int n = 1; n <= 9; ++n) EXPECT_EQ(s->Port.PortPresent[static_cast<size_t>(n)], 1) << n;
+  EXPECT_EQ(s->Port.PortPresent[0], 0);
+  EXPECT_EQ(s->Port.PortPresent[11], 1);
+  EXPECT_EQ(s->PortDevicePath[11], folder.Path() + "/vport");
+  EXPECT_EQ(s->Port.PortPresent[12], 0);
+}
+
+TEST(DisplayNames, Vetting) {
+  struct Case {
+    std::u16string name;
+    std::u16string shown;
+  };
+  for (const auto& c :
+       {Case{u"FT232R USB UART", u"FT232R USB UART"}, Case{u"USB-Serial", u""}, Case{u"Adapter (v2)", u""},
+        Case{u"caf\u00e9", u""}, Case{u"CP2102 Bridge", u"CP2102 Bridge"},
+        Case{u"under_score", u"under_score"}, Case{u"{x}", u""}}) {
+    EXPECT_EQ(VetDisplayName(c.name), c.shown) << core::WideToUtf8(c.name);
+  }
+}
+
+TEST(Discovery, AMissingTreeFindsNothingAndDoesNotFail) {
+  core::AppState bare;
+  DiscoverySources nowhere{"/nonexistent/class/tty", "/nonexistent/by-id", "/dev"};
+  EXPECT_EQ(DiscoverPorts(bare, nowhere), 1);
+  for (auto present : bare.Port.PortPresent) EXPECT_EQ(present, 0);
+}
+
+}  // namespace
+}  // namespace wavetrace::serial

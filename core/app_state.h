@@ -15,6 +15,7 @@
 #include "core/message_queue.h"
 #include "core/program_options_key.h"
 #include "core/settings.h"
+#include "platform/serial_port.h"
 #include "platform/suspendable_thread.h"
 
 namespace wavetrace::platform {
@@ -75,6 +76,12 @@ struct AppState {
   std::array<std::string, kPortSlots> VirtualPortPath;
 
   // --- connection ------------------------------------------------------------
+  // The open port; empty while closed. Threads take a copy under the mutex,
+  // so closing never pulls the port from under a thread that uses it.
+  std::shared_ptr<platform::SerialPort> PortHandle;
+  std::mutex PortHandleMutex;
+  uint32_t WriteTotalTimeoutMultiplier = 0;
+  uint32_t WriteTotalTimeoutConstant = 0;
   std::atomic<bool> PlayFlag{false};
   std::atomic<bool> TxActive{false};
   std::atomic<bool> PortScanMode{false};

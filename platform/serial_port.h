@@ -61,6 +61,9 @@ class SerialPort {
   virtual void SendXoff() = 0;
   // True once the device went away (hang-up) while open.
   [[nodiscard]] virtual bool HungUp() const = 0;
+  // Wakes a pending wait, waits for it to leave, and releases the device.
+  // Every later call fails quietly (reads and writes -1, waits 0).
+  virtual void Close() = 0;
 };
 
 // Opens a terminal device exclusively (a port held by another program is

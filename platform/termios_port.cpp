@@ -7,6 +7,8 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <mutex>
+#include <shared_mutex>
 
 #include "platform/custom_rate.h"
 #include "platform/serial_port.h"
@@ -26,11 +28,13 @@ bool NotSupported(int code) {
 class TermiosPort : public SerialPort {
  public:
   explicit TermiosPort(int fd) : fd_(fd) {}
-  ~TermiosPort() override { close(fd_); }
+  ~TermiosPort() override { Close(); }
   TermiosPort(const TermiosPort&) = delete;
   TermiosPort& operator=(const TermiosPort&) = delete;
 
   int Configure(const LineSettings& settings, std::string& error) override {
+    std::shared_lock lock(closing_);
+    if (fd_ < 0) return EBADF;
     termios current{};
     if (tcgetattr(fd_, &current) != 0) {
       int code = errno;
@@ -58,12 +62,14 @@ class TermiosPort : public SerialPort {
               std::to_string(held) + ")";
       return EINVAL;
     }
-    SetModemLines(settings.Rts, settings.Dtr);
+    ApplyModemLines(settings.Rts, settings.Dtr);
     return 0;
   }
 
   uint32_t WaitEvent() override {
+    std::shared_lock lock(closing_);
     for (;;) {
+      if (fd_ < 0) return 0;
       uint32_t mask = mask_.load();
       if (mask == 0 || hungUp_) return 0;
       pollfd fds[2] = {{fd_, POLLIN, 0}, {wake_.Fd(), POLLIN, 0}};
@@ -96,6 +102,11 @@ class TermiosPort : public SerialPort {
   }
 
   int Read(uint8_t* buffer, int count) override {
+    std::shared_lock lock(closing_);
+    if (fd_ < 0) {
+      errno = EBADF;
+      return -1;
+    }
     for (;;) {
       ssize_t n = read(fd_, buffer, static_cast<size_t>(count));
       if (n >= 0) return static_cast<int>(n);
@@ -107,6 +118,11 @@ class TermiosPort : public SerialPort {
   }
 
   int Write(const uint8_t* data, int count, int timeoutMs) override {
+    std::shared_lock lock(closing_);
+    if (fd_ < 0) {
+      errno = EBADF;
+      return -1;
+    }
     using Clock = std::chrono::steady_clock;
     auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
     int done = 0;
@@ -126,9 +142,17 @@ class TermiosPort : public SerialPort {
     return done;
   }
 
-  void Purge() override { tcflush(fd_, TCIOFLUSH); }
+  void Purge() override {
+    std::shared_lock lock(closing_);
+    if (fd_ >= 0) tcflush(fd_, TCIOFLUSH);
+  }
 
   void SetModemLines(bool rts, bool dtr) override {
+    std::shared_lock lock(closing_);
+    if (fd_ >= 0) ApplyModemLines(rts, dtr);
+  }
+
+  void ApplyModemLines(bool rts, bool dtr) {
     int set = (rts ? TIOCM_RTS : 0) | (dtr ? TIOCM_DTR : 0);
     int clear = (rts ? 0 : TIOCM_RTS) | (dtr ? 0 : TIOCM_DTR);
     int saved = errno;
@@ -137,7 +161,17 @@ class TermiosPort : public SerialPort {
     errno = saved;
   }
 
-  void SendXoff() override { tcflow(fd_, TCIOFF); }
+  void SendXoff() override {
+    std::shared_lock lock(closing_);
+    if (fd_ >= 0) tcflow(fd_, TCIOFF);
+  }
+
+  void Close() override {
+    SetEventMask(0);
+    std::unique_lock lock(closing_);
+    if (fd_ >= 0) close(fd_);
+    fd_ = -1;
+  }
 
   [[nodiscard]] bool HungUp() const override { return hungUp_; }
 
@@ -147,6 +181,9 @@ class TermiosPort : public SerialPort {
     return diff * 50 <= wanted;
   }
 
+  // Shared by every call, taken whole by Close: the descriptor is never
+  // closed under a thread that is still using it.
+  std::shared_mutex closing_;
   int fd_;
   std::atomic<uint32_t> mask_{event::kDefaultMask};
   std::atomic<bool> hungUp_{false};

@@ -1,0 +1,128 @@
+#include "serial/port.h"
+
+#include <cerrno>
+
+#include "core/code_page.h"
+#include "core/reporting.h"
+
+namespace wavetrace::serial {
+namespace {
+
+// "COM3:" -> 3, "VSP0:" -> 10; -1 for anything else.
+int SlotOfName(const std::u16string& name) {
+  if (name.size() != 5 || name[4] != u':' || name[3] < u'0' || name[3] > u'9') return -1;
+  std::u16string kind = name.substr(0, 3);
+  if (kind == u"COM") return name[3] - u'0';
+  if (kind == u"VSP") return 10 + (name[3] - u'0');
+  return -1;
+}
+
+void SetPort(core::AppState& state, std::shared_ptr<platform::SerialPort> port) {
+  std::lock_guard lock(state.PortHandleMutex);
+  state.PortHandle = std::move(port);
+  state.PortOpen = state.PortHandle != nullptr;
+}
+
+}  // namespace
+
+WriteTimeouts ComputeWriteTimeouts(uint32_t baud) {
+  if (baud == 0) return {};
+  return {static_cast<uint32_t>(115200.0 / baud * 0.25) + 1, 115200 / baud * 5 + 929};
+}
+
+platform::LineSettings LineSettingsOf(const core::PortSettings& port) {
+  platform::LineSettings line;
+  line.Baud = port.SelectedBaud;
+  line.DataBits = port.SelectedDataBits;
+  const std::u16string& parity = port.Parity;
+  line.ParityMode = parity == u"Odd"     ? platform::Parity::kOdd
+                    : parity == u"Even"  ? platform::Parity::kEven
+                    : parity == u"Mark"  ? platform::Parity::kMark
+                    : parity == u"Space" ? platform::Parity::kSpace
+                                         : platform::Parity::kNone;
+  line.Stop = port.StopBits == u"1.5" ? platform::StopBits::kOneAndHalf
+              : port.StopBits == u"2" ? platform::StopBits::kTwo
+                                      : platform::StopBits::kOne;
+  line.XonXoff = port.XON == 1;
+  line.Rts = port.RTS == 1;
+  line.CtsFlow = port.CtsFlow == 1;
+  line.Dtr = port.DTR == 1;
+  line.DsrFlow = port.DsrFlow == 1;
+  return line;
+}
+
+std::string ResolvePortPath(const core::AppState& state) {
+  const std::u16string& selected = state.Port.SelectedPort;
+  std::u16string name = selected == u"RawIr" ? state.Port.RawIrPort : selected;
+  if (!name.empty() && name[0] == u'/') return core::WideToUtf8(name);
+  int slot = SlotOfName(name);
+  if (slot < 0) return {};
+  return state.PortDevicePath[static_cast<size_t>(slot)];
+}
+
+std::shared_ptr<platform::SerialPort> CurrentPort(core::AppState& state) {
+  std::lock_guard lock(state.PortHandleMutex);
+  return state.PortHandle;
+}
+
+int OpenPort(core::AppState& state) {
+  ClosePort(state);
+  std::string path = ResolvePortPath(state);
+  if (path.empty()) {
+    errno = ENODEV;
+    return 0;
+  }
+  std::shared_ptr<platform::SerialPort> port = platform::OpenTermiosPort(path);
+  if (!port) return 0;
+  SetPort(state, port);
+  PurgePort(state);
+  return 1;
+}
+
+int ConfigurePort(core::AppState& state) {
+  if (state.View) state.View->SetWaitCursor(true);
+  auto done = [&state](int result) {
+    if (state.View) state.View->SetWaitCursor(false);
+    return result;
+  };
+  if (OpenPort(state) == 0) {
+    int code = errno;
+    ClosePort(state);
+    errno = code;
+    return done(0);
+  }
+  std::string error;
+  int code = CurrentPort(state)->Configure(LineSettingsOf(state.Port), error);
+  if (code != 0) {
+    ClosePort(state);
+    errno = code;
+    core::ShowErrorBox(state, u"ConfigurePort: " + core::Utf8ToWide(error), code);
+    errno = code;
+    return done(0);
+  }
+  WriteTimeouts timeouts = ComputeWriteTimeouts(state.Port.SelectedBaud);
+  state.WriteTotalTimeoutMultiplier = timeouts.Multiplier;
+  state.WriteTotalTimeoutConstant = timeouts.Constant;
+  CurrentPort(state)->SetEventMask(platform::event::kDefaultMask);
+  PurgePort(state);
+  return done(1);
+}
+
+void ClosePort(core::AppState& state) {
+  std::shared_ptr<platform::SerialPort> port = CurrentPort(state);
+  if (!port) return;
+  int code = errno;
+  port->SetEventMask(0);
+  if (state.Port.XON == 1) port->SendXoff();
+  if (state.Port.RTS == 1 || state.Port.DTR == 1) port->SetModemLines(false, false);
+  port->Close();
+  SetPort(state, nullptr);
+  core::ShowStatus(state, u"Port closed.");
+  errno = code;  // the caller may still report the error that led here
+}
+
+void PurgePort(core::AppState& state) {
+  if (auto port = CurrentPort(state)) port->Purge();
+}
+
+}  // namespace wavetrace::serial

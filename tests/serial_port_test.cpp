@@ -1,0 +1,117 @@
+#include <gtest/gtest.h>
+
+#include <cerrno>
+
+#include "core/code_page.h"
+#include "platform/pty.h"
+#include "serial/port.h"
+#include "test_support.h"
+
+namespace wavetrace::serial {
+namespace {
+
+TEST(WriteTimeouts, FromTheLineSpeed) {
+  struct Case {
+    uint32_t baud, multiplier, constant;
+  };
+  for (const auto& c : {Case{9600, 4, 989}, Case{115200, 1, 934}, Case{230400, 1, 929}, Case{4000000, 1, 929},
+                        Case{300, 97, 2849}, Case{57600, 1, 939}, Case{0, 0, 0}}) {
+    WriteTimeouts t = ComputeWriteTimeouts(c.baud);
+    EXPECT_EQ(t.Multiplier, c.multiplier) << c.baud;
+    EXPECT_EQ(t.Constant, c.constant) << c.baud;
+  }
+}
+
+TEST(PortSettings, LineSettingFromTheSettingsTexts) {
+  core::PortSettings port;
+  struct Case {
+    std::u16string parity;
+    platform::Parity expected;
+  };
+  for (const auto& c : {Case{u"None", platform::Parity::kNone}, Case{u"Odd", platform::Parity::kOdd},
+                        Case{u"Even", platform::Parity::kEven}, Case{u"Mark", platform::Parity::kMark},
+                        Case{u"Space", platform::Parity::kSpace}, Case{u"odd", platform::Parity::kNone}}) {
+    port.Parity = c.parity;
+    EXPECT_EQ(LineSettingsOf(port).ParityMode, c.expected) << core::WideToUtf8(c.parity);
+  }
+  for (auto [text, stop] :
+       {std::pair{u"1", platform::StopBits::kOne}, std::pair{u"1.5", platform::StopBits::kOneAndHalf},
+        std::pair{u"2", platform::StopBits::kTwo}}) {
+    port.StopBits = text;
+    EXPECT_EQ(LineSettingsOf(port).Stop, stop);
+  }
+  port.XON = 1;
+  port.RTS = 2;  // only 1 means on
+  EXPECT_TRUE(LineSettingsOf(port).XonXoff);
+  EXPECT_FALSE(LineSettingsOf(port).Rts);
+}
+
+TEST(PortNames, SelectedPortResolution) {
+  core::AppState state;
+  state.PortDevicePath[3] = "/dev/ttyUSB0";
+  state.PortDevicePath[10] = "/dev/sim";
+  state.Port.RawIrPort = u"COM3:";
+  struct Case {
+    std::u16string selected;
+    std::string path;
+  };
+  for (const auto& c : {Case{u"COM3:", "/dev/ttyUSB0"}, Case{u"VSP0:", "/dev/sim"},
+                        Case{u"RawIr", "/dev/ttyUSB0"}, Case{u"/dev/ttyACM7", "/dev/ttyACM7"}, Case{u"", ""},
+                        Case{u"COM3", ""}, Case{u"COM4:", ""}, Case{u"XYZ1:", ""}, Case{u"COM10:", ""}}) {
+    state.Port.SelectedPort = c.selected;
+    EXPECT_EQ(ResolvePortPath(state), c.path) << core::WideToUtf8(c.selected);
+  }
+}
+
+class PortOnPtyTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(pty.Valid());
+    state.View = &view;
+    state.Port.SelectedPort = core::Utf8ToWide(pty.SlavePath());
+  }
+  platform::PtyPair pty;
+  core::AppState state;
+  testing::RecordingFrontEnd view;
+};
+
+TEST_F(PortOnPtyTest, ConfigureOpenAndClose) {
+  state.Port.SelectedBaud = 9600;
+  ASSERT_EQ(ConfigurePort(state), 1);
+  EXPECT_TRUE(state.PortOpen);
+  EXPECT_EQ(state.WriteTotalTimeoutMultiplier, 4u);
+  EXPECT_EQ(state.WriteTotalTimeoutConstant, 989u);
+  // Another program (or a second open) is kept out.
+  errno = 0;
+  EXPECT_FALSE(platform::OpenTermiosPort(pty.SlavePath()));
+  EXPECT_EQ(errno, EBUSY);
+  ClosePort(state);
+  EXPECT_FALSE(state.PortOpen);
+  EXPECT_FALSE(CurrentPort(state));
+  EXPECT_EQ(state.Screen.Status(), u"Port closed.");
+  EXPECT_TRUE(platform::OpenTermiosPort(pty.SlavePath()));
+}
+
+TEST_F(PortOnPtyTest, NothingToOpen) {
+  for (const char16_t* selected : {u"", u"COM1", u"COM2:", u"/dev/nonexistent-wavetrace"}) {
+    state.Port.SelectedPort = selected;
+    errno = 0;
+    EXPECT_EQ(ConfigurePort(state), 0) << core::WideToUtf8(selected);
+    EXPECT_NE(errno, 0);
+    EXPECT_FALSE(state.PortOpen);
+  }
+  EXPECT_TRUE(view.Boxes().empty());  // the caller reports these
+}
+
+TEST_F(PortOnPtyTest, ARefusedLineSettingIsReportedAndClosesThePort) {
+  state.Port.DsrFlow = 1;
+  EXPECT_EQ(ConfigurePort(state), 0);
+  EXPECT_FALSE(state.PortOpen);
+  ASSERT_EQ(view.Boxes().size(), 1u);
+  EXPECT_NE(view.Boxes()[0].text.find(u"flow control by DSR is not available on Linux"),
+            std::u16string::npos);
+  EXPECT_TRUE(platform::OpenTermiosPort(pty.SlavePath()));
+}
+
+}  // namespace
+}  // namespace wavetrace::serial

@@ -9,6 +9,7 @@
 #include "core/allocation.h"
 #include "core/messages.h"
 #include "core/reporting.h"
+#include "rx/log_cache.h"
 
 namespace wavetrace::app {
 namespace {
@@ -285,8 +286,7 @@ void Shutdown(core::AppState& state) {
   ShellNotification(state, kNotifyRemove);
   state.Screen.SetTrayState(0);
   core::FreeBuffer(state, state.g_RxWindowBuf);
-  core::FreeBuffer(state, state.DataLogCache);
-  state.DataLogCacheCount = 0;
+  rx::FreeLogCache(state);
   state.Queue.PostQuit(0);
 }
 

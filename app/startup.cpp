@@ -9,6 +9,7 @@
 #include "core/version.h"
 #include "platform/files.h"
 #include "platform/instance_lock.h"
+#include "rx/log_cache.h"
 
 namespace wavetrace::app {
 namespace {
@@ -195,9 +196,7 @@ int StartUp(core::AppState& state, const platform::OsInfo& os) {
     return -1;
   }
   state.Screen.SetShownCount(0);
-  core::FreeBuffer(state, state.DataLogCache);
-  state.DataLogCacheCount = 0;
-  if (core::AllocCharBuffer(state, state.DataLogCache, core::kDataLogCacheBytes) != 0) {
+  if (rx::AllocLogCache(state) != 0) {
     normalCursor();
     core::ShowErrorBox(state, u"Error allocating memory for DataLog Cache.");
     return -1;

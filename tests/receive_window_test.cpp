@@ -1,0 +1,133 @@
+#include <gtest/gtest.h>
+
+#include "core/allocation.h"
+#include "rx/log_cache.h"
+#include "rx/receive_window.h"
+#include "test_support.h"
+
+namespace wavetrace::rx {
+namespace {
+
+class ReceiveWindowTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    state.View = &view;
+    ASSERT_EQ(core::AllocWideBuffer(state, state.g_RxWindowBuf, core::kRxWindowBufChars), 0);
+    ASSERT_EQ(AllocLogCache(state), 0);
+  }
+  static std::u16string Pattern(size_t n, char16_t first = u'a') {
+    std::u16string text(n, u' ');
+    for (size_t i = 0; i < n; ++i) text[i] = static_cast<char16_t>(first + i % 26);
+    return text;
+  }
+  void Append(const std::u16string& text) { AppendToRxWindowBuf(state, text.c_str()); }
+
+  core::AppState state;
+  testing::RecordingFrontEnd view;
+};
+
+TEST_F(ReceiveWindowTest, AppendingKeepsWhatFits) {
+  Append(u"abc");
+  Append(u"def");
+  EXPECT_EQ(WaitingText(state), u"abcdef");
+  // Text stops at its first zero, as a string copy does.
+  AppendToRxWindowBuf(state, u"gh\0ij");
+  EXPECT_EQ(WaitingText(state), u"abcdefgh");
+  state.Data.PauseRxDisplay = 1;
+  Append(u"lost");
+  state.Data.PauseRxDisplay = 0;
+  EXPECT_EQ(WaitingText(state), u"abcdefgh");
+}
+
+TEST_F(ReceiveWindowTest, AnOversizedBlockKeepsItsFixedMiddleSlice) {
+  std::u16string big = Pattern(20000, u'A');
+  Append(u"old");
+  Append(big);
+  EXPECT_EQ(WaitingText(state), big.substr(8192, 4096));
+}
+
+TEST_F(ReceiveWindowTest, OverflowMovesBytesNotCharacters) {
+  std::u16string old = Pattern(16300);
+  std::u16string added = Pattern(100, u'A');
+  Append(old);
+  Append(added);
+  std::u16string waiting = WaitingText(state);
+  ASSERT_EQ(waiting.size(), 16300u);
+  // The front half of the kept 16200 characters moved down by 100; the rest
+  // still holds what stood there before; then the new text.
+  EXPECT_EQ(waiting.substr(0, 8100), old.substr(100, 8100));
+  EXPECT_EQ(waiting.substr(8100, 8100), old.substr(8100, 8100));
+  EXPECT_EQ(waiting.substr(16200), added);
+  // A block as long as what waits replaces it all.
+  Append(Pattern(16300, u'0'));
+  EXPECT_EQ(WaitingText(state), Pattern(16300, u'0'));
+}
+
+TEST_F(ReceiveWindowTest, RefreshArithmetic) {
+  struct Case {
+    int32_t shown;
+    int32_t waiting;
+    int32_t shownAfter;
+    int32_t droppedFromFront;
+  };
+  const Case cases[] = {
+      {0, 100, 100, 0},           {16000, 384, 16384, 0},     {10000, 7000, 8808, 8192},
+      {16000, 9000, 16000, 9000}, {5000, 16384, 16384, 5000},
+  };
+  for (const auto& c : cases) {
+    state.Screen.RxClear();
+    std::u16string shownText = Pattern(static_cast<size_t>(c.shown), u'a');
+    state.Screen.RxInsertAtCaret(shownText);
+    state.Screen.SetShownCount(c.shown);
+    std::u16string waiting = Pattern(static_cast<size_t>(c.waiting), u'A');
+    Append(waiting);
+    RefreshReceiveWindow(state);
+    EXPECT_EQ(state.Screen.ShownCount(), c.shownAfter) << c.shown << "+" << c.waiting;
+    std::u16string expected =
+        c.waiting >= 16384 ? waiting : shownText.substr(static_cast<size_t>(c.droppedFromFront)) + waiting;
+    EXPECT_EQ(state.Screen.RxText(), expected) << c.shown << "+" << c.waiting;
+    EXPECT_TRUE(WaitingText(state).empty());
+    EXPECT_TRUE(state.Screen.RxRedraw());
+  }
+}
+
+TEST_F(ReceiveWindowTest, SixRefreshesThenOneFlushAndNothingWhileClosed) {
+  int countdown = kRefreshCountdown;
+  Append(u"x");
+  RxWndUpdateCycle(state, countdown);
+  EXPECT_EQ(countdown, kRefreshCountdown);  // no port: nothing
+  EXPECT_TRUE(state.Screen.RxText().empty());
+
+  state.PortOpen = true;
+  const uint8_t record[] = "log";
+  for (int cycle = 0; cycle < 7; ++cycle) {
+    AppendToLogCache(state, record, 3);
+    Append(u"y");
+    RxWndUpdateCycle(state, countdown);
+    bool flushCycle = cycle == 6;
+    EXPECT_EQ(state.DataLogCacheCount == 0, flushCycle) << cycle;
+    EXPECT_EQ(WaitingText(state).empty(), !flushCycle) << cycle;
+  }
+  EXPECT_EQ(countdown, kRefreshCountdown);
+  EXPECT_EQ(state.Screen.RxText(), u"xyyyyyy");
+}
+
+TEST_F(ReceiveWindowTest, LogCacheOverflowWarnsAndDropsEverything) {
+  std::vector<uint8_t> block(65000, 'a');
+  EXPECT_EQ(AppendToLogCache(state, block.data(), 65000), 0);
+  EXPECT_EQ(state.DataLogCacheCount, 65000u);
+  std::vector<uint8_t> more(535, 'b');
+  EXPECT_EQ(AppendToLogCache(state, more.data(), 535), 1);
+  EXPECT_EQ(state.DataLogCacheCount, 0u);
+  EXPECT_EQ(state.DataLogCache[0], 0);
+  ASSERT_EQ(view.Boxes().size(), 1u);
+  EXPECT_EQ(view.Boxes()[0].text.rfind(u"Warning!  MAXcachesize reached.", 0), 0u);
+  // A zero byte cuts the copy but not the count.
+  const uint8_t withZero[] = {'x', 0, 'y'};
+  EXPECT_EQ(AppendToLogCache(state, withZero, 3), 0);
+  EXPECT_EQ(state.DataLogCacheCount, 3u);
+  EXPECT_STREQ(reinterpret_cast<const char*>(state.DataLogCache.Data()), "x");
+}
+
+}  // namespace
+}  // namespace wavetrace::rx

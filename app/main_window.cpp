@@ -9,6 +9,7 @@
 #include "core/allocation.h"
 #include "core/messages.h"
 #include "core/reporting.h"
+#include "core/shared_field.h"
 #include "rx/log_cache.h"
 
 namespace wavetrace::app {
@@ -54,8 +55,9 @@ void SetViewMode(core::AppState& state, bool ascii) {
 }
 
 void Toggle(core::AppState& state, uint8_t& flag, int item) {
-  flag = flag ? 0 : 1;
-  state.Screen.CheckMenuItem(item, flag != 0);
+  uint8_t on = flag ? 0 : 1;
+  core::StoreShared(flag, on);
+  state.Screen.CheckMenuItem(item, on != 0);
 }
 
 void ClearReceiveWindow(core::AppState& state) {

@@ -3,6 +3,7 @@
 #include <system_error>
 
 #include "core/reporting.h"
+#include "rx/receive_window.h"
 
 namespace wavetrace::app {
 namespace {
@@ -21,8 +22,19 @@ void PortThreadBody(core::AppState& state, SuspendableThread& self) {
   }
 }
 
-// The update thread cycles every 200 ms for the life of the main window; the
-// interval recorder wakes on its own short period. Both end on the quit flag.
+// Every 200 ms for the life of the main window: refresh the receive window
+// six times, flush the log cache once. What the cache holds at the end is
+// written too.
+void RxWndUpdateBody(core::AppState& state, SuspendableThread& self) {
+  int countdown = rx::kRefreshCountdown;
+  while (!state.ShuttingDown) {
+    rx::RxWndUpdateCycle(state, countdown);
+    if (!self.SleepFor(kUpdateCycleMs)) break;
+  }
+  rx::FlushLogCache(state);
+}
+
+// The interval recorder wakes on its own short period until the quit flag.
 void CyclingThreadBody(core::AppState& state, SuspendableThread& self, int periodMs) {
   while (!state.ShuttingDown) {
     if (!self.SleepFor(periodMs)) return;
@@ -53,7 +65,7 @@ int CreateWorkerThreads(core::AppState& state) {
       {state.TxThread, "TxThread", [&state](SuspendableThread& t) { PortThreadBody(state, t); }, true,
        u"Error creating TxThread."},
       {state.RxWndUpdate, "RxWndUpdate",
-       [&state](SuspendableThread& t) { CyclingThreadBody(state, t, kUpdateCycleMs); }, false,
+       [&state](SuspendableThread& t) { RxWndUpdateBody(state, t); }, false,
        u"Error creating RxWndUpdate Thread."},
       {state.LogIntervalThread, "LogIntervalThread",
        [&state](SuspendableThread& t) { CyclingThreadBody(state, t, kIntervalCheckMs); }, false,

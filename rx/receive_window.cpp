@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "core/shared_field.h"
 #include "rx/log_cache.h"
 
 namespace wavetrace::rx {
@@ -16,7 +17,7 @@ size_t WideLength(const char16_t* text, size_t limit) {
 }  // namespace
 
 void AppendToRxWindowBuf(core::AppState& state, const char16_t* text) {
-  if (state.Data.PauseRxDisplay) return;
+  if (core::LoadShared(state.Data.PauseRxDisplay)) return;
   std::lock_guard lock(state.RxDataLock);
   if (state.g_RxWindowBuf.Empty() || !text) return;
   char16_t* buffer = state.g_RxWindowBuf.Data();
@@ -94,7 +95,7 @@ void RxWndUpdateCycle(core::AppState& state, int& countdown) {
   if (!state.PortOpen) return;
   if (countdown != 0) {
     --countdown;
-    if (!state.Data.PauseRxDisplay) RefreshReceiveWindow(state);
+    if (!core::LoadShared(state.Data.PauseRxDisplay)) RefreshReceiveWindow(state);
     return;
   }
   FlushLogCache(state);

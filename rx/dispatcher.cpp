@@ -1,0 +1,21 @@
+#include "rx/dispatcher.h"
+
+#include "core/allocation.h"
+#include "core/code_page.h"
+#include "rx/receive_window.h"
+
+namespace wavetrace::rx {
+
+int DispatchReceivedData(core::AppState& state, const uint8_t* block, uint32_t n) {
+  if (n == 0) return 1;
+  core::WideBuffer wide;
+  if (core::AllocWideBuffer(state, wide, int64_t{n} + 2) != 0) return 1;
+  for (uint32_t i = 0; i < n; ++i) wide[i] = core::ByteToWide(block[i]);
+  // Logging and the relays take their turns here as they arrive: the log
+  // first, the window second, then the window relay and the network relay.
+  AppendToRxWindowBuf(state, wide.Data());
+  core::FreeBuffer(state, wide);
+  return 0;
+}
+
+}  // namespace wavetrace::rx

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "app/connection.h"
 #include "app/startup.h"
 #include "app/worker_threads.h"
 #include "config/config_file.h"
@@ -11,6 +12,7 @@
 #include "core/reporting.h"
 #include "core/shared_field.h"
 #include "rx/log_cache.h"
+#include "serial/port.h"
 
 namespace wavetrace::app {
 namespace {
@@ -20,21 +22,13 @@ using namespace core::cmd;
 // Commands whose features are not part of the program yet: their menu items
 // and buttons stay grey and the window ignores them.
 constexpr std::array kUnavailable = {
-    kCommProperties, kTransmitOptions,
-    kReceiveOptions, kAsciiChart,
-    kScreenOff,      kSoftwareButtons,
-    kCommPinouts,    kHelp,
-    kRunScript,      kPlay,
-    kStop,           kSend,
-    kRepeat,         kRecord,
-    kRelay,
+    kCommProperties,  kTransmitOptions, kReceiveOptions, kAsciiChart, kScreenOff,
+    kSoftwareButtons, kCommPinouts,     kHelp,           kRunScript,  kSend,
+    kRepeat,          kRecord,          kRelay,
 };
 
 bool IsUnavailable(int command) {
-  for (int c : kUnavailable) {
-    if (c == command) return true;
-  }
-  return false;
+  return !IsCommandAvailable(command);
 }
 
 void SetRadix(core::AppState& state, int base) {
@@ -116,6 +110,12 @@ int64_t OnCommand(core::AppState& state, int command, int64_t source) {
     case kExit:
       Shutdown(state);
       return 0;
+    case kPlay:
+      Play(state);
+      return 0;
+    case kStop:
+      Stop(state);
+      return 0;
     case kAbout:
       if (state.View) state.View->ShowAbout(AboutReleaseLine(), state.AutomationMode != 0);
       return 0;
@@ -168,6 +168,13 @@ int64_t OnCommand(core::AppState& state, int command, int64_t source) {
 }
 
 }  // namespace
+
+bool IsCommandAvailable(int command) {
+  for (int c : kUnavailable) {
+    if (c == command) return false;
+  }
+  return true;
+}
 
 void ApplySettingsToScreen(core::AppState& state) {
   SetViewMode(state, state.Data.modeASCII != 0);
@@ -231,6 +238,12 @@ int64_t MainWindowProc(core::AppState& state, const core::Message& message) {
     case core::kWmTimer:
       if (message.WParam == core::kKeepAliveTimerId) KeepAlive(state);
       return 0;
+    case core::kWmRxActive:
+      ShowOpenedState(state);
+      return 0;
+    case core::kWmRxSuspended:
+      ShowClosedState(state);
+      return 0;
     case core::kWmChar:
       if (message.WParam == 13) DisplayOn(state);
       return 0;
@@ -278,6 +291,7 @@ void Shutdown(core::AppState& state) {
   // From here a worker's Send returns at once: nothing waits on the main
   // thread while it joins the workers.
   state.Queue.BeginShutdown();
+  serial::ClosePort(state);
   state.PlayFlag = false;
   state.TxActive = false;
   core::ShowStatus(state, u"Shutting down...");

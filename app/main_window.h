@@ -26,6 +26,10 @@ bool ShellNotification(core::AppState& state, int operation);
 // Command 211: the shutdown order, ending with the quit message.
 void Shutdown(core::AppState& state);
 
+// False for commands whose features the program does not have yet (their
+// items and buttons stay grey).
+bool IsCommandAvailable(int command);
+
 // The closed state shown when no port is open (also the state at start).
 void ShowClosedControls(core::AppState& state);
 // Check marks and buttons that follow the settings (after a load).

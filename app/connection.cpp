@@ -1,0 +1,84 @@
+#include "app/connection.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include "app/main_window.h"
+#include "core/messages.h"
+#include "core/reporting.h"
+#include "serial/port.h"
+
+namespace wavetrace::app {
+
+using namespace core::cmd;
+
+void Play(core::AppState& state) {
+  if (state.PortOpen) return;
+  state.PlayFlag = true;
+  state.Screen.EnableButton(kPlay, false);
+  core::ShowStatus(state, u"Opening port...");
+  auto failed = [&state](const char16_t* message) {
+    int code = errno;
+    serial::ClosePort(state);
+    core::ShowStatusError(state, message, code);
+    state.PlayFlag = false;
+    state.Screen.EnableButton(kPlay, true);
+    state.Screen.EnableButton(kMenuBarPlay, true);
+  };
+  if (serial::ConfigurePort(state) == 0) {
+    failed(u"Error! Selected port failed to open. Check settings.");
+    return;
+  }
+  if (!state.RxThread || !state.RxThread->Resume()) {
+    errno = ECHILD;
+    failed(u"Error resuming suspended RxThread.");
+  }
+}
+
+void Stop(core::AppState& state) {
+  state.TxActive = false;
+  core::ShowStatus(state, u"Closing port...");
+  serial::ClosePort(state);
+  std::lock_guard lock(state.RxDataLock);
+  if (!state.g_RxWindowBuf.Empty()) {
+    std::memset(state.g_RxWindowBuf.Data(), 0, core::kRxWindowBufChars * sizeof(char16_t));
+  }
+}
+
+void ShowOpenedState(core::AppState& state) {
+  auto& screen = state.Screen;
+  screen.EnableButton(kMenuBarPlay, false);
+  screen.EnableButton(kPlay, false);
+  for (int item : {kCommProperties, kConfigLoad, kRunScript}) screen.GreyMenuItem(item, true);
+  ShellNotification(state, kNotifyActive);
+  if (IsCommandAvailable(kSend)) screen.EnableButton(kSend, true);
+  screen.EnableButton(kStop, true);
+  core::ShowStatus(state, u"Port opened!  Send/Receive active...");
+  if (screen.IsButtonEnabled(kSend)) screen.SetFocus(kSend);
+}
+
+void ShowClosedState(core::AppState& state) {
+  auto port = serial::CurrentPort(state);
+  bool deviceGone = port && port->HungUp();
+  // The receive thread has parked on a device that vanished: let it go, so
+  // the adapter can be plugged in again and opened with PLAY.
+  if (deviceGone) serial::ClosePort(state);
+  auto& screen = state.Screen;
+  state.PlayFlag = false;
+  screen.EnableButton(kMenuBarPlay, true);
+  screen.SetFocus(kSend);
+  screen.EnableButton(kSend, false);
+  screen.EnableButton(kStop, false);
+  screen.EnableButton(kPlay, true);
+  // Only the communication properties come back; Load... and Run script stay
+  // grey until something else enables them.
+  if (IsCommandAvailable(kCommProperties)) screen.GreyMenuItem(kCommProperties, false);
+  ShellNotification(state, kNotifyIdle);
+  if (deviceGone) {
+    core::ShowStatusError(state, u"Port closed!  The device went away.", ENODEV);
+  } else {
+    core::ShowStatus(state, u"Port closed!  Send/Receive deactivated.");
+  }
+}
+
+}  // namespace wavetrace::app

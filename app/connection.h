@@ -1,0 +1,19 @@
+#pragma once
+
+#include "core/app_state.h"
+
+namespace wavetrace::app {
+
+// PLAY (6001): open and configure the selected port, then resume the receive
+// thread, which reports the opened state.
+void Play(core::AppState& state);
+// STOP (6002): end a repeat run, close the port; the receive thread then
+// reports the closed state.
+void Stop(core::AppState& state);
+// WM_RX_ACTIVE: the opened state.
+void ShowOpenedState(core::AppState& state);
+// WM_RX_SUSPENDED: the closed state. A port whose device went away is
+// released here and the status line says so.
+void ShowClosedState(core::AppState& state);
+
+}  // namespace wavetrace::app

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 
 #include "core/build_info.h"
 #include "core/code_page.h"
@@ -17,6 +18,51 @@ std::string Upper(std::string text) {
 
 bool StartsWithNoCase(const std::string& text, const std::string& prefix) {
   return text.size() >= prefix.size() && Upper(text.substr(0, prefix.size())) == prefix;
+}
+
+bool IsLineOption(const std::string& arg) {
+  return arg == "--port" || arg == "--baud" || arg == "--databits" || arg == "--parity" ||
+         arg == "--stopbits";
+}
+
+// Sets one line option; returns what is wrong with the value, or nothing.
+std::string SetLineOption(core::CommandLineSwitches& sw, const std::string& option,
+                          const std::string& value) {
+  if (option == "--port") {
+    if (value.empty()) return "option --port needs a port (COM3:, VSP0: or a device path)";
+    sw.Port = core::Utf8ToWide(value);
+    return {};
+  }
+  if (option == "--baud") {
+    char* end = nullptr;
+    unsigned long baud = std::strtoul(value.c_str(), &end, 10);
+    if (value.empty() || *end || baud == 0 || baud > 0xFFFFFFFFul || value[0] == '-') {
+      return "--baud takes a line speed in bits per second, not '" + value + "'";
+    }
+    sw.Baud = static_cast<uint32_t>(baud);
+    return {};
+  }
+  if (option == "--databits") {
+    if (value.size() != 1 || value[0] < '5' || value[0] > '8')
+      return "--databits takes 5, 6, 7 or 8, not '" + value + "'";
+    sw.DataBits = value[0] - '0';
+    return {};
+  }
+  if (option == "--parity") {
+    for (const char16_t* name : {u"None", u"Odd", u"Even", u"Mark", u"Space"}) {
+      std::string upperName = Upper(core::WideToUtf8(name));
+      std::string upperValue = Upper(value);
+      if (upperValue == upperName || upperValue == upperName.substr(0, 1)) {
+        sw.Parity = name;
+        return {};
+      }
+    }
+    return "--parity takes none, odd, even, mark or space (or N, O, E, M, S), not '" + value + "'";
+  }
+  if (value != "1" && value != "1.5" && value != "2")
+    return "--stopbits takes 1, 1.5 or 2, not '" + value + "'";
+  sw.StopBits = core::Utf8ToWide(value);
+  return {};
 }
 
 }  // namespace
@@ -58,6 +104,14 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args) {
       }
     } else if (arg.rfind("--config=", 0) == 0 && arg.size() > 9) {
       sw.ConfigPath = core::Utf8ToWide(arg.substr(9));
+    } else if (arg == "--list-ports") {
+      result.ListPorts = true;
+    } else if (IsLineOption(arg)) {
+      if (i + 1 >= args.size()) {
+        result.Error = "option " + arg + " needs a value";
+      } else {
+        result.Error = SetLineOption(sw, arg, args[++i]);
+      }
     } else if (arg == "--help" || arg == "-h") {
       result.ShowHelp = true;
     } else if (arg == "--version") {
@@ -78,6 +132,10 @@ std::string HelpText(const std::string& program, bool guiProgram) {
       "\n"
       "  --script FILE, /SCRIPT::FILE  run the script FILE (automation mode)\n"
       "  --config FILE                 load the configuration FILE after the default one\n"
+      "  --port PORT                   open PORT at start (COM3:, VSP0: or a device path)\n"
+      "  --baud N, --databits 5..8, --parity none|odd|even|mark|space, --stopbits 1|1.5|2\n"
+      "                                the line setting for it\n"
+      "  --list-ports                  list the serial ports found and exit\n"
       "  --nogui, /NOGUI               no window: run headless in this terminal\n"
       "  --quiet, -q, /Q               headless: keep status messages off standard error\n"
       "  --debug, /DEBUGON             scripts echo every command they find\n"

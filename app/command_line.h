@@ -11,6 +11,7 @@ struct CommandLine {
   core::CommandLineSwitches Switches;
   bool ShowHelp = false;
   bool ShowVersion = false;
+  bool ListPorts = false;
   std::string Error;  // non-empty: the command line was refused
 };
 

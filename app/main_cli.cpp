@@ -23,5 +23,6 @@ int main(int argc, char** argv) {
     std::fputs(VersionText().c_str(), stdout);
     return 0;
   }
+  if (commandLine.ListPorts) return ListPorts();
   return RunHeadless(commandLine);
 }

@@ -12,6 +12,7 @@
 #include "core/reporting.h"
 #include "core/shared_field.h"
 #include "rx/log_cache.h"
+#include "serial/discovery.h"
 #include "serial/port.h"
 
 namespace wavetrace::app {
@@ -186,14 +187,25 @@ void ApplySettingsToScreen(core::AppState& state) {
 
 void LoadStartConfiguration(core::AppState& state) {
   if (state.ProgramOptions.DEFAULTcfg != 1) config::ConfigLoad(state, state.CurrentConfigPath);
-  const std::u16string& requested = state.Switches.ConfigPath;
-  if (requested.empty()) return;
-  if (config::ConfigLoad(state, requested) == 0) {
-    state.CurrentConfigPath = requested;
-  } else if (state.Screen.Status().find(u"Invalid config file") == std::u16string::npos) {
-    // The load says nothing when the file cannot be opened; asked for by
-    // name, that must not pass in silence.
-    core::ShowStatusError(state, u"Config file not found [" + requested + u"]");
+  const auto& sw = state.Switches;
+  if (!sw.ConfigPath.empty()) {
+    if (config::ConfigLoad(state, sw.ConfigPath) == 0) {
+      state.CurrentConfigPath = sw.ConfigPath;
+    } else if (state.Screen.Status().find(u"Invalid config file") == std::u16string::npos) {
+      // The load says nothing when the file cannot be opened; asked for by
+      // name, that must not pass in silence.
+      core::ShowStatusError(state, u"Config file not found [" + sw.ConfigPath + u"]");
+    }
+  }
+  // A line setting from the command line goes over the loaded one, and the
+  // port opens as soon as the main window runs.
+  if (sw.Baud) state.Port.SelectedBaud = sw.Baud;
+  if (sw.DataBits) state.Port.SelectedDataBits = static_cast<uint8_t>(sw.DataBits);
+  if (!sw.Parity.empty()) state.Port.Parity = sw.Parity;
+  if (!sw.StopBits.empty()) state.Port.StopBits = sw.StopBits;
+  if (!sw.Port.empty()) {
+    state.Port.SelectedPort = sw.Port;
+    state.Queue.PostCommand(kPlay);
   }
 }
 
@@ -225,6 +237,7 @@ int CreateMainWindow(core::AppState& state) {
   state.KeepAliveTimerRunning = true;
   state.FirstPaintState = 2;
   state.CurrentConfigPath = state.ConfigFolder + u"/" + config::kDefaultConfigName;
+  serial::DiscoverPorts(state);
   config::TakeSettingsSnapshot(state);
   LoadStartConfiguration(state);
   ApplySettingsToScreen(state);

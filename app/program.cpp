@@ -2,12 +2,19 @@
 
 #include <unistd.h>
 
+#include <cstdio>
+
 #include "app/headless_view.h"
 #include "app/main_window.h"
 #include "app/startup.h"
+#include "config/program_options.h"
+#include "core/code_page.h"
 #include "core/messages.h"
+#include "platform/fd_io.h"
+#include "platform/files.h"
 #include "platform/os_info.h"
 #include "platform/signal_watcher.h"
+#include "serial/discovery.h"
 
 namespace wavetrace::app {
 
@@ -29,6 +36,32 @@ int RunProgram(core::AppState& state, const std::function<int()>& messageLoop) {
   exitCode = AfterMessageLoop(state) == 0 ? exitCode : state.Queue.QuitCode();
   if (state.View) state.View->RenderScreenChanges();
   return exitCode;
+}
+
+std::string PortTableText(core::AppState& state) {
+  std::string text;
+  for (int slot = 0; slot < core::kPortSlots; ++slot) {
+    auto index = static_cast<size_t>(slot);
+    char name[8];
+    std::snprintf(name, sizeof name, slot < 10 ? "COM%d:" : "VSP%d:", slot % 10);
+    char line[512];
+    std::snprintf(
+        line, sizeof line, "%-6s %-8s %-40s %s\n", name, state.Port.PortPresent[index] ? "present" : "-",
+        core::WideToUtf8(state.Port.FriendlyName[index]).c_str(), state.PortDevicePath[index].c_str());
+    text += line;
+  }
+  return text;
+}
+
+int ListPorts() {
+  core::AppState state;
+  std::string folder = platform::ConfigFolder();
+  state.ConfigFolder = core::Utf8ToWide(folder);
+  state.RegistryFile = folder + "/" + config::kRegistryFileName;
+  config::LoadProgramOptions(state);
+  serial::DiscoverPorts(state);
+  std::string text = PortTableText(state);
+  return platform::WriteAll(STDOUT_FILENO, text) ? 0 : 1;
 }
 
 int RunHeadless(const CommandLine& commandLine) {

@@ -13,6 +13,11 @@ namespace wavetrace::app {
 // Returns the process exit code (-1 when start-up failed).
 int RunProgram(core::AppState& state, const std::function<int()>& messageLoop);
 
+// --list-ports: discovery as at start-up, then the port table, a line a slot:
+// slot, present, display name, device path.
+std::string PortTableText(core::AppState& state);
+int ListPorts();
+
 // The whole headless program on standard output and standard error.
 int RunHeadless(const CommandLine& commandLine);
 

@@ -64,6 +64,13 @@ int LoadProgramOptions(core::AppState& state) {
       key.SetDword(option.name, record.*option.field);
     }
   }
+  // Virtual ports (device paths such as pty links) for VSP1..VSP9; optional.
+  for (int m = 1; m <= 9; ++m) {
+    std::string path;
+    if (key.QueryString("VirtualPort" + std::to_string(m), path)) {
+      state.VirtualPortPath[static_cast<size_t>(10 + m)] = path;
+    }
+  }
   key.Close();
   return 0;
 }

@@ -78,6 +78,13 @@ bool RegistryKey::QueryDword(const std::string& name, uint32_t& value) const {
   return true;
 }
 
+bool RegistryKey::QueryString(const std::string& name, std::string& value) const {
+  auto it = values_.find(name);
+  if (!IsOpen() || it == values_.end() || it->second.rfind("sz:", 0) != 0) return false;
+  value = it->second.substr(3);
+  return true;
+}
+
 std::map<std::string, uint32_t> RegistryKey::Dwords() const {
   std::map<std::string, uint32_t> dwords;
   for (const auto& [name, text] : values_) {

@@ -21,6 +21,8 @@ class RegistryKey {
   [[nodiscard]] bool IsOpen() const { return !file_.empty(); }
   // False when the value is missing or is not a dword.
   bool QueryDword(const std::string& name, uint32_t& value) const;
+  // A text value (written "sz:" and the text); false when missing or not text.
+  bool QueryString(const std::string& name, std::string& value) const;
   // Every dword value of the key, by name.
   [[nodiscard]] std::map<std::string, uint32_t> Dwords() const;
   // False when the file could not be written.

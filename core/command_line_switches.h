@@ -17,6 +17,13 @@ struct CommandLineSwitches {
   int32_t NoGui = 0;          // "/NOGUI": no window (the headless front end)
   int32_t Debug = 0;          // "/DEBUGON": the script echoes each command it finds
   std::u16string ConfigPath;  // --config: a configuration loaded after the default one
+  // A line setting given on the command line: applied over the loaded
+  // configuration, then the port is opened (empty or 0: keep the setting).
+  std::u16string Port;
+  uint32_t Baud = 0;
+  int32_t DataBits = 0;
+  std::u16string Parity;
+  std::u16string StopBits;
 };
 
 }  // namespace wavetrace::core

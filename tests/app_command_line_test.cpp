@@ -52,6 +52,26 @@ TEST(CommandLine, RefusedLinesSayWhy) {
   for (const auto& c : cases) EXPECT_EQ(ParseCommandLine(c.args).Error, c.error);
 }
 
+TEST(CommandLine, LineSettingOptions) {
+  CommandLine line = ParseCommandLine({"--port", "/dev/ttyUSB0", "--baud", "115200", "--databits", "7",
+                                       "--parity", "e", "--stopbits", "1.5"});
+  ASSERT_TRUE(line.Error.empty()) << line.Error;
+  EXPECT_EQ(line.Switches.Port, u"/dev/ttyUSB0");
+  EXPECT_EQ(line.Switches.Baud, 115200u);
+  EXPECT_EQ(line.Switches.DataBits, 7);
+  EXPECT_EQ(line.Switches.Parity, u"Even");
+  EXPECT_EQ(line.Switches.StopBits, u"1.5");
+  EXPECT_EQ(ParseCommandLine({"--parity", "SPACE"}).Switches.Parity, u"Space");
+  EXPECT_TRUE(ParseCommandLine({"--list-ports"}).ListPorts);
+
+  const std::vector<std::string> refused[] = {
+      {"--baud", "0"},     {"--baud", "fast"},  {"--baud", "-9600"}, {"--baud", "99999999999"},
+      {"--databits", "9"}, {"--databits", "4"}, {"--parity", "x"},   {"--stopbits", "3"},
+      {"--port", ""},      {"--port"},
+  };
+  for (const auto& args : refused) EXPECT_FALSE(ParseCommandLine(args).Error.empty()) << args[0];
+}
+
 TEST(CommandLine, VersionTextNamesTheReleaseAndTheBuild) {
   std::string text = VersionText();
   EXPECT_NE(text.find("Rel. 2.71.3089 (11.2008)"), std::string::npos);

@@ -1,0 +1,123 @@
+#pragma once
+
+// Shared by the Qt tests: one QApplication for the whole binary and a run of
+// the real program with the Qt view in a fresh configuration folder.
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <QApplication>
+#include <QFile>
+#include <QMessageBox>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <functional>
+#include <string>
+
+#include "app/program.h"
+#include "core/app_state.h"
+#include "core/messages.h"
+#include "ui/qt_view.h"
+
+namespace wavetrace::ui::testing {
+
+inline QApplication& TestApplication() {
+  static QApplication* application = [] {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    static int argc = 1;
+    static char name[] = "wavetrace_qt_tests";
+    static char* argv[] = {name, nullptr};
+    // Never destroyed: it must outlive every test and static.
+    auto* created = new QApplication(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    return created;
+  }();
+  return *application;
+}
+
+// Polls (serving the event loop) until the condition holds or time is up.
+inline bool WaitUntil(const std::function<bool()>& condition, int timeoutMs = 5000) {
+  return QTest::qWaitFor(condition, timeoutMs);
+}
+
+// A configuration folder of its own that already records this release, so
+// that no version warning waits for a user.
+class ConfigHome {
+ public:
+  ConfigHome() {
+    QFile registry(dir_.filePath(QStringLiteral("registry.txt")));
+    if (registry.open(QIODevice::WriteOnly)) {
+      // The release as a registry export writes it (quoted names) and as the
+      // program's own store writes it, so that either reading finds it.
+      registry.write(
+          "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\r\n"
+          "\"MajorVersion\"=dword:00000002\r\n"
+          "\"MinorVersion\"=dword:00000047\r\n"
+          "MajorVersion=dword:00000002\r\n"
+          "MinorVersion=dword:00000047\r\n");
+    }
+    setenv("WAVETRACE_HOME", dir_.path().toLocal8Bit().constData(), 1);
+  }
+  ~ConfigHome() { unsetenv("WAVETRACE_HOME"); }
+  ConfigHome(const ConfigHome&) = delete;
+  ConfigHome& operator=(const ConfigHome&) = delete;
+
+  [[nodiscard]] bool Valid() const { return dir_.isValid(); }
+  [[nodiscard]] QString FilePath(const QString& name) const { return dir_.filePath(name); }
+
+ private:
+  QTemporaryDir dir_;
+};
+
+// The program's start-up, message loop and shutdown with the Qt view, as
+// main() runs them. The test body runs inside the loop; Exit follows it.
+class GuiProgram {
+ public:
+  GuiProgram() = default;
+  GuiProgram(const GuiProgram&) = delete;
+  GuiProgram& operator=(const GuiProgram&) = delete;
+
+  int Run(const std::function<void()>& body, bool exitAfterBody = true) {
+    state_.View = &view_;
+    state_.Screen.SetEventsEnabled(true);
+    QTimer watchdog;
+    watchdog.setSingleShot(true);
+    QObject::connect(&watchdog, &QTimer::timeout, [this] {
+      ADD_FAILURE() << "the program did not end in time";
+      state_.Queue.PostCommand(core::cmd::kExit);
+    });
+    // A message box nobody expected would wait for a user forever: it fails
+    // the test and is closed.
+    QTimer boxGuard;
+    QObject::connect(&boxGuard, &QTimer::timeout, [] {
+      if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+        ADD_FAILURE() << "unexpected box: " << box->windowTitle().toStdString() << ": "
+                      << box->text().toStdString();
+        box->done(QMessageBox::Ok);
+      }
+    });
+    boxGuard.start(100);
+    int exitCode = app::RunProgram(state_, [&] {
+      QTimer::singleShot(0, &view_, [&] {
+        body();
+        if (exitAfterBody) state_.Queue.PostCommand(core::cmd::kExit);
+      });
+      watchdog.start(20000);
+      return view_.RunMessageLoop();
+    });
+    state_.View = nullptr;
+    return exitCode;
+  }
+
+  core::AppState& State() { return state_; }
+  QtView& View() { return view_; }
+  const ConfigHome& Home() const { return home_; }
+
+ private:
+  QApplication& application_ = TestApplication();
+  ConfigHome home_;
+  core::AppState state_;
+  QtView view_{state_};
+};
+
+}  // namespace wavetrace::ui::testing

@@ -1,0 +1,315 @@
+#include "ui/main_window_widget.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QFontDatabase>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QShowEvent>
+#include <QVBoxLayout>
+#include <array>
+
+#include "core/messages.h"
+#include "ui/receive_view.h"
+#include "ui/screen_scale.h"
+
+namespace wavetrace::ui {
+namespace {
+
+using namespace core::cmd;
+
+struct ButtonEntry {
+  int command;
+  const char* caption;
+};
+
+// Three rows: connection, sending and logging, view.
+constexpr std::array<ButtonEntry, 9> kButtons = {{
+    {kPlay, "PLAY"},
+    {kStop, "STOP"},
+    {kSend, "SEND"},
+    {kRepeat, "REPEAT"},
+    {kRecord, "RECORD"},
+    {kRelay, "RELAY"},
+    {kAsciiButton, "ASCII"},
+    {kBinaryButton, "BINARY"},
+    {kClearButton, "CLEAR"},
+}};
+constexpr int kButtonColumns = 3;
+
+// Pixel sizes on the 240x320 screen, scaled with the window.
+constexpr int kFontPixels = 11;
+constexpr int kReceiveFontPixels = 11;
+constexpr int kSpacing = 2;
+
+// One line on the status line: line ends inside a message become blanks.
+QString StatusLineText(const std::u16string& text) {
+  QString line = QString::fromStdU16String(text);
+  line.replace(QLatin1String("\r\n"), QLatin1String(" "));
+  line.replace(QLatin1Char('\r'), QLatin1Char(' '));
+  line.replace(QLatin1Char('\n'), QLatin1Char(' '));
+  return line;
+}
+
+}  // namespace
+
+MainWindowWidget::MainWindowWidget(double scale, QWidget* parent) : QMainWindow(parent), scale_(scale) {
+  QFont uiFont = font();
+  uiFont.setPixelSize(Scaled(scale_, kFontPixels));
+  setFont(uiFont);
+
+  auto* central = new QWidget(this);
+  auto* column = new QVBoxLayout(central);
+  int spacing = Scaled(scale_, kSpacing);
+  column->setContentsMargins(spacing, spacing, spacing, spacing);
+  column->setSpacing(spacing);
+
+  status_ = new QLabel(central);
+  status_->setObjectName(QStringLiteral("statusLine"));
+  status_->setTextFormat(Qt::PlainText);
+  status_->setFrameShape(QFrame::StyledPanel);
+  // A long error message must not widen the window; the tool tip keeps it whole.
+  status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+  status_->setMinimumHeight(status_->fontMetrics().height() + 2 * spacing);
+  column->addWidget(status_);
+
+  receive_ = new ReceiveView(central);
+  receive_->setObjectName(QStringLiteral("receiveWindow"));
+  QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+  fixed.setPixelSize(Scaled(scale_, kReceiveFontPixels));
+  receive_->setFont(fixed);
+  column->addWidget(receive_, 1);
+
+  buttonPanel_ = new QWidget(central);
+  auto* panel = new QVBoxLayout(buttonPanel_);
+  panel->setContentsMargins(0, 0, 0, 0);
+  panel->setSpacing(spacing);
+
+  transmit_ = new QComboBox(buttonPanel_);
+  transmit_->setObjectName(QStringLiteral("transmitField"));
+  transmit_->setEditable(true);
+  // The history list is the model's; the field never adds to it by itself.
+  transmit_->setInsertPolicy(QComboBox::NoInsert);
+  transmit_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  transmit_->setMinimumContentsLength(8);
+  panel->addWidget(transmit_);
+  connect(transmit_, &QComboBox::editTextChanged, this, &MainWindowWidget::TransmitTextEdited);
+  connect(transmit_, &QComboBox::activated, this, &MainWindowWidget::TransmitHistoryChosen);
+  connect(transmit_->lineEdit(), &QLineEdit::returnPressed, this, [this] {
+    // Enter in the field is a tap on SEND.
+    QPushButton* send = Button(kSend);
+    if (send && send->isEnabled()) emit CommandRequested(kSend);
+  });
+
+  auto* grid = new QGridLayout;
+  grid->setSpacing(spacing);
+  for (size_t i = 0; i < kButtons.size(); ++i) {
+    const ButtonEntry& entry = kButtons[i];
+    auto* button = new QPushButton(QString::fromLatin1(entry.caption), buttonPanel_);
+    button->setObjectName(QStringLiteral("button%1").arg(entry.command));
+    // Checkable so that a pressed state from the model can be shown.
+    button->setCheckable(true);
+    button->setMinimumHeight(Scaled(scale_, 24));
+    button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    int command = entry.command;
+    connect(button, &QPushButton::clicked, this, [this, command] { OnButtonClicked(command); });
+    grid->addWidget(button, static_cast<int>(i) / kButtonColumns, static_cast<int>(i) % kButtonColumns);
+    buttons_[entry.command] = button;
+  }
+  panel->addLayout(grid);
+  column->addWidget(buttonPanel_);
+
+  setCentralWidget(central);
+  BuildMenus();
+}
+
+QAction* MainWindowWidget::AddItem(QMenu* menu, int command, const char* caption, bool checkable) {
+  QAction* action = menu->addAction(QString::fromLatin1(caption));
+  action->setObjectName(QStringLiteral("action%1").arg(command));
+  action->setCheckable(checkable);
+  action->setMenuRole(QAction::NoRole);
+  connect(action, &QAction::triggered, this, [this, command] { OnActionTriggered(command); });
+  actions_[command] = action;
+  return action;
+}
+
+void MainWindowWidget::BuildMenus() {
+  QMenuBar* bar = menuBar();
+  bar->setFont(font());
+  auto addMenu = [this](QMenu* parentMenu, QMenuBar* parentBar, const char* title) {
+    QMenu* menu = parentBar ? parentBar->addMenu(QString::fromLatin1(title))
+                            : parentMenu->addMenu(QString::fromLatin1(title));
+    menu->setFont(font());
+    return menu;
+  };
+
+  QMenu* program = addMenu(nullptr, bar, "Program");
+  AddItem(program, kAbout, "About...");
+  AddItem(program, kHelp, "Help");
+  AddItem(program, kRunScript, "Run script");
+  QMenu* config = addMenu(program, nullptr, "Config");
+  AddItem(config, kConfigLoad, "Load...");
+  AddItem(config, kConfigSave, "Save");
+  AddItem(config, kConfigSaveAs, "SaveAs...");
+  AddItem(config, kConfigSetDefault, "Set as Default");
+  AddItem(program, kProgramOptions, "Options");
+  program->addSeparator();
+  AddItem(program, kExit, "Exit");
+
+  QMenu* edit = addMenu(nullptr, bar, "Edit");
+  AddItem(edit, kCopy, "Copy");
+  AddItem(edit, kPaste, "Paste");
+  QMenu* clear = addMenu(edit, nullptr, "Clear...");
+  AddItem(clear, kClearReceiveWindow, "Received window");
+  AddItem(clear, kClearSendHistory, "Send history");
+  edit->addSeparator();
+  AddItem(edit, kReceiveOptions, "Receive Options");
+  AddItem(edit, kTransmitOptions, "Transmit Options");
+  AddItem(edit, kCommProperties, "Communication Properties");
+
+  QMenu* display = addMenu(nullptr, bar, "Display");
+  AddItem(display, kScreenOff, "ScreenOff");
+  AddItem(display, kFullscreen, "Fullscreen", true);
+  AddItem(display, kBacklightOnReceive, "Backlight ON receive", true);
+  display->addSeparator();
+  AddItem(display, kDecimal, "Decimal", true);
+  AddItem(display, kHex, "Hex", true);
+  AddItem(display, kOctal, "Octal", true);
+  AddItem(display, kBinary, "Binary", true);
+  display->addSeparator();
+  AddItem(display, kPauseRxDisplay, "Pause Received window", true);
+  AddItem(display, kSoftwareButtons, "Software Buttons", true);
+  display->addSeparator();
+  AddItem(display, kAsciiChart, "ASCII Chart");
+  AddItem(display, kCommPinouts, "Comm. Pinouts");
+}
+
+QPushButton* MainWindowWidget::Button(int command) const {
+  auto it = buttons_.find(command);
+  return it == buttons_.end() ? nullptr : it->second;
+}
+
+QAction* MainWindowWidget::Action(int command) const {
+  auto it = actions_.find(command);
+  return it == actions_.end() ? nullptr : it->second;
+}
+
+void MainWindowWidget::OnActionTriggered(int command) {
+  QAction* action = Action(command);
+  // The check mark is the model's: undo Qt's own toggle until the model says.
+  if (action && action->isCheckable()) action->setChecked(!action->isChecked());
+  switch (command) {
+    case kCopy:
+      CopyFromFocus();
+      return;
+    case kPaste:
+      PasteIntoTransmitField();
+      return;
+    default:
+      emit CommandRequested(command);
+  }
+}
+
+void MainWindowWidget::OnButtonClicked(int command) {
+  QPushButton* button = Button(command);
+  // As with the check marks, the pressed state waits for the model.
+  if (button) button->setChecked(!button->isChecked());
+  emit CommandRequested(command);
+}
+
+void MainWindowWidget::CopyFromFocus() {
+  QWidget* focus = QApplication::focusWidget();
+  if (!focus) return;
+  // The combo box holds the focus for its edit part.
+  if (focus == transmit_) focus = transmit_->lineEdit();
+  // Whatever has the focus copies its own selection, if it can.
+  QMetaObject::invokeMethod(focus, "copy");
+}
+
+void MainWindowWidget::PasteIntoTransmitField() {
+  QLineEdit* edit = transmit_->lineEdit();
+  QWidget* focus = QApplication::focusWidget();
+  if (focus != transmit_ && focus != edit) {
+    transmit_->setFocus(Qt::OtherFocusReason);
+    edit->clear();
+  }
+  edit->paste();
+}
+
+void MainWindowWidget::SetStatus(const std::u16string& text) {
+  QString line = StatusLineText(text);
+  status_->setText(line);
+  status_->setToolTip(line);
+}
+
+void MainWindowWidget::RefreshTransmitField(const core::MainScreen& screen) {
+  QSignalBlocker blocker(transmit_);
+  QStringList items;
+  for (const auto& item : screen.TxHistory()) items << QString::fromStdU16String(item);
+  QStringList current;
+  for (int i = 0; i < transmit_->count(); ++i) current << transmit_->itemText(i);
+  if (items != current) {
+    transmit_->clear();
+    transmit_->addItems(items);
+  }
+  int selection = screen.TxSelection();
+  if (transmit_->currentIndex() != selection) transmit_->setCurrentIndex(selection);
+  QString text = QString::fromStdU16String(screen.TxText());
+  if (transmit_->currentText() != text) transmit_->setEditText(text);
+  transmit_->setEnabled(screen.TxEnabled());
+}
+
+void MainWindowWidget::ApplyFocus(int control) {
+  if (control == renderedFocus_) return;
+  renderedFocus_ = control;
+  QWidget* target = nullptr;
+  switch (control) {
+    case core::control::kReceiveWindow:
+      target = receive_;
+      break;
+    case core::control::kTransmitField:
+      target = transmit_;
+      break;
+    default:
+      target = Button(control);
+      break;
+  }
+  if (target && target->isEnabled()) target->setFocus(Qt::OtherFocusReason);
+}
+
+void MainWindowWidget::RefreshControls(const core::MainScreen& screen) {
+  for (auto& [command, button] : buttons_) {
+    button->setEnabled(screen.IsButtonEnabled(command));
+    button->setChecked(screen.IsButtonPressed(command));
+  }
+  for (auto& [command, action] : actions_) {
+    action->setEnabled(!screen.IsMenuItemGrey(command));
+    if (action->isCheckable()) action->setChecked(screen.IsMenuItemChecked(command));
+  }
+  RefreshTransmitField(screen);
+  setWindowTitle(QString::fromStdU16String(screen.Title()));
+  // Full screen gives the receive window the room of the controls below it.
+  buttonPanel_->setVisible(!screen.IsMenuItemChecked(kFullscreen));
+  ApplyFocus(screen.Focus());
+}
+
+void MainWindowWidget::closeEvent(QCloseEvent* event) {
+  // Closing is the Exit command: the shutdown decides when the window goes.
+  event->ignore();
+  emit CloseRequested();
+}
+
+void MainWindowWidget::showEvent(QShowEvent* event) {
+  QMainWindow::showEvent(event);
+  if (shownOnce_ || event->spontaneous()) return;
+  shownOnce_ = true;
+  emit FirstShown();
+}
+
+}  // namespace wavetrace::ui

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <QMainWindow>
+#include <map>
+#include <string>
+
+#include "core/main_screen.h"
+
+class QAction;
+class QComboBox;
+class QGridLayout;
+class QLabel;
+class QMenu;
+class QPushButton;
+
+namespace wavetrace::ui {
+
+class ReceiveView;
+
+// The main screen: status line, receive window, transmit field, command
+// buttons and the menu bar. It shows what the model says and reports what
+// the user does; it decides nothing itself.
+class MainWindowWidget : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  explicit MainWindowWidget(double scale, QWidget* parent = nullptr);
+
+  // Re-reads buttons, menu items, transmit field, title and layout.
+  void RefreshControls(const core::MainScreen& screen);
+  void SetStatus(const std::u16string& text);
+
+  [[nodiscard]] ReceiveView* Receive() const { return receive_; }
+  [[nodiscard]] QLabel* StatusLine() const { return status_; }
+  [[nodiscard]] QComboBox* TransmitField() const { return transmit_; }
+  // Null for a command without a button or menu item.
+  [[nodiscard]] QPushButton* Button(int command) const;
+  [[nodiscard]] QAction* Action(int command) const;
+
+  // The menu's Copy and Paste, which work on the focused widget.
+  void CopyFromFocus();
+  void PasteIntoTransmitField();
+
+ signals:
+  void CommandRequested(int command);
+  void TransmitTextEdited(const QString& text);
+  void TransmitHistoryChosen(int index);
+  void CloseRequested();
+  void FirstShown();
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+
+ private:
+  void BuildMenus();
+  QAction* AddItem(QMenu* menu, int command, const char* caption, bool checkable = false);
+  void OnActionTriggered(int command);
+  void OnButtonClicked(int command);
+  void RefreshTransmitField(const core::MainScreen& screen);
+  void ApplyFocus(int control);
+
+  double scale_;
+  QLabel* status_ = nullptr;
+  ReceiveView* receive_ = nullptr;
+  QComboBox* transmit_ = nullptr;
+  QWidget* buttonPanel_ = nullptr;
+  std::map<int, QPushButton*> buttons_;
+  std::map<int, QAction*> actions_;
+  int renderedFocus_ = 0;
+  bool shownOnce_ = false;
+};
+
+}  // namespace wavetrace::ui

@@ -1,0 +1,280 @@
+#include "ui/qt_view.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QGuiApplication>
+#include <QMessageBox>
+#include <QScreen>
+#include <QSocketNotifier>
+#include <QSystemTrayIcon>
+#include <QThread>
+#include <QTimer>
+
+#include "app/startup.h"
+#include "config/program_options.h"
+#include "core/messages.h"
+#include "core/reporting.h"
+#include "ui/about_dialog.h"
+#include "ui/main_window_widget.h"
+#include "ui/program_options_dialog.h"
+#include "ui/receive_view.h"
+#include "ui/screen_scale.h"
+#include "ui/tray_icon.h"
+
+namespace wavetrace::ui {
+namespace {
+
+QMessageBox::Icon ToQtIcon(core::BoxIcon icon) {
+  switch (icon) {
+    case core::BoxIcon::kInformation:
+      return QMessageBox::Information;
+    case core::BoxIcon::kWarning:
+      return QMessageBox::Warning;
+    case core::BoxIcon::kStop:
+      return QMessageBox::Critical;
+    case core::BoxIcon::kNone:
+      break;
+  }
+  return QMessageBox::NoIcon;
+}
+
+QString BoxText(std::u16string_view text) {
+  QString result = QString::fromStdU16String(std::u16string(text));
+  result.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+  return result;
+}
+
+}  // namespace
+
+QtView::QtView(core::AppState& state, QObject* parent) : QObject(parent), state_(state) {
+  QScreen* screen = QGuiApplication::primaryScreen();
+  ScreenFit fit = FitToScreen(screen ? screen->availableGeometry().size() : QSize());
+  if (screen) {
+    screenHeight_ = screen->geometry().height();
+    connect(screen, &QScreen::geometryChanged, this,
+            [this](const QRect& rect) { screenHeight_ = rect.height(); });
+  }
+
+  window_ = std::make_unique<MainWindowWidget>(fit.Scale);
+  window_->resize(fit.WindowSize);
+  connect(window_.get(), &MainWindowWidget::CommandRequested, this,
+          [this](int command) { state_.Queue.PostCommand(command); });
+  connect(window_.get(), &MainWindowWidget::CloseRequested, this,
+          [this] { state_.Queue.PostCommand(core::cmd::kExit); });
+  connect(window_.get(), &MainWindowWidget::TransmitTextEdited, this,
+          [this](const QString& text) { state_.Screen.SetTxText(text.toStdU16String()); });
+  connect(window_.get(), &MainWindowWidget::TransmitHistoryChosen, this,
+          [this](int index) { state_.Screen.SetTxSelection(index); });
+  connect(window_.get(), &MainWindowWidget::FirstShown, this, &QtView::OnFirstShown);
+
+  if (QSystemTrayIcon::isSystemTrayAvailable()) {
+    tray_ = new TrayIcon(this);
+    connect(tray_, &TrayIcon::LeftClicked, this,
+            [this] { state_.Queue.Post(core::MakeMessage(core::kWmTrayCallback, 0, core::kWmLButtonDown)); });
+  }
+
+  // The queue's wake-up descriptor stays unwatched until the loop runs, so
+  // that a box shown during start-up does not serve the queue early.
+  notifier_ = new QSocketNotifier(state_.Queue.WakeFd(), QSocketNotifier::Read, this);
+  notifier_->setEnabled(false);
+  connect(notifier_, &QSocketNotifier::activated, this, &QtView::PumpQueue);
+  timer_ = new QTimer(this);
+  timer_->setSingleShot(true);
+  connect(timer_, &QTimer::timeout, this, &QtView::PumpQueue);
+}
+
+QtView::~QtView() {
+  if (waitCursor_) QGuiApplication::restoreOverrideCursor();
+}
+
+int QtView::RunMessageLoop() {
+  notifier_->setEnabled(true);
+  // What start-up queued (the window's first show among it) is served now.
+  PumpQueue();
+  if (loopEnded_) return state_.Queue.QuitCode();
+  return QCoreApplication::exec();
+}
+
+void QtView::PumpQueue() {
+  if (loopEnded_) return;
+  // A modal box inside may serve the queue again and even end the loop.
+  bool running = state_.Queue.DispatchPending();
+  if (!running) {
+    EndLoop();
+    return;
+  }
+  if (!loopEnded_) ArmTimer();
+}
+
+void QtView::ArmTimer() {
+  // The queue's timers are due inside DispatchPending; wake up for the next.
+  int delay = state_.Queue.NextTimerDelayMs();
+  if (delay < 0) {
+    timer_->stop();
+  } else {
+    timer_->start(delay);
+  }
+}
+
+void QtView::EndLoop() {
+  if (loopEnded_) return;
+  loopEnded_ = true;
+  notifier_->setEnabled(false);
+  timer_->stop();
+  QCoreApplication::exit(state_.Queue.QuitCode());
+}
+
+bool QtView::WindowExists() const {
+  return state_.MainWindowExists && !state_.ShuttingDown;
+}
+
+QWidget* QtView::BoxParent() const {
+  return window_->isVisible() ? window_.get() : nullptr;
+}
+
+void QtView::ShowMessageBox(std::u16string_view title, std::u16string_view text, core::BoxIcon icon) {
+  QMessageBox box(ToQtIcon(icon), QString::fromStdU16String(std::u16string(title)), BoxText(text),
+                  QMessageBox::Ok, BoxParent());
+  box.setTextFormat(Qt::PlainText);
+  // Fonts do not pass on to windows by themselves; boxes match the screen.
+  box.setFont(window_->font());
+  // The user must be able to answer a box raised in the middle of a long task.
+  bool waiting = waitCursor_;
+  if (waiting) QGuiApplication::setOverrideCursor(Qt::ArrowCursor);
+  box.exec();
+  if (waiting) QGuiApplication::restoreOverrideCursor();
+}
+
+bool QtView::SetClipboardText(std::u16string_view text) {
+  QClipboard* clipboard = QGuiApplication::clipboard();
+  if (!clipboard) return false;
+  QString value = QString::fromStdU16String(std::u16string(text));
+  clipboard->setText(value);
+  return clipboard->text() == value;
+}
+
+void QtView::SetWaitCursor(bool wait) {
+  if (QThread::currentThread() != thread()) {
+    QMetaObject::invokeMethod(
+        this, [this, wait] { SetWaitCursor(wait); }, Qt::QueuedConnection);
+    return;
+  }
+  if (wait == waitCursor_) return;
+  waitCursor_ = wait;
+  if (wait) {
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+  } else {
+    QGuiApplication::restoreOverrideCursor();
+  }
+}
+
+void QtView::RenderScreenChanges() {
+  // A change made while rendering (the first show writes the welcome text)
+  // is taken after the events in hand, so that the edits stay in order.
+  if (rendering_) {
+    renderAgain_ = true;
+    return;
+  }
+  rendering_ = true;
+  do {
+    renderAgain_ = false;
+    std::vector<core::ScreenEvent> events = state_.Screen.TakeEvents();
+    if (events.empty()) continue;
+    ReceiveView* receive = window_->Receive();
+    bool followEnd = receive->AtEnd();
+    bool receiveChanged = false;
+    for (const auto& event : events) {
+      if (event.Type == core::ScreenEvent::Kind::kRxEdit || event.Type == core::ScreenEvent::Kind::kRxReset) {
+        receiveChanged = true;
+      }
+      ApplyEvent(event);
+    }
+    if (receiveChanged && followEnd) receive->ScrollToEnd();
+  } while (renderAgain_);
+  rendering_ = false;
+}
+
+void QtView::ApplyEvent(const core::ScreenEvent& event) {
+  using Kind = core::ScreenEvent::Kind;
+  switch (event.Type) {
+    case Kind::kStatus:
+      window_->SetStatus(event.Text);
+      break;
+    case Kind::kRxEdit:
+      window_->Receive()->ReplaceRange(event.From, event.To, event.Text);
+      break;
+    case Kind::kRxReset:
+      window_->Receive()->ResetText(event.Text);
+      break;
+    case Kind::kControls:
+      RefreshControls();
+      break;
+    case Kind::kShowWindow:
+      ShowWindow(event.From != 0);
+      break;
+    case Kind::kActivate:
+      Activate();
+      break;
+  }
+}
+
+void QtView::RefreshControls() {
+  window_->RefreshControls(state_.Screen);
+  if (tray_) tray_->SetState(state_.Screen.TrayState(), QString::fromStdU16String(state_.Screen.Title()));
+}
+
+void QtView::ShowWindow(bool shown) {
+  if (!shown) {
+    window_->hide();
+    return;
+  }
+  window_->show();
+  window_->raise();
+  window_->activateWindow();
+}
+
+void QtView::Activate() {
+  if (window_->isMinimized()) window_->showNormal();
+  ShowWindow(true);
+}
+
+void QtView::OnFirstShown() {
+  app::OnFirstPaint(state_);
+  RenderScreenChanges();
+}
+
+void QtView::ShowAbout(std::u16string_view releaseLine, bool automationMode) {
+  AboutDialog dialog(releaseLine, automationMode, BoxParent());
+  dialog.exec();
+}
+
+void QtView::ShowProgramOptions() {
+  auto& options = state_.ProgramOptions;
+  ProgramOptionValues values;
+  values.DEFAULTcfg = options.DEFAULTcfg;
+  values.MULTIinst = options.MULTIinst;
+  values.AcquireHWbuttons = options.AcquireHWbuttons;
+  values.DisableIcon = options.DisableIcon;
+  ProgramOptionsDialog dialog(values, BoxParent());
+  dialog.setFont(window_->font());
+  if (dialog.exec() != QDialog::Accepted) return;
+  values = dialog.Values();
+  options.DEFAULTcfg = values.DEFAULTcfg;
+  options.MULTIinst = values.MULTIinst;
+  options.AcquireHWbuttons = values.AcquireHWbuttons;
+  options.DisableIcon = values.DisableIcon;
+  bool saved = config::SaveProgramOptions(state_) == 0;
+  core::ShowStatus(state_, saved ? u"Program Options saved." : u"Program Options could not be saved.");
+}
+
+std::u16string QtView::ChooseConfigFile(bool save, std::u16string_view current) {
+  const QString filters = QStringLiteral("Configuration files (*.cfg.txt);;All files (*)");
+  QString start = QString::fromUtf16(current.data(), static_cast<qsizetype>(current.size()));
+  QString path = save ? QFileDialog::getSaveFileName(BoxParent(), QStringLiteral("SaveAs..."), start, filters)
+                      : QFileDialog::getOpenFileName(BoxParent(), QStringLiteral("Load..."), start, filters);
+  return path.toStdU16String();
+}
+
+}  // namespace wavetrace::ui

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <QObject>
+#include <atomic>
+#include <memory>
+
+#include "core/app_state.h"
+#include "core/front_end.h"
+
+class QSocketNotifier;
+class QTimer;
+
+namespace wavetrace::ui {
+
+class MainWindowWidget;
+class TrayIcon;
+
+// The Qt front end: renders the main-screen model into the main window and
+// the tray icon, turns the user's actions into commands, and serves the
+// message queue from the GUI thread.
+class QtView : public QObject, public core::FrontEnd {
+  Q_OBJECT
+
+ public:
+  // Needs the QApplication; the window is sized for the primary screen.
+  explicit QtView(core::AppState& state, QObject* parent = nullptr);
+  ~QtView() override;
+
+  // The message loop: serves the queue until the quit message, then returns
+  // its code. Meant as the loop that app::RunProgram runs.
+  int RunMessageLoop();
+
+  [[nodiscard]] MainWindowWidget& Window() const { return *window_; }
+  // Null when the desktop has no tray.
+  [[nodiscard]] TrayIcon* Tray() const { return tray_; }
+
+  // core::FrontEnd
+  void ShowMessageBox(std::u16string_view title, std::u16string_view text, core::BoxIcon icon) override;
+  [[nodiscard]] bool BoxesNeedMainThread() const override { return true; }
+  [[nodiscard]] bool WindowExists() const override;
+  bool SetClipboardText(std::u16string_view text) override;
+  void SetWaitCursor(bool wait) override;
+  [[nodiscard]] int ScreenHeight() const override { return screenHeight_; }
+  void RenderScreenChanges() override;
+  void ShowAbout(std::u16string_view releaseLine, bool automationMode) override;
+  void ShowProgramOptions() override;
+  std::u16string ChooseConfigFile(bool save, std::u16string_view current) override;
+
+ private:
+  void PumpQueue();
+  void ArmTimer();
+  void EndLoop();
+  void ApplyEvent(const core::ScreenEvent& event);
+  void RefreshControls();
+  void OnFirstShown();
+  void ShowWindow(bool shown);
+  void Activate();
+  [[nodiscard]] QWidget* BoxParent() const;
+
+  core::AppState& state_;
+  std::unique_ptr<MainWindowWidget> window_;
+  TrayIcon* tray_ = nullptr;
+  QSocketNotifier* notifier_ = nullptr;
+  QTimer* timer_ = nullptr;
+  std::atomic<int> screenHeight_{0};
+  bool loopEnded_ = false;
+  bool waitCursor_ = false;
+  bool rendering_ = false;
+  bool renderAgain_ = false;
+};
+
+}  // namespace wavetrace::ui

@@ -23,9 +23,8 @@ using namespace core::cmd;
 // Commands whose features are not part of the program yet: their menu items
 // and buttons stay grey and the window ignores them.
 constexpr std::array kUnavailable = {
-    kCommProperties,  kTransmitOptions, kReceiveOptions, kAsciiChart, kScreenOff,
-    kSoftwareButtons, kCommPinouts,     kHelp,           kRunScript,  kSend,
-    kRepeat,          kRecord,          kRelay,
+    kTransmitOptions, kReceiveOptions, kAsciiChart, kScreenOff, kSoftwareButtons, kCommPinouts,
+    kHelp,            kRunScript,      kSend,       kRepeat,    kRecord,          kRelay,
 };
 
 bool IsUnavailable(int command) {
@@ -125,6 +124,9 @@ int64_t OnCommand(core::AppState& state, int command, int64_t source) {
     case kConfigSaveAs:
     case kConfigSetDefault:
       OnConfigCommand(state, command, source);
+      return 0;
+    case kCommProperties:
+      if (state.View) state.View->ShowCommProperties();
       return 0;
     case kProgramOptions:
       if (state.View) state.View->ShowProgramOptions();

@@ -33,6 +33,8 @@ class FrontEnd {
   virtual void ShowAbout(std::u16string_view releaseLine, bool automationMode) = 0;
   // The program options page.
   virtual void ShowProgramOptions() = 0;
+  // The communication properties pages (port, line setting, flow control).
+  virtual void ShowCommProperties() {}
   // Lets the user pick a configuration file to load (save false) or to save
   // to; empty when cancelled or when the front end has no file dialog.
   virtual std::u16string ChooseConfigFile(bool /*save*/, std::u16string_view /*current*/) { return {}; }

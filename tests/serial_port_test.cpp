@@ -4,6 +4,7 @@
 
 #include "core/code_page.h"
 #include "platform/pty.h"
+#include "app/comm_properties.h"
 #include "serial/port.h"
 #include "test_support.h"
 
@@ -115,3 +116,42 @@ TEST_F(PortOnPtyTest, ARefusedLineSettingIsReportedAndClosesThePort) {
 
 }  // namespace
 }  // namespace wavetrace::serial
+
+namespace wavetrace::app {
+namespace {
+
+TEST(CommProperties, ChangingBackToTheLoadedPortBringsItsLineSettingBack) {
+  core::AppState state;
+  state.Port.SelectedPort = u"COM3:";
+  state.Port.SelectedBaud = 4800;
+  state.Port.Parity = u"Even";
+  state.Port.XON = 1;
+  state.Snapshot.Port = state.Port;
+
+  core::PortSettings edited = state.Port;
+  edited.SelectedPort = u"COM5:";
+  edited.SelectedBaud = 115200;
+  edited.Parity = u"None";
+  edited.XON = 0;
+  EXPECT_EQ(ApplyPortPages(state, edited), 1);
+  EXPECT_EQ(state.Port.SelectedBaud, 115200u);
+
+  // Back on COM3: the loaded line setting returns, whatever the pages held.
+  edited = state.Port;
+  edited.SelectedPort = u"COM3:";
+  edited.SelectedBaud = 9600;
+  ApplyPortPages(state, edited);
+  EXPECT_EQ(state.Port.SelectedPort, u"COM3:");
+  EXPECT_EQ(state.Port.SelectedBaud, 4800u);
+  EXPECT_EQ(state.Port.Parity, u"Even");
+  EXPECT_EQ(state.Port.XON, 1);
+
+  // Same port: what the pages hold is applied as it is.
+  edited = state.Port;
+  edited.SelectedBaud = 57600;
+  ApplyPortPages(state, edited);
+  EXPECT_EQ(state.Port.SelectedBaud, 57600u);
+}
+
+}  // namespace
+}  // namespace wavetrace::app

@@ -1,0 +1,23 @@
+#include "app/comm_properties.h"
+
+namespace wavetrace::app {
+
+int ApplyPortPages(core::AppState& state, const core::PortSettings& edited) {
+  bool portChanged = edited.SelectedPort != state.Port.SelectedPort;
+  state.Port = edited;
+  const core::PortSettings& loaded = state.Snapshot.Port;
+  if (portChanged && edited.SelectedPort == loaded.SelectedPort) {
+    state.Port.SelectedBaud = loaded.SelectedBaud;
+    state.Port.SelectedDataBits = loaded.SelectedDataBits;
+    state.Port.Parity = loaded.Parity;
+    state.Port.StopBits = loaded.StopBits;
+    state.Port.XON = loaded.XON;
+    state.Port.RTS = loaded.RTS;
+    state.Port.CtsFlow = loaded.CtsFlow;
+    state.Port.DTR = loaded.DTR;
+    state.Port.DsrFlow = loaded.DsrFlow;
+  }
+  return 1;
+}
+
+}  // namespace wavetrace::app

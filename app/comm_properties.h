@@ -1,0 +1,16 @@
+#pragma once
+
+#include "core/app_state.h"
+
+namespace wavetrace::app {
+
+// Applies what the communication properties pages hold. When the port was
+// changed back to the one the last configuration load named, its line
+// setting (speed, format and the flow flags) returns with it. Always 1.
+int ApplyPortPages(core::AppState& state, const core::PortSettings& edited);
+
+// The rates the baud list offers; any other is entered as the custom rate.
+inline constexpr uint32_t kStandardBauds[] = {110,   300,   600,    1200,   2400,   4800,   9600,   14400,
+                                              19200, 38400, 57600,  115200, 230400, 460800, 921600};
+
+}  // namespace wavetrace::app

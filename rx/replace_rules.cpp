@@ -99,7 +99,10 @@ void SelectRule(core::DataSettings& data, const RuleFields& fields, int32_t inde
 bool AddRule(core::DataSettings& data, const RuleFields& fields) {
   if (!CanAddRule(data)) return false;
   StoreRuleFields(data, fields);
-  data.SnR_count = ActiveRuleCount(data) + 1;
+  // The rule being edited counts as in use even before the first apply.
+  data.SnR_count = std::max(ActiveRuleCount(data), CurrentIndex(data));
+  if (data.SnR_count >= kMaxRules) return true;
+  data.SnR_count += 1;
   ClearRule(data.SnR[data.SnR_count]);
   data.SnRCurrentRule = data.SnR_count;
   return true;

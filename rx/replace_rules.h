@@ -52,7 +52,8 @@ bool CanAddRule(const core::DataSettings& data);
 // Moving to another rule: stores the fields, then makes index (clamped to
 // 1..SnR_count) current.
 void SelectRule(core::DataSettings& data, const RuleFields& fields, int32_t index);
-// "Add": stores the fields, appends a fresh rule and makes it current.
+// "Add": stores the fields (the rule on show counts as in use from then on),
+// appends a fresh rule and makes it current.
 // Returns false, changing nothing, when the list is full.
 bool AddRule(core::DataSettings& data, const RuleFields& fields);
 // "Remove": drops the current rule, moving later ones down and clearing the

@@ -9,9 +9,14 @@ int64_t FindBytes(const uint8_t* data, int64_t length, const uint8_t* pattern, i
   if (start < 0 || start > length || patternLength > length - start) return -1;
   if (patternLength <= 0) return -1;
   const uint8_t first = pattern[0];
+  // Patterns are short (rules hold at most 42 bytes), so a plain loop beats
+  // a library call per candidate.
   const auto matchesAt = [&](int64_t i) {
-    return patternLength <= length - i &&
-           std::memcmp(data + i, pattern, static_cast<size_t>(patternLength)) == 0;
+    if (patternLength > length - i) return false;
+    for (int64_t k = 1; k < patternLength; ++k) {
+      if (data[i + k] != pattern[k]) return false;
+    }
+    return true;
   };
   if (forward) {
     // The last position a match can start at; the first byte is found with

@@ -109,6 +109,8 @@ PassResult ReplaceAllPass(core::AppState& state, core::DataBlock& block, core::S
   StepKind kind = StepKind::None;
   int64_t length = startLength;
   uint8_t staleByte = 0;
+  bool replacementHasZero = false;
+  int64_t replacementChecked = -1;
   PassResult result;
   for (int64_t j = 0; j >= 0; j = pending.Find(pattern, searchLength)) {
     const int64_t p = static_cast<int64_t>(out.size()) + j;
@@ -116,7 +118,11 @@ PassResult ReplaceAllPass(core::AppState& state, core::DataBlock& block, core::S
     const int64_t replaceLength = std::clamp<int64_t>(rule.ReplaceLength, 0, core::SnRRule::kBytes);
     const uint8_t* replacement = rule.ReplaceBytes.data();
     const StepKind stepKind = KindOf(searchLength, replaceLength);
-    const bool replacementHasZero = HasZero(replacement, replaceLength);
+    // A plain rule's replacement is the same at every match.
+    if (stamped || replacementChecked != replaceLength) {
+      replacementHasZero = HasZero(replacement, replaceLength);
+      replacementChecked = replaceLength;
+    }
     if ((kind != StepKind::None && stepKind != kind) ||
         (stepKind == StepKind::Grow && (!plainInsertions || replacementHasZero))) {
       pending.MoveTo(out, j);

@@ -194,14 +194,14 @@ TEST(SearchAndReplaceTest, AgreesWithStepByStepReplacement) {
       ch = alphabet[std::uniform_int_distribution<size_t>(0, alphabet.size() - 1)(random)];
     return text;
   };
-  for (int round = 0; round < 12000; ++round) {
+  for (int round = 0; round < 5000; ++round) {
     const std::string search = word(1, 3);
     const std::string replace = word(0, 5);
     const auto mode = static_cast<Mode>(std::uniform_int_distribution<int>(0, 2)(random));
     const std::string input = word(1, 24);
     // A rule that feeds itself runs to the bound, which is slow to reach;
     // keep a few of them, not a third of all rounds.
-    if (replace.find(search, 1) != std::string::npos && round % 400 != 0) continue;
+    if (replace.find(search, 1) != std::string::npos && round % 1500 != 0) continue;
 
     core::AppState state;
     state.Data.SnR_count = 1;

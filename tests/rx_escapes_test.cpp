@@ -36,7 +36,7 @@ TEST(ParseBracketEscapesTest, TableOfEscapes) {
       {"empty", "", 16, ""},
       {"escape between text", "A[0D]B[", 16, "A\rB["},
       {"lower case digits", "[0d][0a]", 16, "\r\n"},
-      {"every special key", "[0D][0A][09][1B]", 16, "\r\n\t\x1b"},
+      {"the keys the program writes", "[0D][0A][09][1B]", 16, "\r\n\t\x1b"},
       {"one digit", "[7]", 16, "\x07"},
       {"stops at non-digit", "[1Z]", 16, "\x01"},
       {"zero read from non-zero text", "[0Z]", 16, "[0Z]"},

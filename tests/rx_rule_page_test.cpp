@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 
 #include "core/app_state.h"
@@ -8,137 +9,103 @@
 namespace wavetrace::rx {
 namespace {
 
-RuleFields Fields(const std::u16string& search, const std::u16string& replace, int32_t mode = 0) {
-  RuleFields fields;
-  fields.SearchFor = search;
-  fields.ReplaceWith = replace;
-  fields.Rall = mode == 0;
-  fields.Rfo = mode == 1;
-  fields.Rlo = mode == 2;
-  return fields;
+std::u16string Wide(const std::string& text) {
+  return std::u16string(text.begin(), text.end());
 }
 
-// Slot contents as "search>replace/mode" for slots 1 and 2.
-std::string Slots(const core::DataSettings& data) {
+// Plays a script of page actions, e.g. "add a>b/2 sel 1 c>d/0 rm", where a
+// rule is search>replace/mode (0 all, 1 first, 2 last) and "-" an empty one.
+void Play(core::DataSettings& data, const std::string& script) {
+  std::istringstream in(script);
+  const auto fields = [&in] {
+    std::string rule;
+    in >> rule;
+    RuleFields f;
+    const size_t arrow = rule.find('>');
+    const size_t slash = rule.find('/');
+    if (rule != "-") {
+      f.SearchFor = Wide(rule.substr(0, arrow));
+      f.ReplaceWith = Wide(rule.substr(arrow + 1, slash - arrow - 1));
+    }
+    const int mode = slash == std::string::npos ? 0 : rule[slash + 1] - '0';
+    f.Rall = mode == 0, f.Rfo = mode == 1, f.Rlo = mode == 2;
+    return f;
+  };
+  for (std::string op; in >> op;) {
+    if (op == "add") AddRule(data, fields());
+    if (op == "ins") InsertRule(data);
+    if (op == "rm") RemoveRule(data);
+    if (op == "apply") ApplyRulePage(data, fields());
+    if (op == "compact") CompactRules(data);
+    if (op == "sel") {
+      int index = 0;
+      in >> index;
+      SelectRule(data, fields(), index);
+    }
+  }
+}
+
+// "search>replace/RallRfoRlo" for slots 1 and 2, then count and current.
+std::string Show(const core::DataSettings& data) {
   std::string text;
   for (int i = 1; i <= 2; ++i) {
-    const core::SnRRule& rule = data.SnR[i];
-    for (char16_t ch : rule.wcszSearchFor) text += static_cast<char>(ch);
-    text += '>';
-    for (char16_t ch : rule.wcszReplaceWith) text += static_cast<char>(ch);
-    text += '/' + std::to_string(rule.Rall) + std::to_string(rule.Rfo) + std::to_string(rule.Rlo);
-    if (i == 1) text += ' ';
+    const core::SnRRule& r = data.SnR[i];
+    for (char16_t ch : r.wcszSearchFor + u">" + r.wcszReplaceWith) text += static_cast<char>(ch);
+    text += "/" + std::to_string(r.Rall) + std::to_string(r.Rfo) + std::to_string(r.Rlo) + " ";
   }
-  return text;
+  return text + std::to_string(data.SnR_count) + "@" + std::to_string(data.SnRCurrentRule);
 }
 
-TEST(RulePageTest, AddStoresAndAppendsUntilFull) {
-  core::DataSettings data;
-  EXPECT_EQ(RuleCaption(data), u"1 / 0");
-  EXPECT_TRUE(AddRule(data, Fields(u"a", u"b", 2)));
-  EXPECT_EQ(Slots(data), "a>b/001 >/100");
-  EXPECT_EQ(data.SnR_count, 2);
-  EXPECT_EQ(data.SnRCurrentRule, 2);
-  EXPECT_FALSE(CanAddRule(data));
-  EXPECT_FALSE(AddRule(data, Fields(u"c", u"d")));
-  EXPECT_EQ(Slots(data), "a>b/001 >/100") << "a full list changes nothing";
-  EXPECT_EQ(RuleCaption(data), u"2 / 2");
-}
-
-TEST(RulePageTest, SelectStoresTheFieldsBeforeMoving) {
-  core::DataSettings data;
-  AddRule(data, Fields(u"a", u"b"));
-  SelectRule(data, Fields(u"c", u"d", 1), 1);
-  EXPECT_EQ(Slots(data), "a>b/100 c>d/010");
-  EXPECT_EQ(data.SnRCurrentRule, 1);
-  SelectRule(data, RuleFieldsOf(data, 1), 5);
-  EXPECT_EQ(data.SnRCurrentRule, 2) << "the index is clamped to the rule count";
-}
-
-TEST(RulePageTest, RemoveMovesLaterRulesDownButKeepsOneSlot) {
-  core::DataSettings data;
-  AddRule(data, Fields(u"a", u"b"));
-  SelectRule(data, Fields(u"c", u"d", 2), 1);
-  RemoveRule(data);
-  EXPECT_EQ(Slots(data), "c>d/001 >/100");
-  EXPECT_EQ(data.SnR_count, 1);
-  EXPECT_EQ(data.SnRCurrentRule, 1);
-  RemoveRule(data);
-  EXPECT_EQ(Slots(data), ">/100 >/100");
-  EXPECT_EQ(data.SnR_count, 1) << "the last rule's slot stays";
-}
-
-TEST(RulePageTest, RemoveTheSecondRuleClampsTheIndex) {
-  core::DataSettings data;
-  AddRule(data, Fields(u"a", u"b"));
-  SelectRule(data, Fields(u"c", u"d"), 2);
-  RemoveRule(data);
-  EXPECT_EQ(Slots(data), "a>b/100 >/100");
-  EXPECT_EQ(data.SnRCurrentRule, 1);
-}
-
-TEST(RulePageTest, InsertMovesRulesUpAndClearsTheCurrentSlot) {
-  core::DataSettings data;
-  data.SnR_count = 1;
-  StoreRuleFields(data, Fields(u"a", u"b", 1));
-  EXPECT_TRUE(InsertRule(data));
-  EXPECT_EQ(Slots(data), ">/100 a>b/010");
-  EXPECT_EQ(data.SnR_count, 2);
-  EXPECT_FALSE(InsertRule(data));
-  EXPECT_EQ(Slots(data), ">/100 a>b/010");
-}
-
-TEST(RulePageTest, CompactRulesClosesGaps) {
-  core::DataSettings data;
-  data.SnR_count = 2;
-  data.SnR[2].wcszSearchFor = u"x";
-  data.SnR[2].wcszReplaceWith = u"y";
-  data.SnR[2].Rall = 0;
-  data.SnR[2].Rlo = 1;
-  CompactRules(data);
-  EXPECT_EQ(Slots(data), "x>y/001 >/100");
-}
-
-TEST(RulePageTest, ApplyCompactsRecountsAndPrepares) {
+TEST(RulePageTest, ActionsOnTheRuleList) {
   const struct {
-    std::u16string first;
-    std::u16string second;
-    int32_t count;
-    std::string slots;
+    std::string script;
+    std::string expected;
   } cases[] = {
-      {u"[0D][0A]", u"b", 2, "[0D][0A]>r/100 b>r/100"},
-      {u"", u"b", 1, "b>r/100 >/100"},
-      {u"a", u"", 1, "a>r/100 >r/100"},
-      {u"", u"", 0, ">r/100 >r/100"},
+      {"", ">/100 >/100 0@1"},
+      {"add a>b/2", "a>b/001 >/100 2@2"},
+      {"add a>b add c>d", "a>b/100 >/100 2@2"},  // full: the second Add changes nothing
+      {"add a>b sel 1 c>d/1", "a>b/100 c>d/010 2@1"},
+      {"add a>b sel 9 -", "a>b/100 >/100 2@2"},
+      {"add a>b sel 1 c>d/2 rm", "c>d/001 >/100 1@1"},
+      {"add a>b sel 1 c>d rm rm", ">/100 >/100 1@1"},  // the last slot stays
+      {"add a>b sel 2 c>d rm", "a>b/100 >/100 1@1"},
+      {"add a>b/1 sel 1 c>d rm ins", ">/100 c>d/100 2@1"},
+      {"sel 1 a>b/1 apply a>b/1 ins", ">/100 a>b/010 2@1"},
+      {"add a>b ins", "a>b/100 >/100 2@2"},  // full: Insert changes nothing
+      {"sel 1 a>b apply a>b ins sel 1 - apply -", "a>b/100 >/100 1@1"},
+      {"add - sel 2 x>y/2 compact", "x>y/001 >/100 2@2"},
+      {"add a>r sel 2 b>r apply b>r", "a>r/100 b>r/100 2@2"},
+      {"add a>r sel 2 - apply -", "a>r/100 >/100 1@2"},
+      {"apply -", ">/100 >/100 0@1"},
   };
   for (const auto& c : cases) {
     core::DataSettings data;
-    data.SnR_count = 2;
-    data.SnR[2].wcszSearchFor = c.second;
-    data.SnR[2].wcszReplaceWith = u"r";
-    data.SnRCurrentRule = 1;
-    ApplyRulePage(data, Fields(c.first, u"r"));
-    EXPECT_EQ(data.SnR_count, c.count);
-    EXPECT_EQ(Slots(data), c.slots);
+    Play(data, c.script);
+    EXPECT_EQ(Show(data), c.expected) << c.script;
   }
-  core::DataSettings data;
-  ApplyRulePage(data, Fields(u"[0D][0A]", u"[7C]"));
-  EXPECT_EQ(data.SnR[1].SearchLength, 2);
-  EXPECT_EQ(data.SnR[1].SearchBytes[0], '\r');
-  EXPECT_EQ(data.SnR[1].SearchBytes[1], '\n');
-  EXPECT_EQ(data.SnR[1].ReplaceLength, 1);
-  EXPECT_EQ(data.SnR[1].ReplaceBytes[0], '|');
 }
 
-TEST(RulePageTest, TextsKeep41Characters) {
+TEST(RulePageTest, CaptionAndAvailability) {
   core::DataSettings data;
-  StoreRuleFields(data, Fields(std::u16string(50, u'a'), std::u16string(45, u'b')));
-  EXPECT_EQ(data.SnR[1].wcszSearchFor.size(), 41u);
-  EXPECT_EQ(data.SnR[1].wcszReplaceWith.size(), 41u);
-  data.SnR_count = 1;
-  PrepareRules(data);
-  EXPECT_EQ(data.SnR[1].SearchLength, 41);
-  EXPECT_EQ(data.SnR[1].SearchBytes[41], 0);
+  EXPECT_TRUE(CanAddRule(data));
+  Play(data, "add a>b sel 1 a>b");
+  EXPECT_EQ(RuleCaption(data), u"1 / 2");
+  EXPECT_FALSE(CanAddRule(data));
+}
+
+TEST(RulePageTest, ApplyPreparesBytesAndTextsKeep41Characters) {
+  core::DataSettings data;
+  RuleFields fields;
+  fields.SearchFor = u"[0D][0A]" + std::u16string(45, u'a');
+  fields.ReplaceWith = u"[7C]";
+  ApplyRulePage(data, fields);
+  const core::SnRRule& rule = data.SnR[1];
+  EXPECT_EQ(rule.wcszSearchFor.size(), 41u);
+  EXPECT_EQ(rule.SearchLength, 35);  // 41 characters, two escapes of 4 become 2 bytes
+  EXPECT_EQ(std::string(rule.SearchBytes.begin(), rule.SearchBytes.begin() + 3), "\r\na");
+  EXPECT_EQ(rule.SearchBytes[35], 0);
+  EXPECT_EQ(rule.ReplaceLength, 1);
+  EXPECT_EQ(rule.ReplaceBytes[0], '|');
 }
 
 }  // namespace

@@ -83,42 +83,36 @@ TEST(PostambleTest, LoaderRebuildsFrom14Bytes) {
   EXPECT_EQ(data.PostambleLengthRX, 5);
 }
 
-TEST(PostambleTest, NamedKeys) {
-  const std::pair<std::u16string_view, std::u16string_view> expected[] = {
-      {u"Enter", u"[0D]"}, {u"LineFeed", u"[0A]"}, {u"Comma", u","}, {u"Tab", u"[09]"}, {u"Down", u"[28]"},
-      {u"Right", u"[27]"}, {u"Left", u"[25]"},     {u"Up", u"[26]"}, {u"Esc", u"[1B]"},
-  };
-  ASSERT_EQ(PostambleKeys().size(), std::size(expected));
-  for (size_t i = 0; i < std::size(expected); ++i) {
-    EXPECT_EQ(PostambleKeys()[i].Name, expected[i].first);
-    EXPECT_EQ(PostambleKeys()[i].Text, expected[i].second);
-  }
-  // The arrow keys arrive as their key codes.
-  core::DataSettings data;
-  ApplyPostambleField(data, u"[28][27][25]");
-  EXPECT_EQ(ParsedBytes(data), "('%");
-  ApplyPostambleField(data, u"[26]");
-  EXPECT_EQ(ParsedBytes(data), "&");
-}
-
-TEST(PostambleTest, AddKeepsTheFieldBelow17Characters) {
+TEST(PostambleTest, AddedKeysAndTheFieldLimit) {
+  // Keys by name: the arrow keys arrive as their key codes. Add accepts up
+  // to 16 characters while apply keeps 13, so a late key can be lost.
   const struct {
     size_t fieldLength;
-    size_t key;
+    std::u16string_view key;
     bool added;
+    std::string appliedTail;  // the parsed bytes the key adds
   } cases[] = {
-      {0, 0, true}, {12, 0, true}, {13, 0, false}, {15, 2, true}, {16, 2, false}, {0, 9, false},
+      {0, u"Enter", true, "\r"}, {0, u"LineFeed", true, "\n"}, {0, u"Comma", true, ","},
+      {0, u"Tab", true, "\t"},   {0, u"Down", true, "("},      {0, u"Right", true, "'"},
+      {0, u"Left", true, "%"},   {0, u"Up", true, "&"},        {0, u"Esc", true, "\x1b"},
+      {9, u"Enter", true, "\r"}, {12, u"Enter", true, ""},     {13, u"Enter", false, ""},
+      {15, u"Comma", true, ""},  {16, u"Comma", false, ""},
   };
   for (const auto& c : cases) {
+    size_t index = 0;
+    while (index < PostambleKeys().size() && PostambleKeys()[index].Name != c.key) ++index;
+    ASSERT_LT(index, PostambleKeys().size()) << "no key named so";
     std::u16string field(c.fieldLength, u'a');
-    const std::u16string before = field;
-    EXPECT_EQ(AddPostambleKey(field, c.key), c.added) << c.fieldLength << " " << c.key;
-    if (c.added) {
-      EXPECT_EQ(field, before + std::u16string(PostambleKeys()[c.key].Text));
-    } else {
-      EXPECT_EQ(field, before);
-    }
+    EXPECT_EQ(AddPostambleKey(field, index), c.added) << c.fieldLength;
+    EXPECT_EQ(field.size(), c.fieldLength + (c.added ? PostambleKeys()[index].Text.size() : 0));
+    core::DataSettings data;
+    ApplyPostambleField(data, field);
+    const std::string kept(std::min<size_t>(c.fieldLength, kPostambleApplyChars), 'a');
+    EXPECT_EQ(ParsedBytes(data).substr(0, kept.size() + c.appliedTail.size()), kept + c.appliedTail)
+        << c.fieldLength;
   }
+  std::u16string field;
+  EXPECT_FALSE(AddPostambleKey(field, PostambleKeys().size()));
 }
 
 }  // namespace

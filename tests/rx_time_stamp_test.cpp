@@ -5,6 +5,7 @@
 
 #include "core/allocation.h"
 #include "core/app_state.h"
+#include "rx/replace_rules.h"
 #include "rx/search_replace.h"
 #include "rx/time_stamp.h"
 #include "rx/time_stamp_token.h"
@@ -65,18 +66,6 @@ TEST(FormatTimeStampTest, DateAndTimeFormats) {
   }
 }
 
-TEST(FormatTimeStampTest, PadsSmallFieldsAndFitsLargeYears) {
-  core::LogSettings log;
-  platform::LocalTime time = At(1, 2, 3);
-  time.Day = 4;
-  time.Month = 5;
-  time.Year = 987654321;
-  Stamp stamp{};
-  FormatTimeStamp(log, time, stamp);
-  EXPECT_EQ(StampText(stamp), "04/05/987654321,01:02:03");
-  EXPECT_EQ(stamp.back(), 0);
-}
-
 TEST(BuildTimeStampTest, SameSecondLeavesCurrentAndPreviousEqual) {
   core::AppState state;
   state.Log.DateFormat = 4;
@@ -107,60 +96,51 @@ TEST(BuildTimeStampTest, ReadsTheClock) {
   EXPECT_EQ(stamp[13], ':');
 }
 
-class StampedRuleTest : public ::testing::Test {
- protected:
-  std::string Run(const std::u16string& replaceText, const std::string& input) {
-    state_.Data.SnR_count = 1;
-    core::SnRRule& rule = state_.Data.SnR[1];
-    rule.wcszReplaceWith = replaceText;
-    rule.SearchBytes = {'\n'};
-    rule.SearchLength = 1;
+TEST(StampedRuleTest, TokenBecomesTheStampAtEachMatch) {
+  // "@" in the expected text stands for the stamp built at the match.
+  const struct {
+    int32_t date, time;
+    std::u16string replace;
+    std::string input, expected;
+  } cases[] = {
+      {3, 7, u"T={TIME_STAMP};", "a\nb\n", "aT=@;bT=@;"},
+      {1, 6, u"{TIME_STAMP}{TIME_STAMP}", "\n", "@{TIME_STAMP}"},  // only the first token
+      {4, 7, u"<{TIME_STAMP}>", "x\ny", "x<>y"},
+      {4, 5, u"[0D]{TIME_STAMP}[09]", "\n", "\r@\t"},  // escapes parsed after the stamp is in
+      {1, 6, u"no token", "\n", "no token"},
+  };
+  for (const auto& c : cases) {
+    core::AppState state;
+    state.Log.DateFormat = c.date;  // the date changes at most once a day
+    state.Log.TimeFormat = c.time;
+    state.Data.SnR_count = 1;
+    core::SnRRule& rule = state.Data.SnR[1];
+    rule.wcszSearchFor = u"[0A]";
+    rule.wcszReplaceWith = c.replace;
+    PrepareRule(rule);
     core::DataBlock block;
-    EXPECT_EQ(core::AllocCharBuffer(state_, block.Buffer, static_cast<int64_t>(input.size())), 0);
-    std::copy(input.begin(), input.end(), block.Buffer.Data());
-    block.Length = static_cast<uint32_t>(input.size());
-    EXPECT_TRUE(SearchAndReplace(state_, block));
-    return std::string(block.Buffer.Data(), block.Buffer.Data() + block.Length);
+    ASSERT_EQ(core::AllocCharBuffer(state, block.Buffer, static_cast<int64_t>(c.input.size())), 0);
+    std::copy(c.input.begin(), c.input.end(), block.Buffer.Data());
+    block.Length = static_cast<uint32_t>(c.input.size());
+    EXPECT_TRUE(SearchAndReplace(state, block));
+    std::string expected;
+    for (char ch : c.expected)
+      expected += ch == '@' ? StampText(state.Log.CurrentTimeStamp) : std::string(1, ch);
+    EXPECT_EQ(std::string(block.Buffer.Data(), block.Buffer.Data() + block.Length), expected)
+        << std::string(c.expected);
   }
-  std::string Stamp() const { return StampText(state_.Log.CurrentTimeStamp); }
-
-  core::AppState state_;
-};
-
-TEST_F(StampedRuleTest, TokenBecomesTheStampAtEachMatch) {
-  state_.Log.DateFormat = 3;
-  state_.Log.TimeFormat = 7;  // a date only, so two matches share the same text
-  const std::string result = Run(u"T={TIME_STAMP};", "a\nb\n");
-  EXPECT_EQ(result, "aT=" + Stamp() + ";bT=" + Stamp() + ";");
-  EXPECT_EQ(Stamp().size(), 10u);
 }
 
-TEST_F(StampedRuleTest, OnlyTheFirstTokenIsReplaced) {
-  const std::string result = Run(u"{TIME_STAMP}{TIME_STAMP}", "\n");
-  EXPECT_EQ(result, Stamp() + "{TIME_STAMP}");
-}
-
-TEST_F(StampedRuleTest, EmptyStampLeavesTheRest) {
-  state_.Log.DateFormat = 4;
-  state_.Log.TimeFormat = 7;
-  EXPECT_EQ(Run(u"<{TIME_STAMP}>", "x\ny"), "x<>y");
-}
-
-TEST_F(StampedRuleTest, EscapesAreParsedAfterTheStampIsIn) {
-  state_.Log.DateFormat = 4;
-  state_.Log.TimeFormat = 5;
-  const std::string result = Run(u"[0D]{TIME_STAMP}[09]", "\n");
-  EXPECT_EQ(result, "\r" + Stamp() + "\t");
-}
-
-TEST_F(StampedRuleTest, RebuiltReplacementIsCutAt41Bytes) {
-  state_.Log.DateFormat = 1;
-  state_.Log.TimeFormat = 6;
-  const std::u16string text = std::u16string(29, u'x') + u"{TIME_STAMP}";
-  const std::string result = Run(text, "\n");
-  EXPECT_EQ(result, std::string(29, 'x') + Stamp().substr(0, 12));
-  EXPECT_EQ(state_.Data.SnR[1].ReplaceLength, 41);
-  EXPECT_EQ(state_.Data.SnR[1].ReplaceBytes[41], 0);
+TEST(StampedRuleTest, RebuiltReplacementIsCutAt41Bytes) {
+  core::AppState state;
+  core::SnRRule& rule = state.Data.SnR[1];
+  rule.wcszReplaceWith = std::u16string(29, u'x') + u"{TIME_STAMP}";
+  RebuildStampedReplacement(state, rule);
+  const std::string stamp = StampText(state.Log.CurrentTimeStamp);
+  ASSERT_EQ(stamp.size(), 19u);
+  EXPECT_EQ(rule.ReplaceLength, 41);
+  EXPECT_EQ(std::string(rule.ReplaceBytes.begin(), rule.ReplaceBytes.end()),
+            std::string(29, 'x') + stamp.substr(0, 12) + '\0');
 }
 
 }  // namespace

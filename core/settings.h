@@ -26,6 +26,12 @@ struct SnRRule {
   int32_t Rlo = 0;
   int32_t SearchLength = 0;
   int32_t ReplaceLength = 0;
+  // The replacement text in the code page before escape parsing, and whether
+  // it holds the {TIME_STAMP} token: the receive thread rebuilds the
+  // replacement from these at each match and never reads the wide texts,
+  // which the option page may be changing at the same time.
+  std::array<uint8_t, kBytes> ReplaceTextBytes{};
+  int32_t ReplaceHasTimeStamp = 0;
 };
 
 // Port settings block (section COMMs).

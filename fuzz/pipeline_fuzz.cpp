@@ -57,7 +57,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     // Short patterns over few distinct bytes, so rules match often.
     FillBytes(in, rule.SearchBytes.data(), rule.SearchLength, 4);
     FillBytes(in, rule.ReplaceBytes.data(), rule.ReplaceLength, 8);
-    if (mode & 0x80) rule.wcszReplaceWith = u"<{TIME_STAMP}>";
+    if (mode & 0x80) {
+      const std::string text = "<{TIME_STAMP}>";
+      std::copy(text.begin(), text.end(), rule.ReplaceTextBytes.begin());
+      rule.ReplaceHasTimeStamp = 1;
+    }
   }
   FillBytes(in, settings.PostambleBytesRX.data(), settings.PostambleLengthRX, 15);
 

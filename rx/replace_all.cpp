@@ -112,6 +112,8 @@ PassResult ReplaceAllPass(core::AppState& state, core::DataBlock& block, core::S
   bool replacementHasZero = false;
   int64_t replacementChecked = -1;
   PassResult result;
+  // j is the match's place in the pending bytes; the first match found above
+  // is at their front.
   for (int64_t j = 0; j >= 0; j = pending.Find(pattern, searchLength)) {
     const int64_t p = static_cast<int64_t>(out.size()) + j;
     if (stamped) RebuildStampedReplacement(state, rule);

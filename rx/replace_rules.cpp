@@ -5,6 +5,7 @@
 
 #include "core/code_page.h"
 #include "rx/bracket_escapes.h"
+#include "rx/time_stamp_token.h"
 
 namespace wavetrace::rx {
 namespace {
@@ -40,6 +41,11 @@ int32_t ActiveRuleCount(const core::DataSettings& data) {
 void PrepareRule(core::SnRRule& rule) {
   rule.SearchLength = TextToRuleBytes(rule.wcszSearchFor, rule.SearchBytes);
   rule.ReplaceLength = TextToRuleBytes(rule.wcszReplaceWith, rule.ReplaceBytes);
+  const std::u16string_view replaceText = std::u16string_view(rule.wcszReplaceWith).substr(0, kRuleTextChars);
+  const std::string narrow = core::WideToBytes(replaceText);
+  rule.ReplaceTextBytes.fill(0);
+  std::copy(narrow.begin(), narrow.end(), rule.ReplaceTextBytes.begin());
+  rule.ReplaceHasTimeStamp = replaceText.find(kTimeStampToken) != std::u16string_view::npos;
 }
 
 void PrepareRules(core::DataSettings& data) {

@@ -18,7 +18,9 @@ inline constexpr size_t kRuleFieldChars = 40;
 int32_t ActiveRuleCount(const core::DataSettings& data);
 
 // Rebuilds one rule's byte fields from its texts: both zeroed, each text
-// converted to at most 41 bytes and escape-parsed in radix 16.
+// converted to at most 41 bytes and escape-parsed in radix 16; also the
+// unparsed replacement and its {TIME_STAMP} flag. The receive thread reads
+// only what this prepares, so a changed text takes effect when prepared.
 void PrepareRule(core::SnRRule& rule);
 // PrepareRule for rules 1..SnR_count (the page's apply and the loader).
 void PrepareRules(core::DataSettings& data);

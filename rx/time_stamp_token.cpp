@@ -4,14 +4,13 @@
 #include <mutex>
 #include <string>
 
-#include "core/code_page.h"
 #include "rx/bracket_escapes.h"
 #include "rx/time_stamp.h"
 
 namespace wavetrace::rx {
 
 bool HasTimeStampToken(const core::SnRRule& rule) {
-  return rule.wcszReplaceWith.find(kTimeStampToken) != std::u16string::npos;
+  return rule.ReplaceHasTimeStamp != 0;
 }
 
 void RebuildStampedReplacement(core::AppState& state, core::SnRRule& rule) {
@@ -23,16 +22,14 @@ void RebuildStampedReplacement(core::AppState& state, core::SnRRule& rule) {
     stamp.assign(current.begin(), std::find(current.begin(), current.end(), uint8_t{0}));
   }
   const size_t limit = core::SnRRule::kBytes - 1;
-  const std::string text = core::WideToBytes(std::u16string_view(rule.wcszReplaceWith).substr(0, limit));
+  const auto& prepared = rule.ReplaceTextBytes;
+  const std::string text(prepared.begin(), std::find(prepared.begin(), prepared.begin() + limit, uint8_t{0}));
   // Only the first token is replaced. The token is plain ASCII, so its place
-  // in the bytes is its place in the text. Each piece ends at a zero byte, as
-  // a terminated string would.
-  const auto piece = [](std::string part) { return part.substr(0, part.find('\0')); };
-  std::string composed = piece(text);
+  // in the bytes is its place in the text.
+  std::string composed = text;
   const size_t at = text.find("{TIME_STAMP}");
-  if (at != std::string::npos) {
-    composed = piece(text.substr(0, at)) + stamp + piece(text.substr(at + kTimeStampToken.size()));
-  }
+  if (at != std::string::npos)
+    composed = text.substr(0, at) + stamp + text.substr(at + kTimeStampToken.size());
   composed.resize(std::min(composed.size(), limit));
 
   rule.ReplaceBytes.fill(0);

@@ -135,6 +135,8 @@ TEST(StampedRuleTest, RebuiltReplacementIsCutAt41Bytes) {
   core::AppState state;
   core::SnRRule& rule = state.Data.SnR[1];
   rule.wcszReplaceWith = std::u16string(29, u'x') + u"{TIME_STAMP}";
+  PrepareRule(rule);
+  EXPECT_TRUE(HasTimeStampToken(rule));
   RebuildStampedReplacement(state, rule);
   const std::string stamp = StampText(state.Log.CurrentTimeStamp);
   ASSERT_EQ(stamp.size(), 19u);

@@ -40,7 +40,18 @@ inline constexpr auto kCells = MakeCells<Radix, Digits, Brackets>();
 template <bool VisiblePass, size_t Width>
 size_t Render(const CellTable<Width>& cells, const uint8_t* in, uint32_t length, uint8_t* out) {
   uint8_t* cursor = out;
-  for (uint32_t i = 0; i < length; ++i) {
+  uint32_t i = 0;
+  if constexpr (!VisiblePass && Width <= 4) {
+    // Two cells per store: the hex view's common case.
+    for (; i + 1 < length; i += 2) {
+      uint8_t pair[2 * Width];
+      std::memcpy(pair, cells[in[i]].data(), Width);
+      std::memcpy(pair + Width, cells[in[i + 1]].data(), Width);
+      std::memcpy(cursor, pair, sizeof pair);
+      cursor += sizeof pair;
+    }
+  }
+  for (; i < length; ++i) {
     const uint8_t byte = in[i];
     if (VisiblePass && static_cast<uint8_t>(byte - 33) < 94) {
       *cursor++ = byte;

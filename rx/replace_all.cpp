@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <vector>
 
 #include "core/allocation.h"
@@ -11,6 +12,37 @@
 
 namespace wavetrace::rx {
 namespace {
+
+// The block as built so far: appends only, grown by doubling.
+class Output {
+ public:
+  explicit Output(int64_t capacity) { Reserve(capacity); }
+
+  [[nodiscard]] int64_t Size() const { return size_; }
+  [[nodiscard]] const uint8_t* Data() const { return data_.get(); }
+  void Push(uint8_t byte) {
+    if (size_ == capacity_) Reserve(capacity_ * 2);
+    data_[size_++] = byte;
+  }
+  void Append(const uint8_t* bytes, int64_t count) {
+    if (size_ + count > capacity_) Reserve(std::max(capacity_ * 2, size_ + count));
+    std::memcpy(data_.get() + size_, bytes, static_cast<size_t>(count));
+    size_ += count;
+  }
+
+ private:
+  void Reserve(int64_t capacity) {
+    capacity = std::max<int64_t>(capacity, 64);
+    auto bigger = std::make_unique_for_overwrite<uint8_t[]>(static_cast<size_t>(capacity));
+    if (size_ > 0) std::memcpy(bigger.get(), data_.get(), static_cast<size_t>(size_));
+    data_ = std::move(bigger);
+    capacity_ = capacity;
+  }
+
+  std::unique_ptr<uint8_t[]> data_;
+  int64_t size_ = 0;
+  int64_t capacity_ = 0;
+};
 
 // The part of the block not yet searched: a few bytes of the last replacement
 // (kept reversed, so taking from and giving back to the front is cheap),
@@ -27,12 +59,12 @@ class Pending {
     return i < carry ? carry_[static_cast<size_t>(carry - 1 - i)] : source_[next_ + i - carry];
   }
 
-  void MoveTo(std::vector<uint8_t>& out, int64_t count) {
+  void MoveTo(Output& out, int64_t count) {
     for (; count > 0 && !carry_.empty(); --count) {
-      out.push_back(carry_.back());
+      out.Push(carry_.back());
       carry_.pop_back();
     }
-    out.insert(out.end(), source_ + next_, source_ + next_ + count);
+    out.Append(source_ + next_, count);
     next_ += count;
   }
   void Drop(int64_t count) {
@@ -59,7 +91,7 @@ class Pending {
   }
 
   // Appends everything still pending to out.
-  void Drain(std::vector<uint8_t>& out) { MoveTo(out, Size()); }
+  void Drain(Output& out) { MoveTo(out, Size()); }
 
  private:
   std::vector<uint8_t> carry_;
@@ -101,9 +133,8 @@ PassResult ReplaceAllPass(core::AppState& state, core::DataBlock& block, core::S
   if (first < 0) return {};
 
   bool plainInsertions = ZerosOnlyAtEnd(data, startLength) && !HasZero(pattern, searchLength);
-  std::vector<uint8_t> out;
-  out.reserve(static_cast<size_t>(startLength) + 64);
-  out.insert(out.end(), data, data + first);
+  Output out(startLength + 64);
+  out.Append(data, first);
   Pending pending(data, startLength, first);
 
   StepKind kind = StepKind::None;
@@ -115,7 +146,7 @@ PassResult ReplaceAllPass(core::AppState& state, core::DataBlock& block, core::S
   // j is the match's place in the pending bytes; the first match found above
   // is at their front.
   for (int64_t j = 0; j >= 0; j = pending.Find(pattern, searchLength)) {
-    const int64_t p = static_cast<int64_t>(out.size()) + j;
+    const int64_t p = out.Size() + j;
     if (stamped) RebuildStampedReplacement(state, rule);
     const int64_t replaceLength = std::clamp<int64_t>(rule.ReplaceLength, 0, core::SnRRule::kBytes);
     const uint8_t* replacement = rule.ReplaceBytes.data();
@@ -147,7 +178,7 @@ PassResult ReplaceAllPass(core::AppState& state, core::DataBlock& block, core::S
     plainInsertions = plainInsertions && !replacementHasZero;
     // The next search starts one byte after this match's start.
     if (replaceLength > 0) {
-      out.push_back(replacement[0]);
+      out.Push(replacement[0]);
       pending.PushFront(replacement + 1, replaceLength - 1);
     } else if (pending.Size() > 0) {
       pending.MoveTo(out, 1);
@@ -161,11 +192,11 @@ PassResult ReplaceAllPass(core::AppState& state, core::DataBlock& block, core::S
   if (kind == StepKind::Grow) {
     core::CharBuffer grown;
     if (core::AllocCharBuffer(state, grown, length) != 0) return {PassOutcome::Stopped, -1};
-    std::memcpy(grown.Data(), out.data(), out.size());
+    std::memcpy(grown.Data(), out.Data(), static_cast<size_t>(out.Size()));
     core::FreeBuffer(state, block.Buffer);
     block.Buffer = std::move(grown);
   } else if (kind != StepKind::None) {
-    std::memcpy(data, out.data(), out.size());
+    std::memcpy(data, out.Data(), static_cast<size_t>(out.Size()));
     if (kind == StepKind::Shrink) {
       data[length] = staleByte;
       std::memset(data + length + 1, 0, static_cast<size_t>(startLength - length));

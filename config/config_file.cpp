@@ -1,5 +1,6 @@
 #include "config/config_file.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -10,6 +11,8 @@
 #include "core/version.h"
 #include "platform/clock.h"
 #include "platform/files.h"
+#include "rx/postamble.h"
+#include "rx/replace_rules.h"
 
 namespace wavetrace::config {
 namespace {
@@ -48,6 +51,7 @@ class Writer {
   void Flag(const char* key, uint8_t value, bool = true) { Put(key, std::to_string(value)); }
   void Text(const char* key, const std::u16string& value, bool = true) { Put(key, Narrow(value)); }
   void Put(const std::string& key, const std::string& value) { ini_.Set(section_, key, value); }
+  void Delimiter(const std::array<uint8_t, 2>& delimiter);
 
  private:
   IniStore& ini_;
@@ -80,6 +84,7 @@ class Reader {
     std::string text;
     if (Get(key, text, counts)) value = Wide(text);
   }
+  void Delimiter(std::array<uint8_t, 2>& delimiter);
 
  private:
   IniStore& ini_;
@@ -118,6 +123,15 @@ void WalkDataSections(Io& io, Data& data) {
   io.Int("TRANSLATE_KEYBOARD_CODES", data.TRANSLATE_KEYBOARD_CODES, false);
 }
 
+template <typename Io, typename Data>
+void WalkRule(Io& io, Data& rule) {
+  io.Text("wcszSearchFor", rule.wcszSearchFor, false);
+  io.Text("wcszReplaceWith", rule.wcszReplaceWith, false);
+  io.Int("Rall", rule.Rall, false);
+  io.Int("Rfo", rule.Rfo, false);
+  io.Int("Rlo", rule.Rlo, false);
+}
+
 template <typename Io, typename Log>
 void WalkLogSection(Io& io, Log& log) {
   io.Section("DataLog");
@@ -126,10 +140,17 @@ void WalkLogSection(Io& io, Log& log) {
   io.Int("LOGtimestamp", log.LOGtimestamp);
   io.Int("LOGtransmitdata", log.LOGtransmitdata);
   io.Int("LOGoverwrite", log.LOGoverwrite);
+  io.Int("DateFormat", log.DateFormat, false);
+  io.Int("TimeFormat", log.TimeFormat, false);
   io.Int("RecordALL", log.RecordALL, false);
   io.Int("RecordInterval", log.RecordInterval, false);
   io.Int("RecordDuration", log.RecordDuration, false);
+  io.Delimiter(log.Delimiter);
+  io.Int("TSremoveCRLF", log.TSremoveCRLF, false);
 }
+
+// The delimiter is stored as a letter for the blank and the tab.
+constexpr std::pair<uint8_t, char> kDelimiters[] = {{',', ','}, {'\t', 'T'}, {';', ';'}, {' ', 'S'}};
 
 template <typename Io, typename Data>
 void WalkButtonSections(Io& io, Data& data) {
@@ -142,6 +163,68 @@ void WalkButtonSections(Io& io, Data& data) {
     io.Text("Data", data.SoftwareButtonData[static_cast<size_t>(n - 1)]);
     io.Text("Caption", data.SoftwareButtonCaption[static_cast<size_t>(n - 1)]);
   }
+}
+
+void Writer::Delimiter(const std::array<uint8_t, 2>& delimiter) {
+  for (auto [byte, letter] : kDelimiters) {
+    if (delimiter[0] == byte) Put("Delimiter", std::string(1, letter));
+  }
+}
+
+void Reader::Delimiter(std::array<uint8_t, 2>& delimiter) {
+  std::string text;
+  if (!Get("Delimiter", text, false) || text.empty()) return;
+  for (auto [byte, letter] : kDelimiters) {
+    if (text[0] == letter) delimiter = {byte, 0};
+  }
+}
+
+void SavePostambleAndRules(Writer& w, const core::DataSettings& data) {
+  w.Section("POSTAMBLE");
+  w.Text("wcszPostambleKeysRX", data.wcszPostambleKeysRX);
+  w.Int("PostambleLengthRX", data.PostambleLengthRX);
+  w.Text("wcszPostambleKeysTX", data.wcszPostambleKeysTX);
+  w.Int("PostambleLengthTX", data.PostambleLengthTX);
+  w.Section("SnR");
+  w.Int("SnR_count", data.SnR_count);
+  w.Int("DisableSnR", data.DisableSnR);
+  for (int n = 1; n <= data.SnR_count && n <= core::DataSettings::kMaxSnRRules; ++n) {
+    w.Section(Numbered("SnR_%02d", n));
+    core::SnRRule rule = data.SnR[static_cast<size_t>(n)];
+    WalkRule(w, rule);
+  }
+}
+
+// A postamble's keys text is stored; its length always comes from parsing it.
+void LoadPostamble(Reader& r, const char* keysKey, const char* lengthKey, std::u16string& keys,
+                   std::array<uint8_t, core::DataSettings::kPostambleChars>& bytes, int32_t& length) {
+  std::string text;
+  if (!r.Get(keysKey, text, true)) return;
+  keys = Wide(text);
+  r.Int(lengthKey, length, false);
+  bytes.fill(0);
+  length = rx::ParsePostambleText(keys, rx::kPostambleLoadBytes, bytes);
+}
+
+void LoadPostambleAndRules(Reader& r, core::DataSettings& data) {
+  r.Section("POSTAMBLE");
+  LoadPostamble(r, "wcszPostambleKeysRX", "PostambleLengthRX", data.wcszPostambleKeysRX,
+                data.PostambleBytesRX, data.PostambleLengthRX);
+  LoadPostamble(r, "wcszPostambleKeysTX", "PostambleLengthTX", data.wcszPostambleKeysTX,
+                data.PostambleBytesTX, data.PostambleLengthTX);
+  r.Section("SnR");
+  std::string countText;
+  if (!r.Get("SnR_count", countText, true)) return;
+  for (auto& rule : data.SnR) rule = core::SnRRule{};
+  data.DisableSnR = 0;
+  // The table has two rules: a larger count in a file is held to that.
+  data.SnR_count = std::clamp(std::atoi(countText.c_str()), 0, core::DataSettings::kMaxSnRRules);
+  r.Int("DisableSnR", data.DisableSnR, false);
+  for (int n = 1; n <= data.SnR_count; ++n) {
+    r.Section(Numbered("SnR_%02d", n));
+    WalkRule(r, data.SnR[static_cast<size_t>(n)]);
+  }
+  rx::PrepareRules(data);
 }
 
 std::u16string VersionText() {
@@ -272,6 +355,7 @@ int ConfigSave(AppState& state, const std::u16string& path) {
   w.Text("OS", OsText(state));
   SavePortSection(w, state.Port);
   WalkDataSections(w, state.Data);
+  SavePostambleAndRules(w, state.Data);
   WalkLogSection(w, state.Log);
   SaveHistory(w, state.Screen);
   WalkButtonSections(w, state.Data);
@@ -316,6 +400,7 @@ int ConfigLoadStore(AppState& state, IniStore& ini, const std::u16string& path) 
   Reader r(ini, state.LoadWarnings);
   LoadPortSection(r, state.Port);
   WalkDataSections(r, state.Data);
+  LoadPostambleAndRules(r, state.Data);
   WalkLogSection(r, state.Log);
   LoadHistory(r, state.Screen);
   WalkButtonSections(r, state.Data);

@@ -7,6 +7,8 @@
 #include "core/code_page.h"
 #include "core/messages.h"
 #include "platform/files.h"
+#include "rx/postamble.h"
+#include "rx/replace_rules.h"
 #include "test_support.h"
 
 namespace wavetrace::config {
@@ -59,6 +61,21 @@ void SetEverything(AppState& s) {
   d.SoftwareButtonData[1] = u"{PLAY}";
   d.SoftwareButtonCaption[0] = u"Reset";
   d.SoftwareButtonCaption[1] = u"Go";
+  d.wcszPostambleKeysRX = u"[0D][0A]";
+  d.PostambleLengthRX =
+      rx::ParsePostambleText(d.wcszPostambleKeysRX, rx::kPostambleLoadBytes, d.PostambleBytesRX);
+  d.wcszPostambleKeysTX = u"[0D]";
+  d.PostambleLengthTX =
+      rx::ParsePostambleText(d.wcszPostambleKeysTX, rx::kPostambleLoadBytes, d.PostambleBytesTX);
+  d.SnR_count = 2;
+  d.DisableSnR = 1;
+  d.SnR[1].wcszSearchFor = u"$GP";
+  d.SnR[1].wcszReplaceWith = u"[0D][0A]$GP";
+  d.SnR[2].wcszSearchFor = u"OK";
+  d.SnR[2].wcszReplaceWith = u"{TIME_STAMP} OK";
+  d.SnR[2].Rall = 0;
+  d.SnR[2].Rlo = 1;
+  rx::PrepareRules(d);
   auto& l = s.Log;
   l.wszLogDir = u"/home/me/logs/";
   l.wszLogFile = u"run.log.txt";
@@ -68,6 +85,10 @@ void SetEverything(AppState& s) {
   l.RecordALL = 0;
   l.RecordInterval = 60;
   l.RecordDuration = 5;
+  l.DateFormat = 3;
+  l.TimeFormat = 7;
+  l.Delimiter = {';', 0};
+  l.TSremoveCRLF = 1;
   s.Screen.SetTxHistory({u"first", u"second [0D]", u"third"});
   s.Screen.SetTxSelection(2);
 }
@@ -200,6 +221,41 @@ TEST_F(ConfigFileTest, AHandwrittenFileLoadsWithItsQuirks) {
   char expected[32];
   std::snprintf(expected, sizeof expected, "]*\r\n(LW=%02d)", state.LoadWarnings);
   EXPECT_NE(state.Screen.Status().find(core::Utf8ToWide(expected)), std::u16string::npos);
+}
+
+TEST_F(ConfigFileTest, PostambleRulesAndDelimiterQuirks) {
+  const std::string head = "[Wavetrace Pro]\r\nConfigFile=1\r\n" + std::string(64, ';') + "\r\n";
+  struct Case {
+    std::string body;
+    int32_t postambleLength;
+    int32_t rules;
+    uint8_t delimiter;
+  };
+  const Case cases[] = {
+      // The length always comes from parsing the text.
+      {"[POSTAMBLE]\r\nwcszPostambleKeysRX=[0D][00]\r\nPostambleLengthRX=9\r\n", 2, 0, ','},
+      // A length without its text is not read.
+      {"[POSTAMBLE]\r\nPostambleLengthRX=9\r\n", 0, 0, ','},
+      // More rules than the table holds.
+      {"[SnR]\r\nSnR_count=7\r\n[SnR_01]\r\nwcszSearchFor=a\r\n[SnR_02]\r\nwcszSearchFor=b\r\n", 0, 2, ','},
+      {"[DataLog]\r\nDelimiter=X\r\n", 0, 0, ','},
+      {"[DataLog]\r\nDelimiter=T\r\n", 0, 0, '\t'},
+      {"[DataLog]\r\nDelimiter=semi\r\n", 0, 0, ','},  // letters count in upper case only
+      {"[DataLog]\r\nDelimiter=Semi\r\n", 0, 0, ' '},  // the first character decides
+      {"[DataLog]\r\nDelimiter=S\r\n", 0, 0, ' '},
+  };
+  for (const auto& c : cases) {
+    AppState s;
+    ASSERT_EQ(ConfigLoad(s, Write("q.cfg.txt", head + c.body)), 0) << c.body;
+    EXPECT_EQ(s.Data.PostambleLengthRX, c.postambleLength) << c.body;
+    EXPECT_EQ(s.Data.SnR_count, c.rules) << c.body;
+    EXPECT_EQ(s.Log.Delimiter[0], c.delimiter) << c.body;
+  }
+  // A delimiter outside the four leaves no line at all.
+  state.Log.Delimiter = {'|', 0};
+  ASSERT_EQ(ConfigSave(state, Path("d.cfg.txt")), 0);
+  EXPECT_EQ(platform::ReadWholeFile(folder.Path() + "/d.cfg.txt").value_or("").find("Delimiter"),
+            std::string::npos);
 }
 
 TEST_F(ConfigFileTest, AFileThatCannotBeWrittenIsReported) {

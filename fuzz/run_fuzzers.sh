@@ -1,0 +1,36 @@
+#!/bin/sh
+# Runs every fuzz target of a build directory for SECONDS seconds each and
+# fails when any of them finds a crash, a leak or a sanitizer error.
+# Usage: fuzz/run_fuzzers.sh BUILD_DIR SECONDS
+set -eu
+
+if [ "$#" -ne 2 ]; then
+  echo "usage: $0 BUILD_DIR SECONDS" >&2
+  exit 2
+fi
+build_dir=$1
+seconds=$2
+
+targets=$(find "$build_dir/fuzz" -maxdepth 1 -type f -name '*_fuzz' -perm -u+x 2>/dev/null | sort)
+if [ -z "$targets" ]; then
+  echo "no fuzz targets in $build_dir/fuzz (configure with clang and -DWAVETRACE_FUZZ=ON)" >&2
+  exit 2
+fi
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+failed=0
+for target in $targets; do
+  name=$(basename "$target")
+  mkdir -p "$work/$name" "$build_dir/fuzz/artifacts"
+  echo "== $name for ${seconds}s"
+  if "$target" -max_total_time="$seconds" -timeout=60 -rss_limit_mb=4096 \
+      -artifact_prefix="$build_dir/fuzz/artifacts/$name-" "$work/$name" >"$work/$name.log" 2>&1; then
+    tail -n 1 "$work/$name.log"
+  else
+    echo "!! $name failed; log:" >&2
+    tail -n 40 "$work/$name.log" >&2
+    failed=1
+  fi
+done
+exit "$failed"

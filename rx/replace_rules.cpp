@@ -1,0 +1,148 @@
+#include "rx/replace_rules.h"
+
+#include <algorithm>
+#include <string>
+
+#include "core/code_page.h"
+#include "rx/bracket_escapes.h"
+#include "rx/time_stamp_token.h"
+
+namespace wavetrace::rx {
+namespace {
+
+constexpr int32_t kMaxRules = core::DataSettings::kMaxSnRRules;
+
+int32_t TextToRuleBytes(std::u16string_view text, std::array<uint8_t, core::SnRRule::kBytes>& bytes) {
+  bytes.fill(0);
+  const std::string narrow = core::WideToBytes(text.substr(0, kRuleTextChars));
+  std::copy(narrow.begin(), narrow.end(), bytes.begin());
+  return ParseBracketEscapes(bytes, 16);
+}
+
+void MoveRuleInto(core::SnRRule& to, core::SnRRule& from) {
+  to.wcszSearchFor = std::move(from.wcszSearchFor);
+  to.wcszReplaceWith = std::move(from.wcszReplaceWith);
+  to.Rall = from.Rall;
+  to.Rfo = from.Rfo;
+  to.Rlo = from.Rlo;
+  ClearRule(from);
+}
+
+int32_t CurrentIndex(const core::DataSettings& data) {
+  return std::clamp(data.SnRCurrentRule, 1, kMaxRules);
+}
+
+}  // namespace
+
+int32_t ActiveRuleCount(const core::DataSettings& data) {
+  return std::clamp(data.SnR_count, 0, kMaxRules);
+}
+
+void PrepareRule(core::SnRRule& rule) {
+  rule.SearchLength = TextToRuleBytes(rule.wcszSearchFor, rule.SearchBytes);
+  rule.ReplaceLength = TextToRuleBytes(rule.wcszReplaceWith, rule.ReplaceBytes);
+  const std::u16string_view replaceText = std::u16string_view(rule.wcszReplaceWith).substr(0, kRuleTextChars);
+  const std::string narrow = core::WideToBytes(replaceText);
+  rule.ReplaceTextBytes.fill(0);
+  std::copy(narrow.begin(), narrow.end(), rule.ReplaceTextBytes.begin());
+  rule.ReplaceHasTimeStamp = replaceText.find(kTimeStampToken) != std::u16string_view::npos;
+}
+
+void PrepareRules(core::DataSettings& data) {
+  for (int32_t i = 1; i <= ActiveRuleCount(data); ++i) PrepareRule(data.SnR[i]);
+}
+
+void ClearRule(core::SnRRule& rule) {
+  rule = core::SnRRule{};
+}
+
+void CompactRules(core::DataSettings& data) {
+  for (int32_t i = 1; i <= ActiveRuleCount(data); ++i) {
+    if (!data.SnR[i].wcszSearchFor.empty()) continue;
+    for (int32_t later = i + 1; later <= kMaxRules; ++later) {
+      if (!data.SnR[later].wcszSearchFor.empty()) {
+        MoveRuleInto(data.SnR[i], data.SnR[later]);
+        break;
+      }
+    }
+  }
+}
+
+RuleFields RuleFieldsOf(const core::DataSettings& data, int32_t index) {
+  const core::SnRRule& rule = data.SnR[std::clamp(index, 1, kMaxRules)];
+  RuleFields fields;
+  fields.SearchFor = rule.wcszSearchFor;
+  fields.ReplaceWith = rule.wcszReplaceWith;
+  fields.Rall = rule.Rall;
+  fields.Rfo = rule.Rfo;
+  fields.Rlo = rule.Rlo;
+  return fields;
+}
+
+void StoreRuleFields(core::DataSettings& data, const RuleFields& fields) {
+  core::SnRRule& rule = data.SnR[CurrentIndex(data)];
+  rule.wcszSearchFor = fields.SearchFor.substr(0, kRuleTextChars);
+  rule.wcszReplaceWith = fields.ReplaceWith.substr(0, kRuleTextChars);
+  rule.Rall = fields.Rall;
+  rule.Rfo = fields.Rfo;
+  rule.Rlo = fields.Rlo;
+}
+
+std::u16string RuleCaption(const core::DataSettings& data) {
+  const std::string text = std::to_string(data.SnRCurrentRule) + " / " + std::to_string(data.SnR_count);
+  return core::BytesToWide(text);
+}
+
+bool CanAddRule(const core::DataSettings& data) {
+  return data.SnR_count < kMaxRules;
+}
+
+void SelectRule(core::DataSettings& data, const RuleFields& fields, int32_t index) {
+  StoreRuleFields(data, fields);
+  data.SnRCurrentRule = std::clamp(index, 1, std::max(1, ActiveRuleCount(data)));
+}
+
+bool AddRule(core::DataSettings& data, const RuleFields& fields) {
+  if (!CanAddRule(data)) return false;
+  StoreRuleFields(data, fields);
+  // The rule being edited counts as in use even before the first apply.
+  data.SnR_count = std::max(ActiveRuleCount(data), CurrentIndex(data));
+  if (data.SnR_count >= kMaxRules) return true;
+  data.SnR_count += 1;
+  ClearRule(data.SnR[data.SnR_count]);
+  data.SnRCurrentRule = data.SnR_count;
+  return true;
+}
+
+void RemoveRule(core::DataSettings& data) {
+  for (int32_t i = CurrentIndex(data); i < kMaxRules; ++i) MoveRuleInto(data.SnR[i], data.SnR[i + 1]);
+  ClearRule(data.SnR[kMaxRules]);
+  // The list keeps one slot through this button, deliberately: removing the
+  // only rule leaves an empty rule 1 rather than no rule at all.
+  if (data.SnR_count > 1) data.SnR_count = ActiveRuleCount(data) - 1;
+  data.SnRCurrentRule = std::clamp(data.SnRCurrentRule, 1, std::max(1, ActiveRuleCount(data)));
+}
+
+bool InsertRule(core::DataSettings& data) {
+  if (!CanAddRule(data)) return false;
+  const int32_t current = CurrentIndex(data);
+  for (int32_t i = kMaxRules; i > current; --i) MoveRuleInto(data.SnR[i], data.SnR[i - 1]);
+  ClearRule(data.SnR[current]);
+  data.SnR_count = std::max(ActiveRuleCount(data) + 1, current);
+  return true;
+}
+
+void ApplyRulePage(core::DataSettings& data, const RuleFields& fields) {
+  StoreRuleFields(data, fields);
+  CompactRules(data);
+  data.SnR_count = 0;
+  for (int32_t i = kMaxRules; i >= 1; --i) {
+    if (!data.SnR[i].wcszSearchFor.empty()) {
+      data.SnR_count = i;
+      break;
+    }
+  }
+  PrepareRules(data);
+}
+
+}  // namespace wavetrace::rx

@@ -4,6 +4,7 @@
 
 #include "core/reporting.h"
 #include "rx/receive_window.h"
+#include "serial/rx_thread.h"
 
 namespace wavetrace::app {
 namespace {
@@ -13,9 +14,8 @@ using platform::SuspendableThread;
 constexpr int kUpdateCycleMs = 200;
 constexpr int kIntervalCheckMs = 100;
 
-// The receive and transmit threads live parked: PLAY and SEND resume them,
-// and they park again when their work is done. They end when they wake and
-// find the program shutting down.
+// The transmit thread lives parked: SEND resumes it, and it parks again when
+// its work is done. It ends when it wakes and finds the program shutting down.
 void PortThreadBody(core::AppState& state, SuspendableThread& self) {
   while (!state.ShuttingDown) {
     if (!self.Park()) return;
@@ -60,7 +60,7 @@ int CreateWorkerThreads(core::AppState& state) {
     const char16_t* failure;
   };
   Spec specs[] = {
-      {state.RxThread, "RxThread", [&state](SuspendableThread& t) { PortThreadBody(state, t); }, true,
+      {state.RxThread, "RxThread", [&state](SuspendableThread& t) { serial::RxThread(state, t); }, true,
        u"Error creating RxThread."},
       {state.TxThread, "TxThread", [&state](SuspendableThread& t) { PortThreadBody(state, t); }, true,
        u"Error creating TxThread."},

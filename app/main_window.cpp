@@ -11,6 +11,7 @@
 #include "core/messages.h"
 #include "core/reporting.h"
 #include "core/shared_field.h"
+#include "platform/display_control.h"
 #include "rx/log_cache.h"
 #include "serial/discovery.h"
 #include "serial/port.h"
@@ -23,8 +24,8 @@ using namespace core::cmd;
 // Commands whose features are not part of the program yet: their menu items
 // and buttons stay grey and the window ignores them.
 constexpr std::array kUnavailable = {
-    kTransmitOptions, kReceiveOptions, kAsciiChart, kScreenOff, kSoftwareButtons, kCommPinouts,
-    kHelp,            kRunScript,      kSend,       kRepeat,    kRecord,          kRelay,
+    kTransmitOptions, kReceiveOptions, kAsciiChart, kSoftwareButtons, kCommPinouts, kHelp,
+    kRunScript,       kSend,           kRepeat,     kRecord,          kRelay,
 };
 
 bool IsUnavailable(int command) {
@@ -64,9 +65,24 @@ void ClearSendHistory(core::AppState& state) {
   state.Screen.SetTxSelection(-1);
 }
 
+void SetDisplayPower(core::AppState& state, int32_t powerState) {
+  state.DisplayPower.Length = 12;
+  state.DisplayPower.Version = 1;
+  core::StoreShared(state.DisplayPower.PowerState, powerState);
+}
+
+// Command 235: the display goes dark while the program goes on working.
+void DisplayOff(core::AppState& state) {
+  if (!state.Display || !state.Display->CanSwitchOff()) return;
+  SetDisplayPower(state, core::kDisplayPowerOff);
+  state.Display->SwitchOff();
+}
+
+// Enter (character 13) while the program has the display off.
 void DisplayOn(core::AppState& state) {
   if (state.DisplayPower.PowerState != core::kDisplayPowerOff) return;
-  state.DisplayPower = {12, 1, core::kDisplayPowerOn};
+  SetDisplayPower(state, core::kDisplayPowerOn);
+  if (state.Display) state.Display->SwitchOn();
 }
 
 // Every 500 ms: while a port is open the machine must not idle into sleep,
@@ -74,7 +90,8 @@ void DisplayOn(core::AppState& state) {
 // not the active one.
 void KeepAlive(core::AppState& state) {
   if (!state.PortOpen) return;
-  if (state.DisplayPower.PowerState == core::kDisplayPowerOff) {
+  if (state.Display) state.Display->ResetIdleTimer();
+  if (state.DisplayPower.PowerState == core::kDisplayPowerOff && state.View && !state.View->WindowActive()) {
     state.Queue.Send(core::MakeMessage(core::kWmChar, 13));
   }
 }
@@ -112,6 +129,9 @@ int64_t OnCommand(core::AppState& state, int command, int64_t source) {
       return 0;
     case kPlay:
       Play(state);
+      return 0;
+    case kScreenOff:
+      DisplayOff(state);
       return 0;
     case kStop:
       Stop(state);
@@ -234,6 +254,7 @@ int CreateMainWindow(core::AppState& state) {
     return -1;
   }
   state.MainWindowExists = true;
+  if (!state.Display) state.Display = std::make_unique<platform::DisplayControl>();
   ShowClosedControls(state);
   state.Queue.SetTimer(core::kKeepAliveTimerId, core::kKeepAliveIntervalMs);
   state.KeepAliveTimerRunning = true;

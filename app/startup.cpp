@@ -7,6 +7,7 @@
 #include "core/messages.h"
 #include "core/reporting.h"
 #include "core/version.h"
+#include "platform/display_control.h"
 #include "platform/files.h"
 #include "platform/instance_lock.h"
 #include "rx/log_cache.h"
@@ -118,6 +119,9 @@ std::vector<std::u16string> WelcomeTextPieces(bool automationMode, const std::u1
 void OnFirstPaint(core::AppState& state) {
   if (state.FirstPaintState != 2) return;
   state.FirstPaintState = 1;
+  // A display the program cannot switch off has no "ScreenOff".
+  if (!state.Display || !state.Display->CanSwitchOff())
+    state.Screen.GreyMenuItem(core::cmd::kScreenOff, true);
   for (const auto& piece : WelcomeTextPieces(state.AutomationMode != 0, state.Switches.ScriptPath)) {
     state.Screen.RxInsertAtCaret(piece);
   }

@@ -1,5 +1,6 @@
 #include "core/app_state.h"
 
+#include "platform/display_control.h"
 #include "platform/instance_lock.h"
 
 namespace wavetrace::core {

@@ -19,6 +19,7 @@
 #include "platform/suspendable_thread.h"
 
 namespace wavetrace::platform {
+class DisplayControl;
 class InstanceLock;
 }  // namespace wavetrace::platform
 
@@ -62,6 +63,7 @@ struct AppState {
   std::u16string ConfigFolder;  // where the registry file and Default.cfg.txt live
   std::string RegistryFile;     // the registry of this install (a file in ConfigFolder)
   std::unique_ptr<platform::InstanceLock> Instance;
+  std::unique_ptr<platform::DisplayControl> Display;
 
   // --- threads (null stands for the invalid handle) -----------------------
   std::unique_ptr<platform::SuspendableThread> RxThread;

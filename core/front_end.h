@@ -33,6 +33,9 @@ class FrontEnd {
   virtual void ShowAbout(std::u16string_view releaseLine, bool automationMode) = 0;
   // The program options page.
   virtual void ShowProgramOptions() = 0;
+  // Whether the main window is the active window (a display switched off by
+  // the program comes back when another window takes over).
+  [[nodiscard]] virtual bool WindowActive() const { return true; }
   // The communication properties pages (port, line setting, flow control).
   virtual void ShowCommProperties() {}
   // Lets the user pick a configuration file to load (save false) or to save

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "core/shared_field.h"
+#include "platform/display_control.h"
 #include "rx/log_cache.h"
 
 namespace wavetrace::rx {
@@ -60,6 +61,11 @@ void RefreshReceiveWindow(core::AppState& state) {
   char16_t* buffer = state.g_RxWindowBuf.Data();
   auto n = static_cast<int32_t>(WideLength(buffer, kRxWindowChars));
   if (n == 0) return;
+  // Data arriving keeps the display awake, unless the program switched it off.
+  if (core::LoadShared(state.Data.RxBacklightEvent) &&
+      core::LoadShared(state.DisplayPower.PowerState) != core::kDisplayPowerOff && state.Display) {
+    state.Display->ResetIdleTimer();
+  }
   auto& screen = state.Screen;
   std::u16string_view waiting(buffer, static_cast<size_t>(n));
   screen.RxSetRedraw(false);

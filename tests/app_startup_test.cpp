@@ -185,6 +185,23 @@ TEST(StartUp, ExitEndsEveryThreadAndFreesTheBuffers) {
   EXPECT_EQ(s.Queue.NextTimerDelayMs(), -1);
 }
 
+TEST(StartUp, WithoutADisplayToSwitchOffScreenOffIsGrey) {
+  TempFolder folder;
+  WriteRegistry(folder.Path(), 2, 71);
+  const char* display = std::getenv("DISPLAY");
+  std::string saved = display ? display : "";
+  unsetenv("DISPLAY");
+  Start start(folder.Path());
+  if (!saved.empty()) setenv("DISPLAY", saved.c_str(), 1);
+  ASSERT_EQ(start.result, 0);
+  EXPECT_FALSE(start.state.Screen.IsMenuItemGrey(core::cmd::kScreenOff));
+  OnFirstPaint(start.state);
+  EXPECT_TRUE(start.state.Screen.IsMenuItemGrey(core::cmd::kScreenOff));
+  // The command then changes nothing.
+  start.state.Queue.SendCommand(core::cmd::kScreenOff);
+  EXPECT_EQ(start.state.DisplayPower.PowerState, 0);
+}
+
 TEST(StartUp, DisableIconKeepsTheNotificationOff) {
   TempFolder folder;
   WriteRegistry(folder.Path(), 2, 71);

@@ -41,6 +41,7 @@ int main(int argc, char** argv) {
     std::fputs(app::VersionText().c_str(), stdout);
     return 0;
   }
+  if (commandLine.ListPorts) return app::ListPorts();
   if (commandLine.Switches.NoGui) return app::RunHeadless(commandLine);
   if (!HasDisplay()) {
     std::fputs(

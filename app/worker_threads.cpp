@@ -52,14 +52,14 @@ std::unique_ptr<SuspendableThread> Create(const char* name, SuspendableThread::B
 }  // namespace
 
 int CreateWorkerThreads(core::AppState& state) {
-  struct Spec {
+  struct ThreadPlan {
     std::unique_ptr<SuspendableThread>& slot;
     const char* name;
     SuspendableThread::Body body;
     bool suspended;
     const char16_t* failure;
   };
-  Spec specs[] = {
+  ThreadPlan plans[] = {
       {state.RxThread, "RxThread", [&state](SuspendableThread& t) { serial::RxThread(state, t); }, true,
        u"Error creating RxThread."},
       {state.TxThread, "TxThread", [&state](SuspendableThread& t) { PortThreadBody(state, t); }, true,
@@ -70,10 +70,10 @@ int CreateWorkerThreads(core::AppState& state) {
        [&state](SuspendableThread& t) { CyclingThreadBody(state, t, kIntervalCheckMs); }, false,
        u"Error creating LogIntervalThread."},
   };
-  for (auto& spec : specs) {
-    spec.slot = Create(spec.name, std::move(spec.body), spec.suspended);
-    if (!spec.slot) {
-      core::ShowErrorBox(state, spec.failure);
+  for (auto& plan : plans) {
+    plan.slot = Create(plan.name, std::move(plan.body), plan.suspended);
+    if (!plan.slot) {
+      core::ShowErrorBox(state, plan.failure);
       return -1;
     }
   }

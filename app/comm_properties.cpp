@@ -1,6 +1,19 @@
 #include "app/comm_properties.h"
 
+#include <algorithm>
+
 namespace wavetrace::app {
+
+bool IsStandardBaud(uint32_t baud) {
+  return std::find(std::begin(kStandardBauds), std::end(kStandardBauds), baud) != std::end(kStandardBauds);
+}
+
+void SetBaud(core::PortSettings& port, uint32_t baud) {
+  port.SelectedBaud = baud;
+  if (IsStandardBaud(baud)) return;
+  port.CustomBaud_01 = baud;
+  port.CustomBauds_count = 1;
+}
 
 int ApplyPortPages(core::AppState& state, const core::PortSettings& edited) {
   bool portChanged = edited.SelectedPort != state.Port.SelectedPort;

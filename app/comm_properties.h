@@ -9,8 +9,13 @@ namespace wavetrace::app {
 // setting (speed, format and the flow flags) returns with it. Always 1.
 int ApplyPortPages(core::AppState& state, const core::PortSettings& edited);
 
+// Sets the line speed; a rate the baud list does not offer becomes the one
+// custom rate.
+void SetBaud(core::PortSettings& port, uint32_t baud);
+bool IsStandardBaud(uint32_t baud);
+
 // The rates the baud list offers; any other is entered as the custom rate.
-inline constexpr uint32_t kStandardBauds[] = {110,   300,   600,    1200,   2400,   4800,   9600,   14400,
-                                              19200, 38400, 57600,  115200, 230400, 460800, 921600};
+inline constexpr uint32_t kStandardBauds[] = {110,   300,   600,   1200,   2400,   4800,   9600,  14400,
+                                              19200, 38400, 57600, 115200, 230400, 460800, 921600};
 
 }  // namespace wavetrace::app

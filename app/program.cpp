@@ -42,12 +42,12 @@ std::string PortTableText(core::AppState& state) {
   std::string text;
   for (int slot = 0; slot < core::kPortSlots; ++slot) {
     auto index = static_cast<size_t>(slot);
-    char name[8];
-    std::snprintf(name, sizeof name, slot < 10 ? "COM%d:" : "VSP%d:", slot % 10);
+    std::string name = core::WideToUtf8(core::PortSlotName(slot));
     char line[512];
-    std::snprintf(
-        line, sizeof line, "%-6s %-8s %-40s %s\n", name, state.Port.PortPresent[index] ? "present" : "-",
-        core::WideToUtf8(state.Port.FriendlyName[index]).c_str(), state.PortDevicePath[index].c_str());
+    std::snprintf(line, sizeof line, "%-6s %-8s %-40s %s\n", name.c_str(),
+                  state.Port.PortPresent[index] ? "present" : "-",
+                  core::WideToUtf8(state.Port.FriendlyName[index]).c_str(),
+                  state.PortDevicePath[index].c_str());
     text += line;
   }
   return text;

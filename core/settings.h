@@ -38,6 +38,11 @@ struct SnRRule {
 
 inline constexpr int kPortSlots = 20;  // COM0..COM9, VSP0..VSP9
 
+// "COM0:".."COM9:" for slots 0..9, "VSP0:".."VSP9:" for 10..19.
+std::u16string PortSlotName(int slot);
+// The slot a name stands for, or -1.
+int PortSlotOfName(const std::u16string& name);
+
 // Port settings block (section COMMs) with the port table's flags and names.
 struct PortSettings {
   PortSettings();

@@ -8,15 +8,6 @@
 namespace wavetrace::serial {
 namespace {
 
-// "COM3:" -> 3, "VSP0:" -> 10; -1 for anything else.
-int SlotOfName(const std::u16string& name) {
-  if (name.size() != 5 || name[4] != u':' || name[3] < u'0' || name[3] > u'9') return -1;
-  std::u16string kind = name.substr(0, 3);
-  if (kind == u"COM") return name[3] - u'0';
-  if (kind == u"VSP") return 10 + (name[3] - u'0');
-  return -1;
-}
-
 void SetPort(core::AppState& state, std::shared_ptr<platform::SerialPort> port) {
   std::lock_guard lock(state.PortHandleMutex);
   state.PortHandle = std::move(port);
@@ -55,7 +46,7 @@ std::string ResolvePortPath(const core::AppState& state) {
   const std::u16string& selected = state.Port.SelectedPort;
   std::u16string name = selected == u"RawIr" ? state.Port.RawIrPort : selected;
   if (!name.empty() && name[0] == u'/') return core::WideToUtf8(name);
-  int slot = SlotOfName(name);
+  int slot = core::PortSlotOfName(name);
   if (slot < 0) return {};
   return state.PortDevicePath[static_cast<size_t>(slot)];
 }

@@ -2,9 +2,9 @@
 
 #include <cerrno>
 
+#include "app/comm_properties.h"
 #include "core/code_page.h"
 #include "platform/pty.h"
-#include "app/comm_properties.h"
 #include "serial/port.h"
 #include "test_support.h"
 
@@ -119,6 +119,22 @@ TEST_F(PortOnPtyTest, ARefusedLineSettingIsReportedAndClosesThePort) {
 
 namespace wavetrace::app {
 namespace {
+
+TEST(CommProperties, SlotNamesAndTheCustomRate) {
+  for (int slot = 0; slot < core::kPortSlots; ++slot)
+    EXPECT_EQ(core::PortSlotOfName(core::PortSlotName(slot)), slot);
+  EXPECT_EQ(core::PortSlotName(3), u"COM3:");
+  EXPECT_EQ(core::PortSlotName(10), u"VSP0:");
+  core::PortSettings port;
+  SetBaud(port, 115200);
+  EXPECT_EQ(port.SelectedBaud, 115200u);
+  EXPECT_EQ(port.CustomBaud_01, 0u);
+  SetBaud(port, 31250);
+  EXPECT_EQ(port.CustomBaud_01, 31250u);
+  EXPECT_EQ(port.CustomBauds_count, 1);
+  SetBaud(port, 9600);  // a standard rate leaves the custom one in its slot
+  EXPECT_EQ(port.CustomBaud_01, 31250u);
+}
 
 TEST(CommProperties, ChangingBackToTheLoadedPortBringsItsLineSettingBack) {
   core::AppState state;

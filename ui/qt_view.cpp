@@ -12,11 +12,13 @@
 #include <QThread>
 #include <QTimer>
 
+#include "app/comm_properties.h"
 #include "app/startup.h"
 #include "config/program_options.h"
 #include "core/messages.h"
 #include "core/reporting.h"
 #include "ui/about_dialog.h"
+#include "ui/comm_properties_dialog.h"
 #include "ui/main_window_widget.h"
 #include "ui/program_options_dialog.h"
 #include "ui/receive_view.h"
@@ -267,6 +269,17 @@ void QtView::ShowProgramOptions() {
   options.DisableIcon = values.DisableIcon;
   bool saved = config::SaveProgramOptions(state_) == 0;
   core::ShowStatus(state_, saved ? u"Program Options saved." : u"Program Options could not be saved.");
+}
+
+void QtView::ShowCommProperties() {
+  CommPropertiesDialog dialog(state_.Port, state_.PortDevicePath, BoxParent());
+  dialog.setFont(window_->font());
+  // On a small screen the pages take the window's room, not more.
+  dialog.resize(dialog.sizeHint().boundedTo(window_->size()));
+  if (dialog.exec() != QDialog::Accepted) return;
+  core::PortSettings edited = state_.Port;
+  dialog.WriteValues(edited);
+  app::ApplyPortPages(state_, edited);
 }
 
 std::u16string QtView::ChooseConfigFile(bool save, std::u16string_view current) {

@@ -44,6 +44,7 @@ class QtView : public QObject, public core::FrontEnd {
   void RenderScreenChanges() override;
   void ShowAbout(std::u16string_view releaseLine, bool automationMode) override;
   void ShowProgramOptions() override;
+  void ShowCommProperties() override;
   std::u16string ChooseConfigFile(bool save, std::u16string_view current) override;
 
  private:

@@ -13,6 +13,7 @@
 
 #include "core/reporting.h"
 #include "tests/qt/gui_program.h"
+#include "tests/qt/modal_handler.h"
 #include "ui/about_dialog.h"
 #include "ui/main_window_widget.h"
 #include "ui/program_options_dialog.h"
@@ -22,31 +23,9 @@ namespace wavetrace::ui {
 namespace {
 
 using testing::GuiProgram;
+using testing::ModalHandler;
 using testing::WaitUntil;
 namespace cmd = core::cmd;
-
-// Calls act(dialog) once a modal dialog of type T is up; the dialog runs its
-// own loop, so the test reaches it from a timer.
-template <typename T>
-class ModalHandler {
- public:
-  explicit ModalHandler(std::function<void(T&)> act) : act_(std::move(act)) {
-    QObject::connect(&timer_, &QTimer::timeout, [this] {
-      auto* dialog = qobject_cast<T*>(QApplication::activeModalWidget());
-      if (!dialog) return;
-      timer_.stop();
-      handled_ = true;
-      act_(*dialog);
-    });
-    timer_.start(10);
-  }
-  [[nodiscard]] bool Handled() const { return handled_; }
-
- private:
-  std::function<void(T&)> act_;
-  QTimer timer_;
-  bool handled_ = false;
-};
 
 // Whether the registry file holds the dword, its name quoted or not.
 bool RegistryHolds(const QString& path, const QString& name, const QString& value) {

@@ -1,0 +1,201 @@
+#include "ui/comm_properties_dialog.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QTabWidget>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <iterator>
+#include <vector>
+
+#include "app/comm_properties.h"
+
+namespace wavetrace::ui {
+namespace {
+
+constexpr int kSlotRole = Qt::UserRole;
+
+QString SlotName(int slot) {
+  return QString::fromStdU16String(core::PortSlotName(slot));
+}
+
+QString PortLine(int slot, const std::u16string& friendlyName, const std::string& devicePath) {
+  QString line = SlotName(slot);
+  if (!friendlyName.empty()) line += QStringLiteral("  ") + QString::fromStdU16String(friendlyName);
+  if (!devicePath.empty()) line += QStringLiteral("  (%1)").arg(QString::fromStdString(devicePath));
+  return line;
+}
+
+QComboBox* ChoiceField(const QStringList& items, const QString& current, QWidget* parent) {
+  auto* field = new QComboBox(parent);
+  field->addItems(items);
+  // A value outside the list stays unselected, and so unchanged on OK.
+  field->setCurrentIndex(field->findText(current));
+  return field;
+}
+
+QCheckBox* FlagBox(const char* caption, int32_t value, QWidget* parent) {
+  auto* box = new QCheckBox(QString::fromLatin1(caption), parent);
+  box->setChecked(value != 0);
+  return box;
+}
+
+}  // namespace
+
+CommPropertiesDialog::CommPropertiesDialog(const core::PortSettings& port,
+                                           const std::array<std::string, core::kPortSlots>& devicePaths,
+                                           QWidget* parent)
+    : QDialog(parent) {
+  setWindowTitle(QStringLiteral("Communication Properties"));
+  auto* layout = new QVBoxLayout(this);
+  auto* tabs = new QTabWidget(this);
+  tabs->addTab(BuildPortPage(port, devicePaths), QStringLiteral("Port"));
+  tabs->addTab(BuildLinePage(port), QStringLiteral("Line"));
+  tabs->addTab(BuildFlowPage(port), QStringLiteral("Flow"));
+  layout->addWidget(tabs, 1);
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+  connect(buttons, &QDialogButtonBox::accepted, this, &CommPropertiesDialog::accept);
+  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  layout->addWidget(buttons);
+}
+
+QWidget* CommPropertiesDialog::BuildPortPage(const core::PortSettings& port,
+                                             const std::array<std::string, core::kPortSlots>& devicePaths) {
+  auto* page = new QWidget(this);
+  auto* layout = new QVBoxLayout(page);
+  portList_ = new QListWidget(page);
+  portList_->setObjectName(QStringLiteral("portList"));
+  // The list asks for the room of its lines; the view bounds the dialog by
+  // the window, and what does not fit then scrolls sideways.
+  portList_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+  portList_->setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContents);
+  QString selected = QString::fromStdU16String(port.SelectedPort);
+  QListWidgetItem* current = nullptr;
+  for (int slot = 0; slot < core::kPortSlots; ++slot) {
+    const std::string& path = devicePaths[static_cast<size_t>(slot)];
+    if (port.PortPresent[static_cast<size_t>(slot)] == 0 && path.empty()) continue;
+    auto* item =
+        new QListWidgetItem(PortLine(slot, port.FriendlyName[static_cast<size_t>(slot)], path), portList_);
+    item->setData(kSlotRole, SlotName(slot));
+    if (SlotName(slot) == selected) current = item;
+  }
+  layout->addWidget(portList_, 1);
+
+  layout->addWidget(new QLabel(QStringLiteral("Or device path:"), page));
+  devicePath_ = new QLineEdit(page);
+  devicePath_->setObjectName(QStringLiteral("devicePath"));
+  layout->addWidget(devicePath_);
+
+  // A port is either a slot of the list or what the field names, never both.
+  if (current) {
+    portList_->setCurrentItem(current);
+  } else {
+    devicePath_->setText(selected);
+  }
+  connect(portList_, &QListWidget::itemSelectionChanged, this, [this] {
+    if (!portList_->selectedItems().isEmpty()) devicePath_->clear();
+  });
+  connect(devicePath_, &QLineEdit::textEdited, this, [this](const QString& text) {
+    if (!text.isEmpty()) portList_->clearSelection();
+  });
+  return page;
+}
+
+QWidget* CommPropertiesDialog::BuildLinePage(const core::PortSettings& port) {
+  auto* page = new QWidget(this);
+  auto* form = new QFormLayout(page);
+
+  baud_ = new QComboBox(page);
+  baud_->setObjectName(QStringLiteral("baud"));
+  baud_->setEditable(true);
+  baud_->setInsertPolicy(QComboBox::NoInsert);
+  std::vector<uint32_t> rates(std::begin(app::kStandardBauds), std::end(app::kStandardBauds));
+  if (port.CustomBaud_01 != 0 && !app::IsStandardBaud(port.CustomBaud_01)) {
+    rates.insert(std::upper_bound(rates.begin(), rates.end(), port.CustomBaud_01), port.CustomBaud_01);
+  }
+  for (uint32_t rate : rates) baud_->addItem(QString::number(rate));
+  baud_->setCurrentIndex(baud_->findText(QString::number(port.SelectedBaud)));
+  baud_->setEditText(QString::number(port.SelectedBaud));
+  form->addRow(QStringLiteral("Baud rate"), baud_);
+
+  dataBits_ =
+      ChoiceField({QStringLiteral("5"), QStringLiteral("6"), QStringLiteral("7"), QStringLiteral("8")},
+                  QString::number(port.SelectedDataBits), page);
+  dataBits_->setObjectName(QStringLiteral("dataBits"));
+  form->addRow(QStringLiteral("Data bits"), dataBits_);
+
+  parity_ = ChoiceField({QStringLiteral("None"), QStringLiteral("Odd"), QStringLiteral("Even"),
+                         QStringLiteral("Mark"), QStringLiteral("Space")},
+                        QString::fromStdU16String(port.Parity), page);
+  parity_->setObjectName(QStringLiteral("parity"));
+  form->addRow(QStringLiteral("Parity"), parity_);
+
+  stopBits_ = ChoiceField({QStringLiteral("1"), QStringLiteral("1.5"), QStringLiteral("2")},
+                          QString::fromStdU16String(port.StopBits), page);
+  stopBits_->setObjectName(QStringLiteral("stopBits"));
+  form->addRow(QStringLiteral("Stop bits"), stopBits_);
+  return page;
+}
+
+QWidget* CommPropertiesDialog::BuildFlowPage(const core::PortSettings& port) {
+  auto* page = new QWidget(this);
+  auto* layout = new QVBoxLayout(page);
+  xon_ = FlagBox("XON/XOFF", port.XON, page);
+  rts_ = FlagBox("RTS on", port.RTS, page);
+  dtr_ = FlagBox("DTR on", port.DTR, page);
+  layout->addWidget(xon_);
+  layout->addWidget(rts_);
+  layout->addWidget(dtr_);
+  layout->addStretch(1);
+  return page;
+}
+
+std::optional<uint32_t> CommPropertiesDialog::Baud() const {
+  bool number = false;
+  uint32_t baud = baud_->currentText().trimmed().toUInt(&number, 10);
+  if (!number || baud == 0) return std::nullopt;
+  return baud;
+}
+
+std::u16string CommPropertiesDialog::ChosenPort() const {
+  QString path = devicePath_->text().trimmed();
+  if (!path.isEmpty()) return path.toStdU16String();
+  QList<QListWidgetItem*> items = portList_->selectedItems();
+  if (items.isEmpty()) return {};
+  return items.front()->data(kSlotRole).toString().toStdU16String();
+}
+
+void CommPropertiesDialog::WriteValues(core::PortSettings& edited) const {
+  edited.SelectedPort = ChosenPort();
+  if (std::optional<uint32_t> baud = Baud()) app::SetBaud(edited, *baud);
+  if (dataBits_->currentIndex() >= 0) {
+    edited.SelectedDataBits = static_cast<uint8_t>(dataBits_->currentText().toUInt());
+  }
+  if (parity_->currentIndex() >= 0) edited.Parity = parity_->currentText().toStdU16String();
+  if (stopBits_->currentIndex() >= 0) edited.StopBits = stopBits_->currentText().toStdU16String();
+  edited.XON = xon_->isChecked() ? 1 : 0;
+  edited.RTS = rts_->isChecked() ? 1 : 0;
+  edited.DTR = dtr_->isChecked() ? 1 : 0;
+}
+
+void CommPropertiesDialog::accept() {
+  if (!Baud()) {
+    QMessageBox box(QMessageBox::Warning, windowTitle(),
+                    QStringLiteral("Invalid baud rate: enter a positive number."), QMessageBox::Ok, this);
+    box.setTextFormat(Qt::PlainText);
+    // Boxes are windows of their own: the font does not pass on by itself.
+    box.setFont(font());
+    box.exec();
+    baud_->setFocus(Qt::OtherFocusReason);
+    return;
+  }
+  QDialog::accept();
+}
+
+}  // namespace wavetrace::ui

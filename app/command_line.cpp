@@ -104,6 +104,12 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args) {
       }
     } else if (arg.rfind("--config=", 0) == 0 && arg.size() > 9) {
       sw.ConfigPath = core::Utf8ToWide(arg.substr(9));
+    } else if (arg == "--send") {
+      if (i + 1 >= args.size()) {
+        result.Error = "option --send needs a text";
+      } else {
+        sw.SendText = core::Utf8ToWide(args[++i]);
+      }
     } else if (arg == "--list-ports") {
       result.ListPorts = true;
     } else if (IsLineOption(arg)) {
@@ -135,6 +141,7 @@ std::string HelpText(const std::string& program, bool guiProgram) {
       "  --port PORT                   open PORT at start (COM3:, VSP0: or a device path)\n"
       "  --baud N, --databits 5..8, --parity none|odd|even|mark|space, --stopbits 1|1.5|2\n"
       "                                the line setting for it\n"
+      "  --send TEXT                   send TEXT once the port is open ([0D] is a carriage return)\n"
       "  --list-ports                  list the serial ports found and exit\n"
       "  --nogui, /NOGUI               no window: run headless in this terminal\n"
       "  --quiet, -q, /Q               headless: keep status messages off standard error\n"

@@ -45,6 +45,31 @@ void Stop(core::AppState& state) {
   }
 }
 
+void Send(core::AppState& state) {
+  if (state.DisplayPower.PowerState == core::kDisplayPowerOff)
+    state.Queue.Send(core::MakeMessage(core::kWmChar, 13));
+  // With the port closed the transmit thread would find nothing to send to
+  // and end; it stays parked instead.
+  if (!state.PortOpen) return;
+  state.TxActive = true;
+  if (!state.TxThread || !state.TxThread->Resume()) {
+    errno = ECHILD;
+    core::ShowStatusError(state, u"Error resuming suspended TxThread.");
+    state.TxActive = false;
+    state.Screen.EnableButton(kSend, true);
+    state.Screen.SetTxEnabled(true);
+    state.Screen.GreyMenuItem(kClearSendHistory, false);
+  }
+}
+
+void ToggleRepeat(core::AppState& state) {
+  bool on = !state.TxRepeat;
+  state.TxRepeat = on;
+  state.Screen.SetButtonPressed(kRepeat, on);
+  core::ShowStatus(state, on ? u"REPEAT Send activated." : u"REPEAT Send deactivated.");
+  if (state.Screen.IsButtonEnabled(kSend)) state.Screen.SetFocus(kSend);
+}
+
 void ShowOpenedState(core::AppState& state) {
   auto& screen = state.Screen;
   screen.EnableButton(kMenuBarPlay, false);
@@ -55,6 +80,12 @@ void ShowOpenedState(core::AppState& state) {
   screen.EnableButton(kStop, true);
   core::ShowStatus(state, u"Port opened!  Send/Receive active...");
   if (screen.IsButtonEnabled(kSend)) screen.SetFocus(kSend);
+  // --send: the text goes out once, as soon as the port is open.
+  if (!state.PendingSendText.empty()) {
+    screen.SetTxText(state.PendingSendText);
+    state.PendingSendText.clear();
+    Send(state);
+  }
 }
 
 void ShowClosedState(core::AppState& state) {

@@ -10,6 +10,11 @@ void Play(core::AppState& state);
 // STOP (6002): end a repeat run, close the port; the receive thread then
 // reports the closed state.
 void Stop(core::AppState& state);
+// SEND (5080): the transmit thread sends the transmit field's text (once, or
+// as a repeat run when REPEAT is on). The display comes on first.
+void Send(core::AppState& state);
+// REPEAT (6003): switches repeat sending on or off.
+void ToggleRepeat(core::AppState& state);
 // WM_RX_ACTIVE: the opened state.
 void ShowOpenedState(core::AppState& state);
 // WM_RX_SUSPENDED: the closed state. A port whose device went away is

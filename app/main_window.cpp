@@ -15,6 +15,7 @@
 #include "rx/log_cache.h"
 #include "serial/discovery.h"
 #include "serial/port.h"
+#include "serial/tx_thread.h"
 
 namespace wavetrace::app {
 namespace {
@@ -24,8 +25,7 @@ using namespace core::cmd;
 // Commands whose features are not part of the program yet: their menu items
 // and buttons stay grey and the window ignores them.
 constexpr std::array kUnavailable = {
-    kTransmitOptions, kReceiveOptions, kAsciiChart, kSoftwareButtons, kCommPinouts, kHelp,
-    kRunScript,       kSend,           kRepeat,     kRecord,          kRelay,
+    kReceiveOptions, kAsciiChart, kSoftwareButtons, kCommPinouts, kHelp, kRunScript, kRecord, kRelay,
 };
 
 bool IsUnavailable(int command) {
@@ -63,6 +63,7 @@ void ClearSendHistory(core::AppState& state) {
   state.Screen.SetTxText(u"");
   state.Screen.SetTxHistory({});
   state.Screen.SetTxSelection(-1);
+  serial::AddSentHistory(state, true);
 }
 
 void SetDisplayPower(core::AppState& state, int32_t powerState) {
@@ -136,6 +137,12 @@ int64_t OnCommand(core::AppState& state, int command, int64_t source) {
     case kStop:
       Stop(state);
       return 0;
+    case kSend:
+      Send(state);
+      return 0;
+    case kRepeat:
+      ToggleRepeat(state);
+      return 0;
     case kAbout:
       if (state.View) state.View->ShowAbout(AboutReleaseLine(), state.AutomationMode != 0);
       return 0;
@@ -144,6 +151,9 @@ int64_t OnCommand(core::AppState& state, int command, int64_t source) {
     case kConfigSaveAs:
     case kConfigSetDefault:
       OnConfigCommand(state, command, source);
+      return 0;
+    case kTransmitOptions:
+      if (state.View) state.View->ShowTransmitOptions();
       return 0;
     case kCommProperties:
       if (state.View) state.View->ShowCommProperties();
@@ -225,6 +235,7 @@ void LoadStartConfiguration(core::AppState& state) {
   if (sw.DataBits) state.Port.SelectedDataBits = static_cast<uint8_t>(sw.DataBits);
   if (!sw.Parity.empty()) state.Port.Parity = sw.Parity;
   if (!sw.StopBits.empty()) state.Port.StopBits = sw.StopBits;
+  state.PendingSendText = sw.SendText;
   if (!sw.Port.empty()) {
     state.Port.SelectedPort = sw.Port;
     state.Queue.PostCommand(kPlay);

@@ -12,6 +12,7 @@
 #include "core/messages.h"
 #include "platform/fd_io.h"
 #include "platform/files.h"
+#include "platform/line_reader.h"
 #include "platform/os_info.h"
 #include "platform/signal_watcher.h"
 #include "serial/discovery.h"
@@ -74,6 +75,16 @@ int RunHeadless(const CommandLine& commandLine) {
   int exitCode = RunProgram(state, [&] {
     OnFirstPaint(state);
     view.RenderScreenChanges();
+    // Each line typed (or piped) in goes into the transmit field and is sent
+    // with SEND, so bracket escapes work as in the window.
+    platform::LineReader input(STDIN_FILENO, [&state](const std::string& line) {
+      core::Message message = core::MakeMessage(core::kWmCall);
+      message.Call = [&state, text = core::Utf8ToWide(line)] {
+        state.Screen.SetTxText(text);
+        return MainWindowProc(state, core::MakeMessage(core::kWmCommand, core::cmd::kSend));
+      };
+      state.Queue.Post(std::move(message));
+    });
     return state.Queue.RunLoop();
   });
   state.View = nullptr;

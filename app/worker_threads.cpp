@@ -5,6 +5,7 @@
 #include "core/reporting.h"
 #include "rx/receive_window.h"
 #include "serial/rx_thread.h"
+#include "serial/tx_thread.h"
 
 namespace wavetrace::app {
 namespace {
@@ -13,14 +14,6 @@ using platform::SuspendableThread;
 
 constexpr int kUpdateCycleMs = 200;
 constexpr int kIntervalCheckMs = 100;
-
-// The transmit thread lives parked: SEND resumes it, and it parks again when
-// its work is done. It ends when it wakes and finds the program shutting down.
-void PortThreadBody(core::AppState& state, SuspendableThread& self) {
-  while (!state.ShuttingDown) {
-    if (!self.Park()) return;
-  }
-}
 
 // Every 200 ms for the life of the main window: refresh the receive window
 // six times, flush the log cache once. What the cache holds at the end is
@@ -62,7 +55,7 @@ int CreateWorkerThreads(core::AppState& state) {
   ThreadPlan plans[] = {
       {state.RxThread, "RxThread", [&state](SuspendableThread& t) { serial::RxThread(state, t); }, true,
        u"Error creating RxThread."},
-      {state.TxThread, "TxThread", [&state](SuspendableThread& t) { PortThreadBody(state, t); }, true,
+      {state.TxThread, "TxThread", [&state](SuspendableThread& t) { serial::TxThread(state, t); }, true,
        u"Error creating TxThread."},
       {state.RxWndUpdate, "RxWndUpdate", [&state](SuspendableThread& t) { RxWndUpdateBody(state, t); }, false,
        u"Error creating RxWndUpdate Thread."},

@@ -110,6 +110,8 @@ void WalkDataSections(Io& io, Data& data) {
   io.Flag("RxFullScreen", data.RxFullScreen);
   io.Int("ShowClassNames", data.ShowClassNames);
   io.Flag("RxBacklightEvent", data.RxBacklightEvent);
+  // Not in older files: missing is no warning.
+  io.Int("TxSendWholeFile", data.TxSendWholeFile, false);
 
   io.Section("TCP_relay");
   for (int i = 0; i < 4; ++i)

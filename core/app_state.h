@@ -86,6 +86,10 @@ struct AppState {
   uint32_t WriteTotalTimeoutConstant = 0;
   std::atomic<bool> PlayFlag{false};
   std::atomic<bool> TxActive{false};
+  std::atomic<bool> TxRepeat{false};    // the REPEAT toggle
+  std::atomic<bool> TxShowSent{false};  // the sent text is still to be shown once
+  int32_t SentHistoryCount = 0;         // entries the transmit thread added to the history
+  std::u16string PendingSendText;       // --send: sent once the port has opened
   std::atomic<bool> PortScanMode{false};
   std::atomic<bool> PortOpen{false};  // the port handle is valid
   bool SoftwareButtonsShown = false;

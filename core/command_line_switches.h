@@ -24,6 +24,7 @@ struct CommandLineSwitches {
   int32_t DataBits = 0;
   std::u16string Parity;
   std::u16string StopBits;
+  std::u16string SendText;  // --send: sent once after the port opens
 };
 
 }  // namespace wavetrace::core

@@ -36,6 +36,8 @@ class FrontEnd {
   // Whether the main window is the active window (a display switched off by
   // the program comes back when another window takes over).
   [[nodiscard]] virtual bool WindowActive() const { return true; }
+  // The transmit options sheet (Repeat and Filters pages).
+  virtual void ShowTransmitOptions() {}
   // The communication properties pages (port, line setting, flow control).
   virtual void ShowCommProperties() {}
   // Lets the user pick a configuration file to load (save false) or to save

@@ -81,6 +81,9 @@ struct DataSettings {
   uint32_t TxRepeatDelay = 0;
   uint32_t RxDelayReadThread = 0;
   int32_t TxClrRCVEtxt = 0;
+  // 1: a file's last partial chunk is always sent (by default a file between
+  // one and two chunks long loses its tail, as it always has).
+  int32_t TxSendWholeFile = 0;
   uint8_t PauseRxDisplay = 0;
   uint8_t RxFullScreen = 0;
   int32_t ShowClassNames = 0;

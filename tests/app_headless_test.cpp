@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/files.h"
+#include "platform/pty.h"
 #include "test_support.h"
 
 namespace wavetrace::app {
@@ -21,11 +22,13 @@ using Clock = std::chrono::steady_clock;
 class Child {
  public:
   Child(const std::vector<std::string>& args, const std::string& home) {
+    int in[2];
     int out[2];
     int err[2];
-    if (pipe2(out, O_CLOEXEC) != 0 || pipe2(err, O_CLOEXEC) != 0) return;
+    if (pipe2(in, O_CLOEXEC) != 0 || pipe2(out, O_CLOEXEC) != 0 || pipe2(err, O_CLOEXEC) != 0) return;
     pid_ = fork();
     if (pid_ == 0) {
+      dup2(in[0], 0);
       dup2(out[1], 1);
       dup2(err[1], 2);
       setenv("WAVETRACE_HOME", home.c_str(), 1);
@@ -37,8 +40,10 @@ class Child {
       execv(program.c_str(), argv.data());
       _exit(127);
     }
+    close(in[0]);
     close(out[1]);
     close(err[1]);
+    in_ = in[1];
     out_ = out[0];
     err_ = err[0];
   }
@@ -47,6 +52,7 @@ class Child {
       kill(pid_, SIGKILL);
       waitpid(pid_, nullptr, 0);
     }
+    close(in_);
     close(out_);
     close(err_);
   }
@@ -74,6 +80,7 @@ class Child {
     return -1000;
   }
   void Signal(int sig) { kill(pid_, sig); }
+  void Type(const std::string& text) { (void)!write(in_, text.data(), text.size()); }
   const std::string& Out() const { return stdout_; }
   const std::string& Err() const { return stderr_; }
 
@@ -93,6 +100,7 @@ class Child {
   }
 
   pid_t pid_ = -1;
+  int in_ = -1;
   int out_ = -1;
   int err_ = -1;
   bool exited_ = false;
@@ -156,6 +164,22 @@ TEST(Headless, CommandLineAnswersWithoutStarting) {
     EXPECT_NE(child.Err().find(c.inErr), std::string::npos) << c.args[0] << child.Err();
   }
   EXPECT_FALSE(platform::FileExists(folder.Path() + "/registry.txt"));
+}
+
+TEST(Headless, APortFromTheCommandLineReceivesAndSends) {
+  testing::TempFolder folder;
+  platform::PtyPair device;
+  ASSERT_TRUE(device.Valid());
+  Child child({"--port", device.SlavePath(), "--baud", "115200", "--send", "hello[0D]"}, folder.Path());
+  EXPECT_EQ(device.Read(6, 10000), "hello\r");
+  ASSERT_TRUE(device.Write("$GPGGA,1*00\r\n"));
+  EXPECT_TRUE(child.WaitForOutput("$GPGGA,1*00\r\n", 10000)) << child.Out() << child.Err();
+  // A typed line goes out through the transmit path, escapes and all.
+  child.Type("AT[0D]\n");
+  EXPECT_EQ(device.Read(3, 10000), "AT\r");
+  EXPECT_NE(child.Err().find("Port opened!  Send/Receive active..."), std::string::npos);
+  child.Signal(SIGTERM);
+  EXPECT_EQ(child.WaitForExit(5000), 0) << child.Err();
 }
 
 TEST(Headless, ASecondInstanceEndsAndTheFirstKeepsRunning) {

@@ -7,6 +7,7 @@
 #include "core/build_info.h"
 #include "core/code_page.h"
 #include "core/version.h"
+#include "serial/simulated_device.h"
 
 namespace wavetrace::app {
 namespace {
@@ -110,6 +111,13 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args) {
       } else {
         sw.SendText = core::Utf8ToWide(args[++i]);
       }
+    } else if (arg == "--sim-setting") {
+      platform::LineSettings line;
+      if (i + 1 >= args.size() || !serial::ParseLineSetting(args[i + 1], line)) {
+        result.Error = "--sim-setting takes speed,data bits,parity,stop bits (for example 9600,7,E,1)";
+      } else {
+        sw.SimSetting = args[++i];
+      }
     } else if (arg == "--list-ports") {
       result.ListPorts = true;
     } else if (IsLineOption(arg)) {
@@ -143,6 +151,7 @@ std::string HelpText(const std::string& program, bool guiProgram) {
       "                                the line setting for it\n"
       "  --send TEXT                   send TEXT once the port is open ([0D] is a carriage return)\n"
       "  --list-ports                  list the serial ports found and exit\n"
+      "  --sim-setting B,D,P,S         the simulated device's own line setting (VSP0:), e.g. 9600,7,E,1\n"
       "  --nogui, /NOGUI               no window: run headless in this terminal\n"
       "  --quiet, -q, /Q               headless: keep status messages off standard error\n"
       "  --debug, /DEBUGON             scripts echo every command they find\n"

@@ -15,6 +15,7 @@
 #include "rx/log_cache.h"
 #include "serial/discovery.h"
 #include "serial/port.h"
+#include "serial/simulated_device.h"
 #include "serial/tx_thread.h"
 
 namespace wavetrace::app {
@@ -271,6 +272,8 @@ int CreateMainWindow(core::AppState& state) {
   state.KeepAliveTimerRunning = true;
   state.FirstPaintState = 2;
   state.CurrentConfigPath = state.ConfigFolder + u"/" + config::kDefaultConfigName;
+  if (!state.Switches.SimSetting.empty())
+    serial::ParseLineSetting(state.Switches.SimSetting, state.SimulatedLine);
   serial::DiscoverPorts(state);
   config::TakeSettingsSnapshot(state);
   LoadStartConfiguration(state);

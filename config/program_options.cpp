@@ -7,6 +7,7 @@
 #include "core/code_page.h"
 #include "core/reporting.h"
 #include "core/version.h"
+#include "serial/simulated_device.h"
 
 namespace wavetrace::config {
 namespace {
@@ -64,6 +65,15 @@ int LoadProgramOptions(core::AppState& state) {
       key.SetDword(option.name, record.*option.field);
     }
   }
+  // The simulated device on VSP0; optional, present unless switched off.
+  uint32_t value = 0;
+  if (key.QueryDword("SimulatedDevice", value)) state.SimulatedDeviceEnabled = value != 0;
+  if (key.QueryDword("SimulatedSentenceMs", value) && value >= 10 && value <= 3600000) {
+    state.SimulatedSentenceMs = static_cast<int32_t>(value);
+  }
+  if (key.QueryDword("SimulatedEcho", value)) state.SimulatedEcho = value != 0;
+  std::string setting;
+  if (key.QueryString("SimulatedSetting", setting)) serial::ParseLineSetting(setting, state.SimulatedLine);
   // Virtual ports (device paths such as pty links) for VSP1..VSP9; optional.
   for (int m = 1; m <= 9; ++m) {
     std::string path;

@@ -77,6 +77,12 @@ struct AppState {
   // Virtual ports of the program options: device paths for VSP1..VSP9.
   std::array<std::string, kPortSlots> VirtualPortPath;
 
+  // The simulated device on VSP0: its own line setting and behaviour.
+  bool SimulatedDeviceEnabled = true;
+  platform::LineSettings SimulatedLine{4800, 8, platform::Parity::kNone, platform::StopBits::kOne};
+  int32_t SimulatedSentenceMs = 1000;
+  bool SimulatedEcho = true;
+
   // --- connection ------------------------------------------------------------
   // The open port; empty while closed. Threads take a copy under the mutex,
   // so closing never pulls the port from under a thread that uses it.

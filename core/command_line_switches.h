@@ -25,6 +25,7 @@ struct CommandLineSwitches {
   std::u16string Parity;
   std::u16string StopBits;
   std::u16string SendText;  // --send: sent once after the port opens
+  std::string SimSetting;   // --sim-setting: the simulated device's own line setting
 };
 
 }  // namespace wavetrace::core

@@ -66,6 +66,10 @@ class SerialPort {
   virtual void Close() = 0;
 };
 
+// What cannot be done with a line setting on Linux, in words; empty when it
+// can be applied.
+std::string CheckLineSettings(const LineSettings& settings);
+
 // Opens a terminal device exclusively (a port held by another program is
 // refused with EBUSY). Null with errno set on failure.
 std::unique_ptr<SerialPort> OpenTermiosPort(const std::string& path);

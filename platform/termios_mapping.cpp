@@ -20,12 +20,17 @@ speed_t StandardSpeed(uint32_t rate) {
   return 0;
 }
 
-std::string MakeTermios(const LineSettings& settings, const termios& current, TermiosRecord& record) {
+std::string CheckLineSettings(const LineSettings& settings) {
   if (settings.Baud == 0) return "a line speed of 0 baud is not possible";
   if (settings.DataBits < 5 || settings.DataBits > 8) {
     return std::to_string(settings.DataBits) + " data bits are not possible (5 to 8)";
   }
   if (settings.DsrFlow) return "flow control by DSR is not available on Linux";
+  return {};
+}
+
+std::string MakeTermios(const LineSettings& settings, const termios& current, TermiosRecord& record) {
+  if (std::string problem = CheckLineSettings(settings); !problem.empty()) return problem;
 
   termios tio = current;
   // Binary: no translation of any byte in either direction, no echo, no

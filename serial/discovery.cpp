@@ -8,6 +8,7 @@
 
 #include "config/registry_store.h"
 #include "core/code_page.h"
+#include "serial/simulated_device.h"
 
 namespace wavetrace::serial {
 namespace {
@@ -151,6 +152,13 @@ int DiscoverPorts(core::AppState& state, const DiscoverySources& sources) {
     }
   }
   port.PortPresent[0] = 0;
+
+  // VSP0 is the device inside the program.
+  if (state.SimulatedDeviceEnabled) {
+    port.PortPresent[10] = 1;
+    port.FriendlyName[10] = u"Simulated device";
+    state.PortDevicePath[10] = kSimulatedDevicePath;
+  }
 
   for (int m = 1; m <= 9; ++m) {
     auto slot = static_cast<size_t>(10 + m);

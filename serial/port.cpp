@@ -4,6 +4,7 @@
 
 #include "core/code_page.h"
 #include "core/reporting.h"
+#include "serial/simulated_device.h"
 
 namespace wavetrace::serial {
 namespace {
@@ -63,7 +64,12 @@ int OpenPort(core::AppState& state) {
     errno = ENODEV;
     return 0;
   }
-  std::shared_ptr<platform::SerialPort> port = platform::OpenTermiosPort(path);
+  std::shared_ptr<platform::SerialPort> port;
+  if (path == kSimulatedDevicePath) {
+    port = OpenSimulatedDevice({state.SimulatedLine, state.SimulatedSentenceMs, state.SimulatedEcho});
+  } else {
+    port = platform::OpenTermiosPort(path);
+  }
   if (!port) return 0;
   SetPort(state, port);
   PurgePort(state);

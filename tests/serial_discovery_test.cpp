@@ -168,7 +168,15 @@ TEST(Discovery, AMissingTreeFindsNothingAndDoesNotFail) {
   core::AppState bare;
   DiscoverySources nowhere{"/nonexistent/class/tty", "/nonexistent/by-id", "/dev"};
   EXPECT_EQ(DiscoverPorts(bare, nowhere), 1);
-  for (auto present : bare.Port.PortPresent) EXPECT_EQ(present, 0);
+  // Only the simulated device is there, on VSP0.
+  for (int slot = 0; slot < core::kPortSlots; ++slot) {
+    EXPECT_EQ(bare.Port.PortPresent[static_cast<size_t>(slot)], slot == 10 ? 1 : 0) << slot;
+  }
+  EXPECT_EQ(bare.Port.FriendlyName[10], u"Simulated device");
+  core::AppState off;
+  off.SimulatedDeviceEnabled = false;
+  DiscoverPorts(off, nowhere);
+  EXPECT_EQ(off.Port.PortPresent[10], 0);
 }
 
 }  // namespace

@@ -1,0 +1,260 @@
+#include "serial/simulated_device.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cctype>
+#include <cerrno>
+#include <chrono>
+#include <condition_variable>
+#include <cstdio>
+#include <deque>
+#include <mutex>
+#include <thread>
+
+#include "serial/uart_model.h"
+
+namespace wavetrace::serial {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using platform::LineSettings;
+
+std::string WithChecksum(const std::string& body) {
+  unsigned checksum = 0;
+  for (char c : body) checksum ^= static_cast<unsigned char>(c);
+  char tail[8];
+  std::snprintf(tail, sizeof tail, "*%02X\r\n", checksum);
+  return "$" + body + tail;
+}
+
+class SimulatedPort : public platform::SerialPort {
+ public:
+  explicit SimulatedPort(const SimulatedProfile& profile) : profile_(profile), portLine_(profile.Line) {
+    thread_ = std::thread([this] { Run(); });
+  }
+  ~SimulatedPort() override { Close(); }
+  SimulatedPort(const SimulatedPort&) = delete;
+  SimulatedPort& operator=(const SimulatedPort&) = delete;
+
+  int Configure(const LineSettings& settings, std::string& error) override {
+    error = platform::CheckLineSettings(settings);
+    if (!error.empty()) return EINVAL;
+    std::lock_guard lock(mutex_);
+    portLine_ = settings;
+    return 0;
+  }
+
+  uint32_t WaitEvent() override {
+    std::unique_lock lock(mutex_);
+    wake_.wait(lock, [this] { return !readable_.empty() || mask_ == 0 || closed_; });
+    return !readable_.empty() && mask_ != 0 && !closed_ ? platform::event::kRxChar : 0;
+  }
+
+  void SetEventMask(uint32_t mask) override {
+    {
+      std::lock_guard lock(mutex_);
+      mask_ = mask;
+    }
+    wake_.notify_all();
+  }
+
+  int Read(uint8_t* buffer, int count) override {
+    std::lock_guard lock(mutex_);
+    if (closed_) {
+      errno = EBADF;
+      return -1;
+    }
+    int n = std::min(count, static_cast<int>(readable_.size()));
+    std::copy_n(readable_.begin(), n, buffer);
+    readable_.erase(readable_.begin(), readable_.begin() + n);
+    return n;
+  }
+
+  int Write(const uint8_t* data, int count, int) override {
+    std::lock_guard lock(mutex_);
+    if (closed_) {
+      errno = EBADF;
+      return -1;
+    }
+    // The device hears the program's bytes through its own UART.
+    std::string heard =
+        TranscodeUart(std::string_view(reinterpret_cast<const char*>(data), static_cast<size_t>(count)),
+                      portLine_, profile_.Line);
+    for (char c : heard) {
+      if (c != '\r' && c != '\n') {
+        if (line_.size() < 256) line_ += c;
+        continue;
+      }
+      if (line_.empty()) continue;
+      std::string upper = line_;
+      for (auto& u : upper) u = static_cast<char>(std::toupper(static_cast<unsigned char>(u)));
+      if (upper.rfind("AT", 0) == 0) {
+        Emit("OK\r\n");
+      } else if (profile_.Echo) {
+        Emit(line_ + "\r\n");
+      }
+      line_.clear();
+    }
+    return count;
+  }
+
+  void Purge() override {
+    std::lock_guard lock(mutex_);
+    readable_.clear();
+    bursts_.clear();
+  }
+  void SetModemLines(bool, bool) override {}
+  void SendXoff() override {}
+  [[nodiscard]] bool HungUp() const override { return false; }
+
+  void Close() override {
+    {
+      std::lock_guard lock(mutex_);
+      closed_ = true;
+      mask_ = 0;
+    }
+    wake_.notify_all();
+    if (thread_.joinable() && thread_.get_id() != std::this_thread::get_id()) thread_.join();
+  }
+
+ private:
+  // Bytes on their way: sent at the device's rate, read as the port decodes them.
+  struct Burst {
+    std::string decoded;
+    Clock::time_point start;
+    Clock::duration length;
+    size_t released = 0;
+  };
+
+  // With the lock held: queues what the device sends now.
+  void Emit(const std::string& bytes) {
+    auto now = Clock::now();
+    auto start = bursts_.empty() ? now : std::max(now, bursts_.back().start + bursts_.back().length);
+    double seconds = static_cast<double>(bytes.size()) * BitsPerFrame(profile_.Line) / profile_.Line.Baud;
+    bursts_.push_back(
+        Burst{TranscodeUart(bytes, profile_.Line, portLine_), start,
+              std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds)), 0});
+  }
+
+  // With the lock held: moves what has "arrived" by now to the port's queue.
+  bool Release(Clock::time_point now) {
+    bool moved = false;
+    while (!bursts_.empty()) {
+      Burst& burst = bursts_.front();
+      if (now < burst.start) break;
+      double done = burst.length.count() <= 0
+                        ? 1.0
+                        : std::min(1.0, std::chrono::duration<double>(now - burst.start) /
+                                            std::chrono::duration<double>(burst.length));
+      auto due = static_cast<size_t>(static_cast<double>(burst.decoded.size()) * done);
+      if (done >= 1.0) due = burst.decoded.size();
+      if (due > burst.released) {
+        readable_.insert(readable_.end(), burst.decoded.begin() + static_cast<long>(burst.released),
+                         burst.decoded.begin() + static_cast<long>(due));
+        burst.released = due;
+        moved = true;
+      }
+      if (burst.released < burst.decoded.size()) break;
+      bursts_.pop_front();
+    }
+    return moved;
+  }
+
+  void Run() {
+    uint32_t second = 0;
+    auto nextSentence = Clock::now() + std::chrono::milliseconds(100);
+    std::unique_lock lock(mutex_);
+    while (!closed_) {
+      auto now = Clock::now();
+      if (now >= nextSentence) {
+        Emit(SimulatedSentences(second++));
+        nextSentence += std::chrono::milliseconds(std::max(profile_.SentenceIntervalMs, 10));
+      }
+      if (Release(now)) {
+        lock.unlock();
+        wake_.notify_all();
+        lock.lock();
+      }
+      wake_.wait_for(lock, std::chrono::milliseconds(10));
+    }
+  }
+
+  const SimulatedProfile profile_;
+  std::mutex mutex_;
+  std::condition_variable wake_;
+  LineSettings portLine_;
+  uint32_t mask_ = platform::event::kDefaultMask;
+  bool closed_ = false;
+  std::deque<uint8_t> readable_;
+  std::deque<Burst> bursts_;
+  std::string line_;
+  std::thread thread_;
+};
+
+}  // namespace
+
+bool ParseLineSetting(const std::string& text, LineSettings& line) {
+  LineSettings parsed = line;
+  unsigned long baud = 0;
+  int dataBits = 0;
+  char parity = 0;
+  char stop[8] = {};
+  if (std::sscanf(text.c_str(), "%lu,%d,%c,%7s", &baud, &dataBits, &parity, stop) != 4) return false;
+  parsed.Baud = static_cast<uint32_t>(baud);
+  parsed.DataBits = dataBits;
+  switch (std::toupper(static_cast<unsigned char>(parity))) {
+    case 'N':
+      parsed.ParityMode = platform::Parity::kNone;
+      break;
+    case 'O':
+      parsed.ParityMode = platform::Parity::kOdd;
+      break;
+    case 'E':
+      parsed.ParityMode = platform::Parity::kEven;
+      break;
+    case 'M':
+      parsed.ParityMode = platform::Parity::kMark;
+      break;
+    case 'S':
+      parsed.ParityMode = platform::Parity::kSpace;
+      break;
+    default:
+      return false;
+  }
+  std::string stopText = stop;
+  if (stopText == "1") {
+    parsed.Stop = platform::StopBits::kOne;
+  } else if (stopText == "1.5") {
+    parsed.Stop = platform::StopBits::kOneAndHalf;
+  } else if (stopText == "2") {
+    parsed.Stop = platform::StopBits::kTwo;
+  } else {
+    return false;
+  }
+  if (baud == 0 || baud > 4000000 || !platform::CheckLineSettings(parsed).empty()) return false;
+  line = parsed;
+  return true;
+}
+
+std::string FormatLineSetting(const LineSettings& line) {
+  static constexpr char kParity[] = {'N', 'O', 'E', 'M', 'S'};
+  const char* stop = line.Stop == platform::StopBits::kOne   ? "1"
+                     : line.Stop == platform::StopBits::kTwo ? "2"
+                                                             : "1.5";
+  return std::to_string(line.Baud) + "," + std::to_string(line.DataBits) + "," +
+         kParity[static_cast<int>(line.ParityMode)] + "," + stop;
+}
+
+std::string SimulatedSentences(uint32_t second) {
+  uint32_t t = 12 * 3600 + second;
+  char clock[16];
+  std::snprintf(clock, sizeof clock, "%02u%02u%02u.00", (t / 3600) % 24, (t / 60) % 60, t % 60);
+  return WithChecksum(std::string("GPGGA,") + clock + ",4807.0380,N,01131.0000,E,1,08,0.9,545.4,M,46.9,M,,") +
+         WithChecksum(std::string("GPRMC,") + clock + ",A,4807.0380,N,01131.0000,E,0.0,0.0,221126,,,A");
+}
+
+std::unique_ptr<platform::SerialPort> OpenSimulatedDevice(const SimulatedProfile& profile) {
+  return std::make_unique<SimulatedPort>(profile);
+}
+
+}  // namespace wavetrace::serial

@@ -1,0 +1,188 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <fstream>
+#include <functional>
+#include <thread>
+
+#include "app/main_window.h"
+#include "app/startup.h"
+#include "core/code_page.h"
+#include "core/messages.h"
+#include "serial/port.h"
+#include "serial/simulated_device.h"
+#include "serial/uart_model.h"
+#include "test_support.h"
+
+namespace wavetrace::serial {
+namespace {
+
+using namespace std::chrono_literals;
+using platform::LineSettings;
+using platform::Parity;
+using platform::StopBits;
+
+LineSettings Line(uint32_t baud, int bits, Parity parity, StopBits stop) {
+  LineSettings line;
+  line.Baud = baud;
+  line.DataBits = bits;
+  line.ParityMode = parity;
+  line.Stop = stop;
+  return line;
+}
+
+TEST(UartModel, MatchingSettingsPassBytesAndMismatchesGarbleThem) {
+  const std::string text = SimulatedSentences(0);
+  const LineSettings device = Line(4800, 8, Parity::kNone, StopBits::kOne);
+  struct Case {
+    LineSettings receiver;
+    bool garbled;
+  };
+  const Case cases[] = {
+      {device, false},
+      {Line(9600, 8, Parity::kNone, StopBits::kOne), true},
+      {Line(2400, 8, Parity::kNone, StopBits::kOne), true},
+      {Line(4800, 7, Parity::kNone, StopBits::kOne), true},
+      {Line(4800, 8, Parity::kEven, StopBits::kOne), true},
+      {Line(4800, 8, Parity::kOdd, StopBits::kOne), true},
+      {Line(4800, 8, Parity::kNone, StopBits::kTwo), true},
+      {Line(4800, 7, Parity::kEven, StopBits::kOne), true},  // parity errors on some characters
+  };
+  for (const auto& c : cases) {
+    std::string read = TranscodeUart(text, device, c.receiver);
+    EXPECT_EQ(read != text, c.garbled) << FormatLineSetting(c.receiver);
+    EXPECT_EQ(read, TranscodeUart(text, device, c.receiver)) << "deterministic";
+  }
+  // Other framings carry their own bytes unchanged.
+  const LineSettings sevenEven = Line(1200, 7, Parity::kEven, StopBits::kTwo);
+  EXPECT_EQ(TranscodeUart("AT\r", sevenEven, sevenEven), "AT\r");
+  // A receiver twice as fast sees each frame as a byte and a bit more.
+  EXPECT_GT(TranscodeUart(text, device, Line(9600, 8, Parity::kNone, StopBits::kOne)).size(), text.size());
+}
+
+TEST(UartModel, LineSettingTexts) {
+  struct Case {
+    std::string text;
+    bool valid;
+    std::string formatted;
+  };
+  for (const auto& c :
+       {Case{"9600,7,E,1", true, "9600,7,E,1"}, Case{"4800,8,n,1", true, "4800,8,N,1"},
+        Case{"300,5,M,1.5", true, "300,5,M,1.5"}, Case{"115200,8,S,2", true, "115200,8,S,2"},
+        Case{"9600,9,N,1", false, ""}, Case{"9600,8,X,1", false, ""}, Case{"0,8,N,1", false, ""},
+        Case{"9600,8,N,3", false, ""}, Case{"9600", false, ""}, Case{"", false, ""}}) {
+    LineSettings line;
+    EXPECT_EQ(ParseLineSetting(c.text, line), c.valid) << c.text;
+    if (c.valid) {
+      EXPECT_EQ(FormatLineSetting(line), c.formatted) << c.text;
+    }
+  }
+}
+
+TEST(SimulatedDevice, SentencesCarryTheirChecksums) {
+  std::string sentences = SimulatedSentences(61);
+  EXPECT_EQ(sentences.rfind("$GPGGA,120101.00,", 0), 0u);
+  for (size_t start = 0; start < sentences.size();) {
+    size_t star = sentences.find('*', start);
+    unsigned sum = 0;
+    for (size_t i = start + 1; i < star; ++i) sum ^= static_cast<unsigned char>(sentences[i]);
+    EXPECT_EQ(std::stoul(sentences.substr(star + 1, 2), nullptr, 16), sum);
+    start = sentences.find("\r\n", star) + 2;
+  }
+}
+
+class SimulatedPortTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    std::ofstream(folder.Path() + "/registry.txt")
+        << "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\nMajorVersion=dword:00000002\n"
+           "MinorVersion=dword:00000047\nSimulatedSentenceMs=dword:000000c8\n";
+    state.View = &view;
+    state.ConfigFolder = core::Utf8ToWide(folder.Path());
+    ASSERT_EQ(app::StartUp(state, {true, "Linux", 6, 1, ""}), 0);
+  }
+  void TearDown() override {
+    app::Shutdown(state);  // possibly with the port still open
+    app::AfterMessageLoop(state);
+  }
+  bool PumpUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit = 10s) {
+    auto deadline = std::chrono::steady_clock::now() + limit;
+    while (!condition()) {
+      if (std::chrono::steady_clock::now() > deadline) return false;
+      state.Queue.DispatchPending();
+      std::this_thread::sleep_for(2ms);
+    }
+    return true;
+  }
+  bool Play(uint32_t baud, int bits, const char16_t* parity, const char16_t* stop) {
+    state.Port.SelectedPort = u"VSP0:";
+    state.Port.SelectedBaud = baud;
+    state.Port.SelectedDataBits = static_cast<uint8_t>(bits);
+    state.Port.Parity = parity;
+    state.Port.StopBits = stop;
+    state.Screen.RxClear();
+    state.Queue.SendCommand(core::cmd::kPlay);
+    return PumpUntil([&] { return state.Screen.IsButtonEnabled(core::cmd::kStop); });
+  }
+  bool Stop() {
+    state.Queue.SendCommand(core::cmd::kStop);
+    return PumpUntil([&] { return state.Screen.IsButtonEnabled(core::cmd::kPlay) && !state.PortOpen; });
+  }
+
+  testing::TempFolder folder;
+  core::AppState state;
+  testing::RecordingFrontEnd view;
+};
+
+TEST_F(SimulatedPortTest, FoundByDiscoveryAndReadExactlyWithItsSetting) {
+  EXPECT_EQ(state.Port.PortPresent[10], 1);
+  EXPECT_EQ(state.Port.FriendlyName[10], u"Simulated device");
+  EXPECT_EQ(state.SimulatedSentenceMs, 200);
+  ASSERT_TRUE(Play(4800, 8, u"None", u"1"));
+  std::u16string expected = core::BytesToWide(SimulatedSentences(0) + SimulatedSentences(1));
+  EXPECT_TRUE(PumpUntil([&] { return state.Screen.RxText().size() >= expected.size(); }));
+  EXPECT_EQ(state.Screen.RxText().substr(0, expected.size()), expected);
+
+  // It answers AT commands sent through the transmit path.
+  state.Screen.SetTxText(u"AT[0D]");
+  state.Queue.SendCommand(core::cmd::kSend);
+  EXPECT_TRUE(PumpUntil([&] { return state.Screen.RxText().find(u"OK\r\n") != std::u16string::npos; }));
+  state.Screen.SetTxText(u"hello[0D]");
+  state.Queue.SendCommand(core::cmd::kSend);
+  EXPECT_TRUE(PumpUntil([&] { return state.Screen.RxText().find(u"hello\r\n") != std::u16string::npos; }));
+}
+
+TEST_F(SimulatedPortTest, AnotherLineSettingReadsGarbage) {
+  struct Case {
+    uint32_t baud;
+    int bits;
+    const char16_t* parity;
+    const char16_t* stop;
+  };
+  // The hex view shows every byte, zeros included (text would stop at them).
+  state.Queue.SendCommand(core::cmd::kBinaryButton);
+  const std::u16string sentenceStart = u"[24][47][50][47][47][41][2C][31][32][30][30]";  // "$GPGGA,1200"
+  ASSERT_TRUE(Play(4800, 8, u"None", u"1"));
+  EXPECT_TRUE(PumpUntil([&] { return state.Screen.RxText().find(sentenceStart) != std::u16string::npos; }));
+  ASSERT_TRUE(Stop());
+  for (const auto& c : {Case{9600, 8, u"None", u"1"}, Case{4800, 7, u"None", u"1"},
+                        Case{4800, 8, u"Even", u"1"}, Case{4800, 8, u"None", u"2"}}) {
+    ASSERT_TRUE(Play(c.baud, c.bits, c.parity, c.stop));
+    EXPECT_TRUE(PumpUntil([&] { return state.Screen.RxText().size() >= 4 * 150; }));
+    EXPECT_EQ(state.Screen.RxText().find(sentenceStart), std::u16string::npos)
+        << core::WideToUtf8(c.parity) << c.bits << core::WideToUtf8(c.stop);
+    ASSERT_TRUE(Stop());
+  }
+}
+
+TEST_F(SimulatedPortTest, SurvivesManyOpensAndClosesAndAnExitWhileOpen) {
+  for (int i = 0; i < 20; ++i) {
+    ASSERT_TRUE(Play(4800, 8, u"None", u"1")) << i;
+    ASSERT_TRUE(Stop()) << i;
+  }
+  ASSERT_TRUE(Play(4800, 8, u"None", u"1"));
+  EXPECT_TRUE(PumpUntil([&] { return !state.Screen.RxText().empty(); }));
+}
+
+}  // namespace
+}  // namespace wavetrace::serial

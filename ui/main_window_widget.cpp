@@ -6,12 +6,14 @@
 #include <QComboBox>
 #include <QFontDatabase>
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QShowEvent>
+#include <QToolButton>
 #include <QVBoxLayout>
 #include <array>
 
@@ -98,7 +100,18 @@ MainWindowWidget::MainWindowWidget(double scale, QWidget* parent) : QMainWindow(
   transmit_->setInsertPolicy(QComboBox::NoInsert);
   transmit_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   transmit_->setMinimumContentsLength(8);
-  panel->addWidget(transmit_);
+  auto* transmitRow = new QHBoxLayout;
+  transmitRow->setSpacing(spacing);
+  transmitRow->addWidget(transmit_, 1);
+  // A small button so that the field keeps its room on a 240 pixel screen.
+  sendFileButton_ = new QToolButton(buttonPanel_);
+  sendFileButton_->setObjectName(QStringLiteral("sendFileButton"));
+  sendFileButton_->setText(QStringLiteral("..."));
+  sendFileButton_->setToolTip(QStringLiteral("Send file..."));
+  sendFileButton_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
+  transmitRow->addWidget(sendFileButton_);
+  panel->addLayout(transmitRow);
+  connect(sendFileButton_, &QToolButton::clicked, this, &MainWindowWidget::SendFileRequested);
   connect(transmit_, &QComboBox::editTextChanged, this, &MainWindowWidget::TransmitTextEdited);
   connect(transmit_, &QComboBox::activated, this, &MainWindowWidget::TransmitHistoryChosen);
   connect(transmit_->lineEdit(), &QLineEdit::returnPressed, this, [this] {
@@ -165,6 +178,10 @@ void MainWindowWidget::BuildMenus() {
   QMenu* edit = addMenu(nullptr, bar, "Edit");
   AddItem(edit, kCopy, "Copy");
   AddItem(edit, kPaste, "Paste");
+  sendFileAction_ = edit->addAction(QStringLiteral("Send file..."));
+  sendFileAction_->setObjectName(QStringLiteral("actionSendFile"));
+  sendFileAction_->setMenuRole(QAction::NoRole);
+  connect(sendFileAction_, &QAction::triggered, this, &MainWindowWidget::SendFileRequested);
   QMenu* clear = addMenu(edit, nullptr, "Clear...");
   AddItem(clear, kClearReceiveWindow, "Received window");
   AddItem(clear, kClearSendHistory, "Send history");
@@ -263,6 +280,9 @@ void MainWindowWidget::RefreshTransmitField(const core::MainScreen& screen) {
   QString text = QString::fromStdU16String(screen.TxText());
   if (transmit_->currentText() != text) transmit_->setEditText(text);
   transmit_->setEnabled(screen.TxEnabled());
+  // While a send runs the field is locked, and so is choosing a file for it.
+  sendFileButton_->setEnabled(screen.TxEnabled());
+  sendFileAction_->setEnabled(screen.TxEnabled());
 }
 
 void MainWindowWidget::ApplyFocus(int control) {

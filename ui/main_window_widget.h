@@ -12,6 +12,7 @@ class QGridLayout;
 class QLabel;
 class QMenu;
 class QPushButton;
+class QToolButton;
 
 namespace wavetrace::ui {
 
@@ -36,6 +37,10 @@ class MainWindowWidget : public QMainWindow {
   // Null for a command without a button or menu item.
   [[nodiscard]] QPushButton* Button(int command) const;
   [[nodiscard]] QAction* Action(int command) const;
+  // The file picker beside the transmit field and its Edit menu item; both
+  // only ask the view for a file, no command is involved.
+  [[nodiscard]] QToolButton* SendFileButton() const { return sendFileButton_; }
+  [[nodiscard]] QAction* SendFileAction() const { return sendFileAction_; }
 
   // The menu's Copy and Paste, which work on the focused widget.
   void CopyFromFocus();
@@ -45,6 +50,7 @@ class MainWindowWidget : public QMainWindow {
   void CommandRequested(int command);
   void TransmitTextEdited(const QString& text);
   void TransmitHistoryChosen(int index);
+  void SendFileRequested();
   void CloseRequested();
   void FirstShown();
 
@@ -64,6 +70,8 @@ class MainWindowWidget : public QMainWindow {
   QLabel* status_ = nullptr;
   ReceiveView* receive_ = nullptr;
   QComboBox* transmit_ = nullptr;
+  QToolButton* sendFileButton_ = nullptr;
+  QAction* sendFileAction_ = nullptr;
   QWidget* buttonPanel_ = nullptr;
   std::map<int, QPushButton*> buttons_;
   std::map<int, QAction*> actions_;

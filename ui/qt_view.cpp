@@ -4,6 +4,7 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QMessageBox>
 #include <QScreen>
@@ -14,6 +15,7 @@
 
 #include "app/comm_properties.h"
 #include "app/startup.h"
+#include "app/transmit_options.h"
 #include "config/program_options.h"
 #include "core/messages.h"
 #include "core/reporting.h"
@@ -23,6 +25,7 @@
 #include "ui/program_options_dialog.h"
 #include "ui/receive_view.h"
 #include "ui/screen_scale.h"
+#include "ui/transmit_options_dialog.h"
 #include "ui/tray_icon.h"
 
 namespace wavetrace::ui {
@@ -69,6 +72,7 @@ QtView::QtView(core::AppState& state, QObject* parent) : QObject(parent), state_
           [this](const QString& text) { state_.Screen.SetTxText(text.toStdU16String()); });
   connect(window_.get(), &MainWindowWidget::TransmitHistoryChosen, this,
           [this](int index) { state_.Screen.SetTxSelection(index); });
+  connect(window_.get(), &MainWindowWidget::SendFileRequested, this, &QtView::ChooseFileToSend);
   connect(window_.get(), &MainWindowWidget::FirstShown, this, &QtView::OnFirstShown);
 
   if (QSystemTrayIcon::isSystemTrayAvailable()) {
@@ -269,6 +273,44 @@ void QtView::ShowProgramOptions() {
   options.DisableIcon = values.DisableIcon;
   bool saved = config::SaveProgramOptions(state_) == 0;
   core::ShowStatus(state_, saved ? u"Program Options saved." : u"Program Options could not be saved.");
+}
+
+void QtView::ShowTransmitOptions() {
+  TransmitOptionsDialog dialog(app::TransmitOptionsOf(state_), BoxParent());
+  dialog.setFont(window_->font());
+  // On a small screen the pages take the window's room, not more.
+  dialog.resize(dialog.sizeHint().boundedTo(window_->size()));
+  if (dialog.exec() != QDialog::Accepted) return;
+  app::ApplyTransmitOptions(state_, dialog.Values());
+}
+
+void QtView::ChooseFileToSend() {
+  // Qt's own dialog rather than the desktop's: it takes the window's font
+  // and size, which a 240x320 panel needs.
+  QFileDialog dialog(BoxParent(), QStringLiteral("Send file..."), sendFileFolder_);
+  dialog.setOption(QFileDialog::DontUseNativeDialog);
+  dialog.setFileMode(QFileDialog::ExistingFile);
+  dialog.setAcceptMode(QFileDialog::AcceptOpen);
+  dialog.setFont(window_->font());
+  if (dialog.minimumSizeHint().width() > window_->width()) {
+    // A narrow panel: the list of places, the detail columns and the tool
+    // buttons other than "up" and the one-entry type filter give their room
+    // to the file list.
+    dialog.setViewMode(QFileDialog::List);
+    for (const char* name : {"sidebar", "backButton", "forwardButton", "newFolderButton", "listModeButton",
+                             "detailModeButton", "fileTypeLabel", "fileTypeCombo"}) {
+      if (auto* part = dialog.findChild<QWidget*>(QLatin1String(name))) part->hide();
+    }
+  }
+  dialog.resize(dialog.sizeHint().boundedTo(window_->size()));
+  if (dialog.exec() != QDialog::Accepted) return;
+  const QStringList chosen = dialog.selectedFiles();
+  if (chosen.isEmpty() || chosen.front().isEmpty()) return;
+  const QString path = chosen.front();
+  sendFileFolder_ = QFileInfo(path).absolutePath();
+  // The field names the file; SEND then transmits the file instead of text.
+  const QString field = QStringLiteral("[File::") + path + QLatin1Char(']');
+  state_.Screen.SetTxText(field.toStdU16String());
 }
 
 void QtView::ShowCommProperties() {

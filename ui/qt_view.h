@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
 #include <atomic>
 #include <memory>
 
@@ -44,6 +45,7 @@ class QtView : public QObject, public core::FrontEnd {
   void RenderScreenChanges() override;
   void ShowAbout(std::u16string_view releaseLine, bool automationMode) override;
   void ShowProgramOptions() override;
+  void ShowTransmitOptions() override;
   void ShowCommProperties() override;
   std::u16string ChooseConfigFile(bool save, std::u16string_view current) override;
 
@@ -56,6 +58,7 @@ class QtView : public QObject, public core::FrontEnd {
   void OnFirstShown();
   void ShowWindow(bool shown);
   void Activate();
+  void ChooseFileToSend();
   [[nodiscard]] QWidget* BoxParent() const;
 
   core::AppState& state_;
@@ -64,6 +67,7 @@ class QtView : public QObject, public core::FrontEnd {
   QSocketNotifier* notifier_ = nullptr;
   QTimer* timer_ = nullptr;
   std::atomic<int> screenHeight_{0};
+  QString sendFileFolder_;
   bool loopEnded_ = false;
   bool waitCursor_ = false;
   bool rendering_ = false;

@@ -21,17 +21,19 @@ namespace wavetrace::app {
 
 int RunProgram(core::AppState& state, const std::function<int()>& messageLoop) {
   platform::SignalWatcher::Block();
+  // Watching from the start: a signal during start-up (a box may be up) ends
+  // the run as soon as the loop serves the exit command.
+  platform::SignalWatcher signals([&state](int) {
+    state.Queue.PostCommand(core::cmd::kExit);
+    if (state.View) state.View->InterruptModal();
+  });
   if (StartUp(state, platform::GetOsInfo()) != 0) {
     // Threads that were started must still end before the state goes away.
     if (state.RxThread || state.RxWndUpdate) Shutdown(state);
     if (state.View) state.View->RenderScreenChanges();
     return -1;
   }
-  int exitCode;
-  {
-    platform::SignalWatcher signals([&state](int) { state.Queue.PostCommand(core::cmd::kExit); });
-    exitCode = messageLoop();
-  }
+  int exitCode = messageLoop();
   // A loop that ended some other way still goes through the shutdown.
   if (!state.ShuttingDown) Shutdown(state);
   exitCode = AfterMessageLoop(state) == 0 ? exitCode : state.Queue.QuitCode();

@@ -40,6 +40,9 @@ class FrontEnd {
   virtual void ShowTransmitOptions() {}
   // The communication properties pages (port, line setting, flow control).
   virtual void ShowCommProperties() {}
+  // Called from any thread when the program is asked to end (SIGTERM) while a
+  // modal box may be up: no box may hold the shutdown up from then on.
+  virtual void InterruptModal() {}
   // Lets the user pick a configuration file to load (save false) or to save
   // to; empty when cancelled or when the front end has no file dialog.
   virtual std::u16string ChooseConfigFile(bool /*save*/, std::u16string_view /*current*/) { return {}; }

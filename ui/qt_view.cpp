@@ -141,6 +141,7 @@ QWidget* QtView::BoxParent() const {
 }
 
 void QtView::ShowMessageBox(std::u16string_view title, std::u16string_view text, core::BoxIcon icon) {
+  if (interrupted_) return;  // the program is ending: no one waits for an answer
   QMessageBox box(ToQtIcon(icon), QString::fromStdU16String(std::u16string(title)), BoxText(text),
                   QMessageBox::Ok, BoxParent());
   box.setTextFormat(Qt::PlainText);
@@ -322,6 +323,18 @@ void QtView::ShowCommProperties() {
   core::PortSettings edited = state_.Port;
   dialog.WriteValues(edited);
   app::ApplyPortPages(state_, edited);
+}
+
+void QtView::InterruptModal() {
+  interrupted_ = true;
+  QMetaObject::invokeMethod(
+      this,
+      [] {
+        while (QWidget* modal = QApplication::activeModalWidget()) {
+          if (!modal->close()) break;
+        }
+      },
+      Qt::QueuedConnection);
 }
 
 std::u16string QtView::ChooseConfigFile(bool save, std::u16string_view current) {

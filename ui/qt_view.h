@@ -48,6 +48,7 @@ class QtView : public QObject, public core::FrontEnd {
   void ShowTransmitOptions() override;
   void ShowCommProperties() override;
   std::u16string ChooseConfigFile(bool save, std::u16string_view current) override;
+  void InterruptModal() override;
 
  private:
   void PumpQueue();
@@ -72,6 +73,7 @@ class QtView : public QObject, public core::FrontEnd {
   bool waitCursor_ = false;
   bool rendering_ = false;
   bool renderAgain_ = false;
+  std::atomic<bool> interrupted_{false};
 };
 
 }  // namespace wavetrace::ui

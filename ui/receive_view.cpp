@@ -87,13 +87,25 @@ std::u16string ReceiveView::ModelText() const {
 }
 
 bool ReceiveView::AtEnd() const {
-  const QScrollBar* bar = verticalScrollBar();
-  return bar->value() >= bar->maximum();
+  // The last block in sight, whatever the lazily laid out scroll range says.
+  QTextCursor bottom = cursorForPosition(QPoint(0, viewport()->height() - 1));
+  return bottom.blockNumber() >= document()->blockCount() - 1;
 }
 
 void ReceiveView::ScrollToEnd() {
+  // The document lays itself out lazily: the scroll bar's maximum may still be
+  // the old one, so go by the caret, which makes the layout catch up.
+  // The user's selection stays as it was.
+  QTextCursor saved = textCursor();
+  QTextCursor end(document());
+  end.movePosition(QTextCursor::End);
+  setTextCursor(end);
+  ensureCursorVisible();
   QScrollBar* bar = verticalScrollBar();
   bar->setValue(bar->maximum());
+  int value = bar->value();
+  setTextCursor(saved);
+  bar->setValue(value);
 }
 
 QMimeData* ReceiveView::createMimeDataFromSelection() const {

@@ -17,7 +17,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::u16string path = core::Utf8ToWide(file.Path());
   int rc = config::ConfigLoadStore(state, store, path);
   core::AppState untouched;
-  if (rc != 0 && !(state.Port == untouched.Port && state.Data == untouched.Data && state.Log == untouched.Log)) {
+  if (rc != 0 &&
+      !(state.Port == untouched.Port && state.Data == untouched.Data && state.Log == untouched.Log)) {
     std::abort();
   }
   // Whatever was loaded saves and loads again. (Not always to equal values:

@@ -12,38 +12,19 @@
 #include "core/code_page.h"
 #include "core/messages.h"
 #include "platform/pty.h"
+#include "program_fixture.h"
 #include "serial/port.h"
-#include "test_support.h"
 
 namespace wavetrace::serial {
 namespace {
 
 using namespace std::chrono_literals;
 
-class ReceivePathTest : public ::testing::Test {
+class ReceivePathTest : public testing::ProgramFixture {
  protected:
   void SetUp() override {
-    std::ofstream(folder.Path() + "/registry.txt")
-        << "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\nMajorVersion=dword:00000002\n"
-           "MinorVersion=dword:00000047\n";
-    state.View = &view;
-    state.ConfigFolder = core::Utf8ToWide(folder.Path());
-    ASSERT_EQ(app::StartUp(state, {true, "Linux", 6, 1, ""}), 0);
+    ProgramFixture::SetUp();
     ASSERT_TRUE(pty.Valid());
-  }
-  void TearDown() override {
-    app::Shutdown(state);
-    app::AfterMessageLoop(state);
-  }
-  // Serves the main thread's queue until the condition holds.
-  bool PumpUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit = 10s) {
-    auto deadline = std::chrono::steady_clock::now() + limit;
-    while (!condition()) {
-      if (std::chrono::steady_clock::now() > deadline) return false;
-      state.Queue.DispatchPending();
-      std::this_thread::sleep_for(2ms);
-    }
-    return true;
   }
   bool Play(const platform::PtyPair& device) {
     state.Port.SelectedPort = core::Utf8ToWide(device.SlavePath());
@@ -52,9 +33,6 @@ class ReceivePathTest : public ::testing::Test {
   }
   bool Closed() { return state.Screen.IsButtonEnabled(core::cmd::kPlay) && !state.PortOpen; }
 
-  testing::TempFolder folder;
-  core::AppState state;
-  testing::RecordingFrontEnd view;
   platform::PtyPair pty;
 };
 

@@ -9,10 +9,10 @@
 #include "app/startup.h"
 #include "core/code_page.h"
 #include "core/messages.h"
+#include "program_fixture.h"
 #include "serial/port.h"
 #include "serial/simulated_device.h"
 #include "serial/uart_model.h"
-#include "test_support.h"
 
 namespace wavetrace::serial {
 namespace {
@@ -91,29 +91,10 @@ TEST(SimulatedDevice, SentencesCarryTheirChecksums) {
   }
 }
 
-class SimulatedPortTest : public ::testing::Test {
+class SimulatedPortTest : public testing::ProgramFixture {
  protected:
-  void SetUp() override {
-    std::ofstream(folder.Path() + "/registry.txt")
-        << "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\nMajorVersion=dword:00000002\n"
-           "MinorVersion=dword:00000047\nSimulatedSentenceMs=dword:000000c8\n";
-    state.View = &view;
-    state.ConfigFolder = core::Utf8ToWide(folder.Path());
-    ASSERT_EQ(app::StartUp(state, {true, "Linux", 6, 1, ""}), 0);
-  }
-  void TearDown() override {
-    app::Shutdown(state);  // possibly with the port still open
-    app::AfterMessageLoop(state);
-  }
-  bool PumpUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit = 10s) {
-    auto deadline = std::chrono::steady_clock::now() + limit;
-    while (!condition()) {
-      if (std::chrono::steady_clock::now() > deadline) return false;
-      state.Queue.DispatchPending();
-      std::this_thread::sleep_for(2ms);
-    }
-    return true;
-  }
+  // Sentences five times a second keep the tests short.
+  [[nodiscard]] std::string ExtraRegistry() const override { return "SimulatedSentenceMs=dword:000000c8\n"; }
   bool Play(uint32_t baud, int bits, const char16_t* parity, const char16_t* stop) {
     state.Port.SelectedPort = u"VSP0:";
     state.Port.SelectedBaud = baud;
@@ -128,10 +109,6 @@ class SimulatedPortTest : public ::testing::Test {
     state.Queue.SendCommand(core::cmd::kStop);
     return PumpUntil([&] { return state.Screen.IsButtonEnabled(core::cmd::kPlay) && !state.PortOpen; });
   }
-
-  testing::TempFolder folder;
-  core::AppState state;
-  testing::RecordingFrontEnd view;
 };
 
 TEST_F(SimulatedPortTest, FoundByDiscoveryAndReadExactlyWithItsSetting) {

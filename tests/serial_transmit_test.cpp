@@ -14,10 +14,10 @@
 #include "core/messages.h"
 #include "platform/files.h"
 #include "platform/pty.h"
+#include "program_fixture.h"
 #include "serial/file_transmit.h"
 #include "serial/port.h"
 #include "serial/tx_thread.h"
-#include "test_support.h"
 
 namespace wavetrace::serial {
 namespace {
@@ -68,33 +68,15 @@ TEST(TransmitArithmetic, FileChunks) {
   EXPECT_EQ(FileProgressPercent(0, 1), 100);
 }
 
-class TransmitTest : public ::testing::Test {
+class TransmitTest : public testing::ProgramFixture {
  protected:
   void SetUp() override {
-    std::ofstream(folder.Path() + "/registry.txt")
-        << "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\nMajorVersion=dword:00000002\n"
-           "MinorVersion=dword:00000047\n";
-    state.View = &view;
-    state.ConfigFolder = core::Utf8ToWide(folder.Path());
-    ASSERT_EQ(app::StartUp(state, {true, "Linux", 6, 1, ""}), 0);
+    ProgramFixture::SetUp();
     ASSERT_TRUE(device.Valid());
     state.Port.SelectedPort = core::Utf8ToWide(device.SlavePath());
     state.Port.SelectedBaud = 9600;
     state.Queue.SendCommand(core::cmd::kPlay);
     ASSERT_TRUE(PumpUntil([&] { return state.Screen.IsButtonEnabled(core::cmd::kStop); }));
-  }
-  void TearDown() override {
-    app::Shutdown(state);
-    app::AfterMessageLoop(state);
-  }
-  bool PumpUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit = 10s) {
-    auto deadline = std::chrono::steady_clock::now() + limit;
-    while (!condition()) {
-      if (std::chrono::steady_clock::now() > deadline) return false;
-      state.Queue.DispatchPending();
-      std::this_thread::sleep_for(2ms);
-    }
-    return true;
   }
   // Types the text and presses SEND; waits for the send to finish.
   bool Send(const std::u16string& text) {
@@ -110,9 +92,6 @@ class TransmitTest : public ::testing::Test {
     return path;
   }
 
-  testing::TempFolder folder;
-  core::AppState state;
-  testing::RecordingFrontEnd view;
   platform::PtyPair device;
 };
 

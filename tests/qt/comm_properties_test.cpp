@@ -19,6 +19,8 @@
 namespace wavetrace::ui {
 namespace {
 
+using testing::ClickCancel;
+using testing::ClickOk;
 using testing::GuiProgram;
 using testing::ModalHandler;
 using testing::WaitUntil;
@@ -67,20 +69,8 @@ QStringList BaudItems(const CommPropertiesDialog& dialog) {
   return items;
 }
 
-void ClickOk(CommPropertiesDialog& dialog) {
-  dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
-}
-
-void ClickCancel(CommPropertiesDialog& dialog) {
-  dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Cancel)->click();
-}
-
-// Opens the pages through the menu item and lets act work on them.
 bool RunPages(MainWindowWidget& window, const std::function<void(CommPropertiesDialog&)>& act) {
-  ModalHandler<CommPropertiesDialog> handler(act);
-  window.Action(cmd::kCommProperties)->trigger();
-  // The dialog has closed again once the queue is served.
-  return WaitUntil([&] { return handler.Handled() && !QApplication::activeModalWidget(); });
+  return testing::RunDialog<CommPropertiesDialog>(window, cmd::kCommProperties, act);
 }
 
 TEST(CommProperties, ShowsThePortTableAndOkStoresEveryValue) {

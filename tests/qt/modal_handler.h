@@ -1,10 +1,18 @@
 #pragma once
 
 // Shared by the Qt tests: reaching a modal dialog that runs its own loop.
+#include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QPushButton>
 #include <QTimer>
 #include <functional>
 #include <utility>
+
+#include "tests/qt/gui_program.h"
+#include "ui/main_window_widget.h"
 
 namespace wavetrace::ui::testing {
 
@@ -33,5 +41,22 @@ class ModalHandler {
   QTimer timer_;
   bool handled_ = false;
 };
+
+// Presses the dialog's OK or Cancel button, as a tap does.
+inline void ClickOk(QDialog& dialog) {
+  dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
+}
+inline void ClickCancel(QDialog& dialog) {
+  dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Cancel)->click();
+}
+
+// Opens a dialog of type T through the menu item of command and lets act work
+// on it; true once it has closed again and the queue was served.
+template <typename T>
+bool RunDialog(MainWindowWidget& window, int command, const std::function<void(T&)>& act) {
+  ModalHandler<T> handler(act);
+  window.Action(command)->trigger();
+  return WaitUntil([&] { return handler.Handled() && !QApplication::activeModalWidget(); });
+}
 
 }  // namespace wavetrace::ui::testing

@@ -26,25 +26,15 @@
 namespace wavetrace::ui {
 namespace {
 
+using testing::ClickCancel;
+using testing::ClickOk;
 using testing::GuiProgram;
 using testing::ModalHandler;
 using testing::WaitUntil;
 namespace cmd = core::cmd;
 
-void ClickOk(QDialog& dialog) {
-  dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
-}
-
-void ClickCancel(QDialog& dialog) {
-  dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Cancel)->click();
-}
-
-// Opens the sheet through the menu item and lets act work on it.
 bool RunSheet(MainWindowWidget& window, const std::function<void(TransmitOptionsDialog&)>& act) {
-  ModalHandler<TransmitOptionsDialog> handler(act);
-  window.Action(cmd::kTransmitOptions)->trigger();
-  // The sheet has closed again once the queue is served.
-  return WaitUntil([&] { return handler.Handled() && !QApplication::activeModalWidget(); });
+  return testing::RunDialog<TransmitOptionsDialog>(window, cmd::kTransmitOptions, act);
 }
 
 // Chooses the named key from the "Add..." menu, as a tap on it does.

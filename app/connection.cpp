@@ -1,6 +1,5 @@
 #include "app/connection.h"
 
-#include <cerrno>
 #include <cstring>
 
 #include "app/main_window.h"
@@ -17,22 +16,20 @@ void Play(core::AppState& state) {
   state.PlayFlag = true;
   state.Screen.EnableButton(kPlay, false);
   core::ShowStatus(state, u"Opening port...");
-  auto failed = [&state](const char16_t* message) {
-    int code = errno;
+  auto failed = [&state](const char16_t* message, const platform::SysResult& failure) {
     serial::ClosePort(state);
-    core::ShowStatusError(state, message, code);
+    core::ShowStatusError(state, message, failure);
     state.PlayFlag = false;
     state.Screen.EnableButton(kPlay, true);
     state.Screen.EnableButton(kMenuBarPlay, true);
   };
-  if (serial::ConfigurePort(state) == 0) {
-    failed(u"Error! Selected port failed to open. Check settings.");
+  platform::SysResult failure;
+  if (serial::ConfigurePort(state, failure) == 0) {
+    failed(u"Error! Selected port failed to open. Check settings.", failure);
     return;
   }
-  if (!state.RxThread || !state.RxThread->Resume()) {
-    errno = ECHILD;
-    failed(u"Error resuming suspended RxThread.");
-  }
+  // A thread that cannot be resumed leaves no system code behind.
+  if (!state.RxThread || !state.RxThread->Resume()) failed(u"Error resuming suspended RxThread.", {});
 }
 
 void Stop(core::AppState& state) {
@@ -53,8 +50,7 @@ void Send(core::AppState& state) {
   if (!state.PortOpen) return;
   state.TxActive = true;
   if (!state.TxThread || !state.TxThread->Resume()) {
-    errno = ECHILD;
-    core::ShowStatusError(state, u"Error resuming suspended TxThread.");
+    core::ShowStatusError(state, u"Error resuming suspended TxThread.", {});
     state.TxActive = false;
     state.Screen.EnableButton(kSend, true);
     state.Screen.SetTxEnabled(true);
@@ -106,7 +102,8 @@ void ShowClosedState(core::AppState& state) {
   if (IsCommandAvailable(kCommProperties)) screen.GreyMenuItem(kCommProperties, false);
   ShellNotification(state, kNotifyIdle);
   if (deviceGone) {
-    core::ShowStatusError(state, u"Port closed!  The device went away.", ENODEV);
+    // A hang-up leaves no error code: the words say it all.
+    core::ShowStatus(state, u"Port closed!  The device went away.");
   } else {
     core::ShowStatus(state, u"Port closed!  Send/Receive deactivated.");
   }

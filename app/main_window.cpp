@@ -222,12 +222,13 @@ void LoadStartConfiguration(core::AppState& state) {
   if (state.ProgramOptions.DEFAULTcfg != 1) config::ConfigLoad(state, state.CurrentConfigPath);
   const auto& sw = state.Switches;
   if (!sw.ConfigPath.empty()) {
-    if (config::ConfigLoad(state, sw.ConfigPath) == 0) {
+    platform::SysResult failure;
+    if (config::ConfigLoad(state, sw.ConfigPath, failure) == 0) {
       state.CurrentConfigPath = sw.ConfigPath;
-    } else if (state.Screen.Status().find(u"Invalid config file") == std::u16string::npos) {
+    } else if (!failure) {
       // The load says nothing when the file cannot be opened; asked for by
       // name, that must not pass in silence.
-      core::ShowStatusError(state, u"Config file not found [" + sw.ConfigPath + u"]");
+      core::ShowStatusError(state, u"Config file not found [" + sw.ConfigPath + u"]", failure);
     }
   }
   // A line setting from the command line goes over the loaded one, and the

@@ -66,7 +66,7 @@ int CreateWorkerThreads(core::AppState& state) {
   for (auto& plan : plans) {
     plan.slot = Create(plan.name, std::move(plan.body), plan.suspended);
     if (!plan.slot) {
-      core::ShowErrorBox(state, plan.failure);
+      core::ShowErrorBox(state, plan.failure, {});
       return -1;
     }
   }

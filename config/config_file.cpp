@@ -309,13 +309,17 @@ void SaveHistory(Writer& w, const core::MainScreen& screen) {
   }
 }
 
-void LoadHistory(Reader& r, core::MainScreen& screen) {
+void LoadHistory(Reader& r, AppState& state) {
+  core::MainScreen& screen = state.Screen;
   r.Section("SentHistory");
   std::string countText;
   if (!r.Get("SentHistoryCount", countText, true)) return;
   screen.SetTxText(u"");
   screen.SetTxHistory({});
-  int count = std::atoi(countText.c_str());
+  // The transmit path counts its own additions from here.
+  state.SentHistoryCount = 0;
+  // The drop-down keeps three texts: a larger count in a file is held to that.
+  int count = std::clamp(std::atoi(countText.c_str()), 0, AppState::kSentHistoryKept);
   std::vector<std::u16string> entries;
   for (int n = 0; n < count; ++n) {
     r.Section(Numbered("SentHistory_%02d", n));
@@ -345,7 +349,7 @@ void TakeSettingsSnapshot(AppState& state) {
 int ConfigSave(AppState& state, const std::u16string& path) {
   std::string file = FilePath(path);
   if (file.empty()) {
-    core::ShowErrorBox(state, u"Config Error: converting Unicode to ASCII.");
+    core::ShowErrorBox(state, u"Config Error: converting Unicode to ASCII.", {});
     return 1;
   }
   IniStore ini;
@@ -361,9 +365,9 @@ int ConfigSave(AppState& state, const std::u16string& path) {
   WalkLogSection(w, state.Log);
   SaveHistory(w, state.Screen);
   WalkButtonSections(w, state.Data);
-  if (ini.Close() != 0) {
+  if (platform::SysResult written; ini.Close(written) != 0) {
     // Unlike a silent "Saved", a file that could not be written is said so.
-    core::ShowStatusError(state, Bracketed(u"Error writing config file", path));
+    core::ShowStatusError(state, Bracketed(u"Error writing config file", path), written);
     return 1;
   }
   core::ShowStatus(state, Bracketed(u"Saved config file", path));
@@ -371,14 +375,24 @@ int ConfigSave(AppState& state, const std::u16string& path) {
 }
 
 int ConfigLoad(AppState& state, const std::u16string& path) {
+  platform::SysResult failure;
+  return ConfigLoad(state, path, failure);
+}
+
+int ConfigLoad(AppState& state, const std::u16string& path, platform::SysResult& failure) {
+  failure = {};
   std::string file = FilePath(path);
   if (file.empty()) {
-    core::ShowErrorBox(state, u"Config Load Error: converting Unicode to ASCII.");
+    core::ShowErrorBox(state, u"Config Load Error: converting Unicode to ASCII.", {});
     return 1;
   }
-  auto size = platform::FileSize(file);
-  if (!size || IniFileExists(file.c_str()) != 0) return 1;
-  if (*size < kMinimumConfigBytes) {
+  uint64_t size = 0;
+  if (failure = platform::FileSize(file, size); !failure) return 1;
+  if (IniFileExists(file.c_str()) != 0) {
+    failure = {0, "fopen"};
+    return 1;
+  }
+  if (size < kMinimumConfigBytes) {
     core::ShowStatus(state, Bracketed(u"Invalid config file", path, u"].  Size too small."));
     return 1;
   }
@@ -404,7 +418,7 @@ int ConfigLoadStore(AppState& state, IniStore& ini, const std::u16string& path) 
   WalkDataSections(r, state.Data);
   LoadPostambleAndRules(r, state.Data);
   WalkLogSection(r, state.Log);
-  LoadHistory(r, state.Screen);
+  LoadHistory(r, state);
   WalkButtonSections(r, state.Data);
   TakeSettingsSnapshot(state);
 

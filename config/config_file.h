@@ -3,6 +3,7 @@
 #include <string>
 
 #include "core/app_state.h"
+#include "platform/system_error.h"
 
 namespace wavetrace::config {
 
@@ -16,6 +17,9 @@ int ConfigSave(core::AppState& state, const std::u16string& path);
 // the signature changes nothing and returns 1; missing keys leave their
 // settings as they were and are counted in state.LoadWarnings.
 int ConfigLoad(core::AppState& state, const std::u16string& path);
+// The same, with why a file that could not be opened could not (the load
+// itself says nothing then; the caller may).
+int ConfigLoad(core::AppState& state, const std::u16string& path, platform::SysResult& failure);
 
 class IniStore;
 // The part of ConfigLoad after the file checks: the signature, then every

@@ -116,9 +116,10 @@ int IniOpen(std::unique_ptr<IniFile>& handle, const char* path, int createEmpty)
   return 0;
 }
 
-int IniClose(std::unique_ptr<IniFile>& handle) {
+int IniClose(std::unique_ptr<IniFile>& handle, platform::SysResult* saveFailure) {
   int result = 0;
   if (handle && handle->dirty && handle->fileName) result = IniSave(handle.get(), nullptr);
+  if (saveFailure && handle) *saveFailure = handle->lastSave;
   handle.reset();
   return result;
 }
@@ -228,7 +229,10 @@ int IniLoad(IniFile* ini, const char* path) {
 
 int IniSave(IniFile* ini, const char* path) {
   IniSetFileName(ini, path);
-  if (!ini->fileName) return -1;
+  if (!ini->fileName) {
+    ini->lastSave = {0, "no file name"};
+    return -1;
+  }
   std::vector<const IniHashTable::Entry*> entries;
   ini->table.ForEach([&](const IniHashTable::Entry& e) {
     if (e.value) entries.push_back(&e);
@@ -250,7 +254,8 @@ int IniSave(IniFile* ini, const char* path) {
       text += "\r\n";
     }
   }
-  if (!platform::WriteFileAtomically(*ini->fileName, text)) return -1;
+  ini->lastSave = platform::WriteFileAtomically(*ini->fileName, text);
+  if (!ini->lastSave) return -1;
   ini->dirty = 0;
   return 0;
 }

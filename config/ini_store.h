@@ -4,6 +4,8 @@
 #include <memory>
 #include <string>
 
+#include "platform/system_error.h"
+
 namespace wavetrace::config {
 
 // The store behind configuration files: sections of key=value lines in an
@@ -59,6 +61,7 @@ struct IniFile {
   uint8_t dirty = 0;
   int32_t count = 0;
   std::unique_ptr<std::string> fileName;
+  platform::SysResult lastSave;  // how the last save went
 };
 
 // All return 0 for success and -1 for failure unless said otherwise.
@@ -66,7 +69,7 @@ struct IniFile {
 // unreadable file gives an empty store and still succeeds.
 int IniOpen(std::unique_ptr<IniFile>& handle, const char* path, int createEmpty);
 // Saves when dirty, then frees the store. 0, or -1 when the save failed.
-int IniClose(std::unique_ptr<IniFile>& handle);
+int IniClose(std::unique_ptr<IniFile>& handle, platform::SysResult* saveFailure = nullptr);
 // Copies the value into buffer; -1 (and an empty buffer) when not found. A
 // value longer than bufferSize allows is cut to bufferSize - 3 characters, in
 // the result and in the store.
@@ -93,6 +96,11 @@ class IniStore {
     return IniOpen(ini_, path.c_str(), createEmpty ? 1 : 0);
   }
   int Close() { return ini_ ? IniClose(ini_) : 0; }
+  // The same, with why a save that failed failed.
+  int Close(platform::SysResult& failure) {
+    failure = {};
+    return ini_ ? IniClose(ini_, &failure) : 0;
+  }
   // False when missing; the value is read through a buffer of bufferSize bytes.
   bool Get(const std::string& section, const std::string& key, std::string& value, int bufferSize = 512);
   int Set(const std::string& section, const std::string& key, const std::string& value);

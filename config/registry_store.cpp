@@ -12,18 +12,22 @@ namespace {
 
 // One read-modify-write of the file under its lock. change gets the store
 // (holding the file's contents) and returns whether to write it back.
-bool Update(const std::string& file, const std::function<bool(IniStore&)>& change) {
+platform::SysResult Update(const std::string& file, const std::function<bool(IniStore&)>& change) {
   platform::FileLock lock(file);
-  if (!lock.Held()) return false;
+  if (!lock.Held()) return lock.Failure();
   // A file that is there but cannot be read must not be replaced by an empty one.
-  if (platform::FileExists(file) && IniFileExists(file.c_str()) != 0) return false;
+  std::string contents;
+  if (platform::FileExists(file)) {
+    if (platform::SysResult read = platform::ReadWholeFile(file, contents); !read) return read;
+  }
   IniStore store;
-  if (store.Open(file, false) != 0) return false;
+  if (store.Open(file, false) != 0) return platform::OutOfMemory();
   if (!change(store)) {
     store.Raw()->dirty = 0;
-    return true;
+    return {};
   }
-  return IniSave(store.Raw(), nullptr) == 0;
+  IniSave(store.Raw(), nullptr);
+  return store.Raw()->lastSave;
 }
 
 // Every name of a section, read through the store's own table.
@@ -38,24 +42,27 @@ std::map<std::string, std::string> Values(const IniStore& store, const std::stri
 
 }  // namespace
 
-bool RegistryStore::CreateKey(const std::string& keyPath, RegistryKey& key, bool& created) const {
+platform::SysResult RegistryStore::CreateKey(const std::string& keyPath, RegistryKey& key,
+                                             bool& created) const {
   created = false;
   key.Close();
   size_t slash = file_.rfind('/');
-  if (slash != std::string::npos && slash > 0 && !platform::MakeFolders(file_.substr(0, slash))) return false;
+  if (slash != std::string::npos && slash > 0) {
+    if (platform::SysResult folder = platform::MakeFolders(file_.substr(0, slash)); !folder) return folder;
+  }
   std::map<std::string, std::string> values;
   // A key lives in the file through its values: one without any counts as
   // new, and its first value creates it.
-  bool ok = Update(file_, [&](IniStore& store) {
+  platform::SysResult result = Update(file_, [&](IniStore& store) {
     values = Values(store, keyPath);
     created = values.empty();
     return false;
   });
-  if (!ok) return false;
+  if (!result) return result;
   key.file_ = file_;
   key.path_ = keyPath;
   key.values_ = std::move(values);
-  return true;
+  return {};
 }
 
 bool RegistryKey::QueryDword(const std::string& name, uint32_t& value) const {

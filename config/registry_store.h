@@ -4,6 +4,8 @@
 #include <map>
 #include <string>
 
+#include "platform/system_error.h"
+
 namespace wavetrace::config {
 
 // The registry of a Linux install: one INI file in the configuration folder,
@@ -42,8 +44,8 @@ class RegistryStore {
   [[nodiscard]] const std::string& File() const { return file_; }
 
   // Opens keyPath; created tells whether it was missing (it comes into being
-  // with its first value). False when the file cannot be used.
-  bool CreateKey(const std::string& keyPath, RegistryKey& key, bool& created) const;
+  // with its first value). Fails when the file cannot be used.
+  platform::SysResult CreateKey(const std::string& keyPath, RegistryKey& key, bool& created) const;
 
  private:
   std::string file_;

@@ -1,6 +1,5 @@
 #include "core/allocation.h"
 
-#include <cerrno>
 #include <new>
 #include <string>
 
@@ -18,15 +17,14 @@ int Allocate(AppState& state, Buffer<T>& slot, int64_t count, const char16_t* un
     data = new (std::nothrow) T[static_cast<size_t>(count) + Buffer<T>::kSpare]();
   }
   if (!data) {
-    errno = ENOMEM;
-    WriteErrorBlock(state, u"Error allocating memory space. Possibly low on memory.");
+    WriteErrorBlock(state, u"Error allocating memory space. Possibly low on memory.",
+                    platform::OutOfMemory());
     std::u16string requested = u"Requested ";
     requested += unitLabel;
     requested += u"=[";
     for (char c : std::to_string(count)) requested += static_cast<char16_t>(c);
     requested += u"]";
-    WriteErrorBlock(state, requested);
-    errno = ENOMEM;
+    WriteErrorBlock(state, requested, platform::OutOfMemory());
     return 1;
   }
   slot.Adopt(std::unique_ptr<T[]>(data), static_cast<size_t>(count));

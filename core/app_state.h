@@ -94,8 +94,10 @@ struct AppState {
   std::atomic<bool> TxActive{false};
   std::atomic<bool> TxRepeat{false};    // the REPEAT toggle
   std::atomic<bool> TxShowSent{false};  // the sent text is still to be shown once
-  int32_t SentHistoryCount = 0;         // entries the transmit thread added to the history
-  std::u16string PendingSendText;       // --send: sent once the port has opened
+  // Sent texts the transmit field's drop-down keeps, the oldest dropped first.
+  static constexpr int32_t kSentHistoryKept = 3;
+  int32_t SentHistoryCount = 0;    // entries the transmit thread added to the history
+  std::u16string PendingSendText;  // --send: sent once the port has opened
   std::atomic<bool> PortScanMode{false};
   std::atomic<bool> PortOpen{false};  // the port handle is valid
   bool SoftwareButtonsShown = false;

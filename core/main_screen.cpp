@@ -214,8 +214,10 @@ std::vector<std::u16string> MainScreen::TxHistory() const {
 }
 
 void MainScreen::SetTxSelection(int index) {
+  // Choosing an entry of the drop-down puts its text in the field.
   WAVETRACE_CONTROL_SETTER(txSelection_ =
-                               (index >= 0 && index < static_cast<int>(txHistory_.size())) ? index : -1);
+                               (index >= 0 && index < static_cast<int>(txHistory_.size())) ? index : -1;
+                           if (txSelection_ >= 0) txText_ = txHistory_[static_cast<size_t>(txSelection_)]);
 }
 
 int MainScreen::TxSelection() const {

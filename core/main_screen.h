@@ -80,7 +80,8 @@ class MainScreen {
   void SetTxHistory(std::vector<std::u16string> items);
   void AddTxHistory(std::u16string_view item);
   [[nodiscard]] std::vector<std::u16string> TxHistory() const;
-  // Index of the selected history entry, -1 for none.
+  // Index of the selected history entry, -1 for none; selecting an entry puts
+  // its text in the field.
   void SetTxSelection(int index);
   [[nodiscard]] int TxSelection() const;
 

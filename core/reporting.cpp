@@ -21,14 +21,20 @@ std::u16string Bounded(std::u16string text, size_t chars) {
 
 }  // namespace
 
-std::u16string FormatErrorCode(int code) {
+std::u16string FormatErrorCode(const platform::SysResult& failure) {
+  int code = failure.Errno;
   char head[64];
   std::snprintf(head, sizeof head, ": Error code=%d (0x%0x)", code, static_cast<unsigned>(code));
   std::u16string text = Utf8ToWide(head);
-  if (platform::IsDeviceBusyOrGone(code)) {
+  if (platform::IsDeviceBusyOrGone(failure)) {
     text += u"  Desc: The specified network resource or device is either busy or no longer available.";
   }
   if (code != 0) text += u" (" + Utf8ToWide(platform::ErrorText(code)) + u")";
+  if (platform::IsPortAccessDenied(failure)) {
+    text +=
+        u"  Hint: ports belong to the dialout group; join it with \"sudo usermod -aG dialout $USER\", "
+        u"then log in again.";
+  }
   return text;
 }
 
@@ -36,12 +42,8 @@ void ShowStatus(AppState& state, std::u16string_view text) {
   state.Screen.SetStatus(text);
 }
 
-void ShowStatusError(AppState& state, std::u16string_view text) {
-  ShowStatusError(state, text, platform::LastError());
-}
-
-void ShowStatusError(AppState& state, std::u16string_view text, int code) {
-  std::u16string message = Bounded(std::u16string(text) + FormatErrorCode(code), kStatusErrorChars);
+void ShowStatusError(AppState& state, std::u16string_view text, const platform::SysResult& failure) {
+  std::u16string message = Bounded(std::u16string(text) + FormatErrorCode(failure), kStatusErrorChars);
   if (state.PortScanMode) {
     // The first append is overwritten by the replacement: the window ends up
     // holding only the message and a line end, as port scan mode wants.
@@ -67,21 +69,16 @@ void ShowMessageBox(AppState& state, std::u16string_view title, std::u16string_v
   });
 }
 
-void ShowErrorBox(AppState& state, std::u16string_view text) {
-  ShowErrorBox(state, text, platform::LastError());
-}
-
-void ShowErrorBox(AppState& state, std::u16string_view text, int code) {
+void ShowErrorBox(AppState& state, std::u16string_view text, const platform::SysResult& failure) {
   std::lock_guard lock(state.MemLock);
   std::u16string message = Bounded(std::u16string(text), kErrorBoxChars);
-  message = Bounded(message + FormatErrorCode(code), kErrorBoxChars);
+  message = Bounded(message + FormatErrorCode(failure), kErrorBoxChars);
   ShowMessageBox(state, u"Error...", message, BoxIcon::kStop);
 }
 
-void WriteErrorBlock(AppState& state, std::u16string_view text) {
-  int code = platform::LastError();
+void WriteErrorBlock(AppState& state, std::u16string_view text, const platform::SysResult& failure) {
   if (!state.MainWindowExists) return;
-  std::u16string block = u"\r\n***\r\n" + std::u16string(text) + FormatErrorCode(code) + u"\r\n***\r\n";
+  std::u16string block = u"\r\n***\r\n" + std::u16string(text) + FormatErrorCode(failure) + u"\r\n***\r\n";
   state.Screen.RxInsertAtCaret(Bounded(std::move(block), kStatusErrorChars));
 }
 

@@ -42,89 +42,77 @@ std::string DocumentsFolder() {
   return WithoutTrailingSlash(Home());
 }
 
-bool MakeFolders(const std::string& path) {
-  if (path.empty()) return false;
+SysResult MakeFolders(const std::string& path) {
+  if (path.empty()) return {0, "mkdir"};
   for (size_t pos = 1; pos <= path.size(); ++pos) {
     if (pos != path.size() && path[pos] != '/') continue;
     std::string part = path.substr(0, pos);
-    if (mkdir(part.c_str(), 0700) != 0 && errno != EEXIST) return false;
+    if (mkdir(part.c_str(), 0700) != 0 && errno != EEXIST) return FailedCall("mkdir");
   }
-  struct stat info {};
-  if (stat(path.c_str(), &info) != 0) return false;
-  if (!S_ISDIR(info.st_mode)) {
-    errno = ENOTDIR;
-    return false;
-  }
-  return true;
+  // Something that is not a folder may stand in the way: opening it as one
+  // says so (ENOTDIR).
+  int fd = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) return FailedCall("open");
+  close(fd);
+  return {};
 }
 
 bool FileExists(const std::string& path) {
   return access(path.c_str(), F_OK) == 0;
 }
 
-std::optional<uint64_t> FileSize(const std::string& path) {
+SysResult FileSize(const std::string& path, uint64_t& size) {
   struct stat info {};
-  if (stat(path.c_str(), &info) != 0) return std::nullopt;
-  if (S_ISDIR(info.st_mode)) {
-    errno = EISDIR;
-    return std::nullopt;
-  }
-  return static_cast<uint64_t>(info.st_size);
+  if (stat(path.c_str(), &info) != 0) return FailedCall("stat");
+  if (S_ISDIR(info.st_mode)) return {0, "not a file"};
+  size = static_cast<uint64_t>(info.st_size);
+  return {};
 }
 
-std::optional<std::string> ReadWholeFile(const std::string& path) {
+SysResult ReadWholeFile(const std::string& path, std::string& contents) {
+  contents.clear();
   int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (fd < 0) return std::nullopt;
-  std::string contents;
+  if (fd < 0) return FailedCall("open");
   char chunk[16384];
   for (;;) {
     ssize_t n = read(fd, chunk, sizeof chunk);
     if (n < 0 && errno == EINTR) continue;
     if (n < 0) {
-      int saved = errno;
+      SysResult failed = FailedCall("read");
       close(fd);
-      errno = saved;
-      return std::nullopt;
+      return failed;
     }
     if (n == 0) break;
     contents.append(chunk, static_cast<size_t>(n));
   }
   close(fd);
+  return {};
+}
+
+std::optional<std::string> ReadWholeFile(const std::string& path) {
+  std::string contents;
+  if (!ReadWholeFile(path, contents)) return std::nullopt;
   return contents;
 }
 
-bool WriteFileAtomically(const std::string& path, const std::string& contents) {
+SysResult WriteFileAtomically(const std::string& path, const std::string& contents) {
   std::string temp = path + ".tmp-" + std::to_string(getpid());
   int fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-  if (fd < 0) return false;
+  if (fd < 0) return FailedCall("open");
+  SysResult result;
   size_t done = 0;
-  while (done < contents.size()) {
+  while (done < contents.size() && result) {
     ssize_t n = write(fd, contents.data() + done, contents.size() - done);
     if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) {
-      int saved = n < 0 ? errno : ENOSPC;
-      close(fd);
-      unlink(temp.c_str());
-      errno = saved;
-      return false;
-    }
-    done += static_cast<size_t>(n);
+    if (n < 0) result = FailedCall("write");
+    if (n == 0) result = {0, "write"};
+    if (n > 0) done += static_cast<size_t>(n);
   }
-  int syncRc = fsync(fd);
-  int saved = errno;
-  if (close(fd) != 0 && syncRc == 0) syncRc = -1, saved = errno;
-  if (syncRc != 0) {
-    unlink(temp.c_str());
-    errno = saved;
-    return false;
-  }
-  if (rename(temp.c_str(), path.c_str()) != 0) {
-    saved = errno;
-    unlink(temp.c_str());
-    errno = saved;
-    return false;
-  }
-  return true;
+  if (result && fsync(fd) != 0) result = FailedCall("fsync");
+  if (close(fd) != 0 && result) result = FailedCall("close");
+  if (result && rename(temp.c_str(), path.c_str()) != 0) result = FailedCall("rename");
+  if (!result) unlink(temp.c_str());
+  return result;
 }
 
 }  // namespace wavetrace::platform

@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+#include "platform/system_error.h"
+
 namespace wavetrace::platform {
 
 // The folder that takes the place of the program folder: $WAVETRACE_HOME,
@@ -13,15 +15,17 @@ std::string ConfigFolder();
 // The user's documents folder ($XDG_DOCUMENTS_DIR, else the home folder).
 std::string DocumentsFolder();
 
-// Creates the folder and its parents; true when it exists afterwards.
-bool MakeFolders(const std::string& path);
+// Creates the folder and its parents; succeeds when it exists afterwards.
+SysResult MakeFolders(const std::string& path);
 bool FileExists(const std::string& path);
-// Size in bytes, or nothing when the file cannot be examined (errno tells why).
-std::optional<uint64_t> FileSize(const std::string& path);
-// Whole file, or nothing when it cannot be read (errno tells why).
+// Size in bytes of a file that can be examined (a folder cannot).
+SysResult FileSize(const std::string& path, uint64_t& size);
+// The whole file.
+SysResult ReadWholeFile(const std::string& path, std::string& contents);
+// The whole file, or nothing when it cannot be read.
 std::optional<std::string> ReadWholeFile(const std::string& path);
 // Writes a temporary file beside path and renames it over path, so a full
-// disk or a crash never leaves a half-written file. False with errno set.
-bool WriteFileAtomically(const std::string& path, const std::string& contents);
+// disk or a crash never leaves a half-written file.
+SysResult WriteFileAtomically(const std::string& path, const std::string& contents);
 
 }  // namespace wavetrace::platform

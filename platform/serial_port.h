@@ -4,6 +4,8 @@
 #include <memory>
 #include <string>
 
+#include "platform/system_error.h"
+
 namespace wavetrace::platform {
 
 enum class Parity { kNone, kOdd, kEven, kMark, kSpace };
@@ -34,25 +36,27 @@ inline constexpr uint32_t kDefaultMask = kRxChar | kRxFlag | kTxEmpty | kBreak |
 }  // namespace event
 
 // An open serial port: a terminal device or a backend inside the program.
-// Errors are reported through errno-style codes, never thrown.
+// Failures come back as results (or -1 counts with the result kept), never
+// thrown.
 class SerialPort {
  public:
   virtual ~SerialPort() = default;
 
-  // Applies the line setting. 0 on success, else an error code; error then
-  // holds what went wrong in words.
-  virtual int Configure(const LineSettings& settings, std::string& error) = 0;
+  // Applies the line setting. A failure to read the device's current setting
+  // (the device is no serial port) comes back with refusal empty; any other
+  // failure says in refusal, in words, what the driver or Linux refused.
+  virtual SysResult Configure(const LineSettings& settings, std::string& refusal) = 0;
   // Blocks until an event in the mask, and returns it; 0 when the mask was
   // set to 0 (close), the device hung up, or the wait failed.
   virtual uint32_t WaitEvent() = 0;
   // A mask of 0 wakes a pending wait with 0.
   virtual void SetEventMask(uint32_t mask) = 0;
   // Reads what is queued, at most count bytes, without waiting. Returns the
-  // count (0: nothing there, or the device hung up), or -1 with errno set.
-  virtual int Read(uint8_t* buffer, int count) = 0;
+  // count (0: nothing there, or the device hung up), or -1 with failure set.
+  virtual int Read(uint8_t* buffer, int count, SysResult& failure) = 0;
   // Writes count bytes, waiting at most timeoutMs in all. Returns the bytes
-  // written (fewer on a time-out), or -1 with errno set.
-  virtual int Write(const uint8_t* data, int count, int timeoutMs) = 0;
+  // written (fewer on a time-out), or -1 with failure set.
+  virtual int Write(const uint8_t* data, int count, int timeoutMs, SysResult& failure) = 0;
   // Throws away both queues.
   virtual void Purge() = 0;
   // Sets or clears the RTS and DTR lines; ports without modem lines ignore it.
@@ -70,8 +74,8 @@ class SerialPort {
 // can be applied.
 std::string CheckLineSettings(const LineSettings& settings);
 
-// Opens a terminal device exclusively (a port held by another program is
-// refused with EBUSY). Null with errno set on failure.
-std::unique_ptr<SerialPort> OpenTermiosPort(const std::string& path);
+// Opens a terminal device exclusively. Null on failure, with failure set; a
+// port that another program holds fails its kLockPortOperation as busy.
+std::unique_ptr<SerialPort> OpenTermiosPort(const std::string& path, SysResult& failure);
 
 }  // namespace wavetrace::platform

@@ -5,12 +5,12 @@
 
 namespace wavetrace::platform {
 
-int LastError() {
-  return errno;
+SysResult FailedCall(const char* operation) {
+  return {errno, operation};
 }
 
-void SetLastError(int code) {
-  errno = code;
+SysResult OutOfMemory() {
+  return {ENOMEM, "allocate"};
 }
 
 std::string ErrorText(int code) {
@@ -20,8 +20,17 @@ std::string ErrorText(int code) {
   return text ? text : buffer;
 }
 
-bool IsDeviceBusyOrGone(int code) {
-  return code == EBUSY || code == ENODEV || code == ENXIO || code == EIO;
+bool IsDeviceBusyOrGone(const SysResult& result) {
+  int code = result.Errno;
+  // Another program's lock on the port answers "would block": it is busy.
+  bool locked =
+      result.Operation && std::strcmp(result.Operation, kLockPortOperation) == 0 && code == EWOULDBLOCK;
+  return locked || code == EBUSY || code == ENODEV || code == ENXIO || code == EIO;
+}
+
+bool IsPortAccessDenied(const SysResult& result) {
+  return result.Operation && std::strcmp(result.Operation, kOpenPortOperation) == 0 &&
+         (result.Errno == EACCES || result.Errno == EPERM);
 }
 
 }  // namespace wavetrace::platform

@@ -19,12 +19,6 @@
 namespace wavetrace::platform {
 namespace {
 
-// Pseudo-terminals (and older kernels) answer modem-line requests so: the
-// port simply has no such lines.
-bool NotSupported(int code) {
-  return code == ENOTTY || code == EINVAL;
-}
-
 class TermiosPort : public SerialPort {
  public:
   explicit TermiosPort(int fd) : fd_(fd) {}
@@ -32,38 +26,35 @@ class TermiosPort : public SerialPort {
   TermiosPort(const TermiosPort&) = delete;
   TermiosPort& operator=(const TermiosPort&) = delete;
 
-  int Configure(const LineSettings& settings, std::string& error) override {
+  SysResult Configure(const LineSettings& settings, std::string& refusal) override {
     std::shared_lock lock(closing_);
-    if (fd_ < 0) return EBADF;
+    refusal.clear();
+    if (fd_ < 0) return {0, "closed port"};
     termios current{};
-    if (tcgetattr(fd_, &current) != 0) {
-      int code = errno;
-      error = "the device is not a serial port (" + ErrorText(code) + ")";
-      return code;
-    }
+    if (tcgetattr(fd_, &current) != 0) return FailedCall("tcgetattr");
     TermiosRecord record;
-    error = MakeTermios(settings, current, record);
-    if (!error.empty()) return EINVAL;
+    refusal = MakeTermios(settings, current, record);
+    if (!refusal.empty()) return {0, "line setting"};
     if (tcsetattr(fd_, TCSANOW, &record.Tio) != 0) {
-      int code = errno;
-      error = "the driver refused the line setting (" + ErrorText(code) + ")";
-      return code;
+      SysResult failed = FailedCall("tcsetattr");
+      refusal = "the driver refused the line setting";
+      return failed;
     }
     if (record.Custom) {
-      if (int code = SetCustomRate(fd_, record.Rate); code != 0) {
-        error = "the driver refused " + std::to_string(record.Rate) + " baud (" + ErrorText(code) + ")";
-        return code;
+      if (SysResult failed = SetCustomRate(fd_, record.Rate); !failed) {
+        refusal = "the driver refused " + std::to_string(record.Rate) + " baud";
+        return failed;
       }
     }
     // A driver may round or ignore a rate without saying so: look.
     uint32_t held = CurrentRate(fd_);
     if (held != 0 && !WithinTwoPercent(held, record.Rate)) {
-      error = "the driver cannot run at " + std::to_string(record.Rate) + " baud (it offers " +
-              std::to_string(held) + ")";
-      return EINVAL;
+      refusal = "the driver cannot run at " + std::to_string(record.Rate) + " baud (it offers " +
+                std::to_string(held) + ")";
+      return {0, "baud rate"};
     }
     ApplyModemLines(settings.Rts, settings.Dtr);
-    return 0;
+    return {};
   }
 
   uint32_t WaitEvent() override {
@@ -101,10 +92,10 @@ class TermiosPort : public SerialPort {
     wake_.Signal();
   }
 
-  int Read(uint8_t* buffer, int count) override {
+  int Read(uint8_t* buffer, int count, SysResult& failure) override {
     std::shared_lock lock(closing_);
     if (fd_ < 0) {
-      errno = EBADF;
+      failure = {0, "closed port"};
       return -1;
     }
     for (;;) {
@@ -112,15 +103,16 @@ class TermiosPort : public SerialPort {
       if (n >= 0) return static_cast<int>(n);
       if (errno == EINTR) continue;
       if (errno == EAGAIN) return 0;
-      if (errno == EIO) hungUp_ = true;
+      failure = FailedCall("read");
+      if (failure.Errno == EIO) hungUp_ = true;
       return -1;
     }
   }
 
-  int Write(const uint8_t* data, int count, int timeoutMs) override {
+  int Write(const uint8_t* data, int count, int timeoutMs, SysResult& failure) override {
     std::shared_lock lock(closing_);
     if (fd_ < 0) {
-      errno = EBADF;
+      failure = {0, "closed port"};
       return -1;
     }
     using Clock = std::chrono::steady_clock;
@@ -133,7 +125,10 @@ class TermiosPort : public SerialPort {
         continue;
       }
       if (n < 0 && errno == EINTR) continue;
-      if (n < 0 && errno != EAGAIN) return done > 0 ? done : -1;
+      if (n < 0 && errno != EAGAIN) {
+        failure = FailedCall("write");
+        return done > 0 ? done : -1;
+      }
       auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
       if (left <= 0) break;
       pollfd pfd{fd_, POLLOUT, 0};
@@ -155,10 +150,9 @@ class TermiosPort : public SerialPort {
   void ApplyModemLines(bool rts, bool dtr) {
     int set = (rts ? TIOCM_RTS : 0) | (dtr ? TIOCM_DTR : 0);
     int clear = (rts ? 0 : TIOCM_RTS) | (dtr ? 0 : TIOCM_DTR);
-    int saved = errno;
-    if (set && ioctl(fd_, TIOCMBIS, &set) != 0 && !NotSupported(errno)) saved = errno;
-    if (clear && ioctl(fd_, TIOCMBIC, &clear) != 0 && !NotSupported(errno)) saved = errno;
-    errno = saved;
+    // Modem lines are best effort: a port without them simply has none.
+    if (set) ioctl(fd_, TIOCMBIS, &set);
+    if (clear) ioctl(fd_, TIOCMBIC, &clear);
   }
 
   void SendXoff() override {
@@ -192,18 +186,21 @@ class TermiosPort : public SerialPort {
 
 }  // namespace
 
-std::unique_ptr<SerialPort> OpenTermiosPort(const std::string& path) {
+std::unique_ptr<SerialPort> OpenTermiosPort(const std::string& path, SysResult& failure) {
   int fd = open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-  if (fd < 0) return nullptr;
+  if (fd < 0) {
+    failure = FailedCall(kOpenPortOperation);
+    return nullptr;
+  }
   // Another program holding the port keeps its lock: refuse instead of
   // sharing the line. TIOCEXCL does not stop root, the lock does.
   if (flock(fd, LOCK_EX | LOCK_NB) != 0) {
+    failure = FailedCall(kLockPortOperation);
     close(fd);
-    errno = EBUSY;
     return nullptr;
   }
   ioctl(fd, TIOCEXCL);
-  errno = 0;
+  failure = {};
   return std::make_unique<TermiosPort>(fd);
 }
 

@@ -23,7 +23,7 @@ int AppendToLogCache(core::AppState& state, const uint8_t* bytes, uint32_t n) {
   if (state.DataLogCache.Empty()) return 0;
   uint8_t* cache = state.DataLogCache.Data();
   if (state.DataLogCacheCount + n >= static_cast<uint32_t>(core::kDataLogCacheBytes)) {
-    core::ShowErrorBox(state, u"Warning!  MAXcachesize reached.");
+    core::ShowErrorBox(state, u"Warning!  MAXcachesize reached.", {});
     std::memset(cache, 0, 4);
     state.DataLogCacheCount = 0;
     return 1;

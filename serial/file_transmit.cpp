@@ -1,6 +1,5 @@
 #include "serial/file_transmit.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <memory>
 #include <new>
@@ -22,8 +21,10 @@ struct FileCloser {
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-bool ReadExactly(std::FILE* file, uint8_t* into, size_t count) {
-  return std::fread(into, 1, count, file) == count;
+platform::SysResult ReadExactly(std::FILE* file, uint8_t* into, size_t count) {
+  if (std::fread(into, 1, count, file) == count) return {};
+  // A file that shrank while it was sent ends early without a system error.
+  return std::ferror(file) ? platform::FailedCall("fread") : platform::SysResult{0, "fread"};
 }
 
 void ShowProgress(core::AppState& state, int percent) {
@@ -63,14 +64,13 @@ int FileProgressPercent(uint32_t index, uint32_t count) {
 int TransmitFile(core::AppState& state, const std::u16string& path) {
   File file(std::fopen(core::WideToUtf8(path).c_str(), "rb"));
   if (!file) {
-    core::ShowStatusError(state, u"Error opening file. Verify it exists. ");
+    core::ShowStatusError(state, u"Error opening file. Verify it exists. ", platform::FailedCall("fopen"));
     return kFileError;
   }
-  std::fseek(file.get(), 0, SEEK_END);
-  long size = std::ftell(file.get());
-  std::fseek(file.get(), 0, SEEK_SET);
-  if (size < 0) {
-    core::ShowStatusError(state, u"Error opening file. Verify it exists. ");
+  long size = -1;
+  if (std::fseek(file.get(), 0, SEEK_END) == 0) size = std::ftell(file.get());
+  if (size < 0 || std::fseek(file.get(), 0, SEEK_SET) != 0) {
+    core::ShowStatusError(state, u"Error opening file. Verify it exists. ", platform::FailedCall("fseek"));
     return kFileError;
   }
   if (size == 0) {
@@ -80,8 +80,7 @@ int TransmitFile(core::AppState& state, const std::u16string& path) {
   uint32_t baud = state.Port.SelectedBaud;
   if (baud < kMinimumFileBaud) {
     // At under 50 baud a chunk of 200 ms holds no byte at all.
-    errno = EINVAL;
-    core::ShowStatusError(state, u"Files are sent at 50 baud or more. ");
+    core::ShowStatusError(state, u"Files are sent at 50 baud or more. ", {});
     return kFileError;
   }
   ChunkPlan plan =
@@ -95,15 +94,16 @@ int TransmitFile(core::AppState& state, const std::u16string& path) {
     probe.reset();
     if (core::AllocCharBuffer(state, buffer, size + 4) == 0) {
       whole = true;
-      if (!ReadExactly(file.get(), buffer.Data(), static_cast<size_t>(size))) {
+      if (platform::SysResult read = ReadExactly(file.get(), buffer.Data(), static_cast<size_t>(size));
+          !read) {
         core::FreeBuffer(state, buffer);
-        core::ShowStatusError(state, u"Error reading in whole file. ");
+        core::ShowStatusError(state, u"Error reading in whole file. ", read);
         return kFileError;
       }
     }
   }
   if (!whole && core::AllocCharBuffer(state, buffer, int64_t{plan.ChunkSize} + 4) != 0) {
-    core::ShowStatusError(state, u"TxFile: Error allocating memory. ");
+    core::ShowStatusError(state, u"TxFile: Error allocating memory. ", platform::OutOfMemory());
     return kFileError;
   }
 
@@ -111,9 +111,11 @@ int TransmitFile(core::AppState& state, const std::u16string& path) {
   int result = 0;
   for (uint32_t i = 0; i < plan.ChunkCount; ++i) {
     if (!StillSending(state)) break;
-    if (!whole && !ReadExactly(file.get(), buffer.Data(), plan.ChunkSize)) {
+    platform::SysResult read =
+        whole ? platform::SysResult{} : ReadExactly(file.get(), buffer.Data(), plan.ChunkSize);
+    if (!read) {
       core::FreeBuffer(state, buffer);
-      core::ShowStatusError(state, u"Error reading file. ");
+      core::ShowStatusError(state, u"Error reading file. ", read);
       return kFileError;
     }
     result = WriteToPort(state, chunk, plan.ChunkSize);
@@ -123,9 +125,11 @@ int TransmitFile(core::AppState& state, const std::u16string& path) {
     platform::SleepMs(50);
   }
   if (plan.TailSent && result == 0 && StillSending(state)) {
-    if (!whole && !ReadExactly(file.get(), buffer.Data(), plan.TailBytes)) {
+    platform::SysResult read =
+        whole ? platform::SysResult{} : ReadExactly(file.get(), buffer.Data(), plan.TailBytes);
+    if (!read) {
       core::FreeBuffer(state, buffer);
-      core::ShowStatusError(state, u"Error reading last bytes in file. ");
+      core::ShowStatusError(state, u"Error reading last bytes in file. ", read);
       return kFileError;
     }
     result = WriteToPort(state, chunk, plan.TailBytes);

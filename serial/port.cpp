@@ -1,7 +1,5 @@
 #include "serial/port.h"
 
-#include <cerrno>
-
 #include "core/code_page.h"
 #include "core/reporting.h"
 #include "serial/simulated_device.h"
@@ -57,18 +55,19 @@ std::shared_ptr<platform::SerialPort> CurrentPort(core::AppState& state) {
   return state.PortHandle;
 }
 
-int OpenPort(core::AppState& state) {
+int OpenPort(core::AppState& state, platform::SysResult& failure) {
   ClosePort(state);
   std::string path = ResolvePortPath(state);
   if (path.empty()) {
-    errno = ENODEV;
+    failure = {0, "resolve port"};
     return 0;
   }
   std::shared_ptr<platform::SerialPort> port;
   if (path == kSimulatedDevicePath) {
     port = OpenSimulatedDevice({state.SimulatedLine, state.SimulatedSentenceMs, state.SimulatedEcho});
+    failure = {};
   } else {
-    port = platform::OpenTermiosPort(path);
+    port = platform::OpenTermiosPort(path, failure);
   }
   if (!port) return 0;
   SetPort(state, port);
@@ -76,25 +75,24 @@ int OpenPort(core::AppState& state) {
   return 1;
 }
 
-int ConfigurePort(core::AppState& state) {
+int ConfigurePort(core::AppState& state, platform::SysResult& failure) {
   if (state.View) state.View->SetWaitCursor(true);
   auto done = [&state](int result) {
     if (state.View) state.View->SetWaitCursor(false);
     return result;
   };
-  if (OpenPort(state) == 0) {
-    int code = errno;
+  if (OpenPort(state, failure) == 0) {
     ClosePort(state);
-    errno = code;
     return done(0);
   }
-  std::string error;
-  int code = CurrentPort(state)->Configure(LineSettingsOf(state.Port), error);
-  if (code != 0) {
+  std::string refusal;
+  failure = CurrentPort(state)->Configure(LineSettingsOf(state.Port), refusal);
+  if (!failure) {
     ClosePort(state);
-    errno = code;
-    core::ShowErrorBox(state, u"ConfigurePort: " + core::Utf8ToWide(error), code);
-    errno = code;
+    // Reading the current setting fails for a device that is no serial port.
+    std::u16string text =
+        refusal.empty() ? u"ConfigurePort::GetCommState" : u"ConfigurePort: " + core::Utf8ToWide(refusal);
+    core::ShowErrorBox(state, text, failure);
     return done(0);
   }
   WriteTimeouts timeouts = ComputeWriteTimeouts(state.Port.SelectedBaud);
@@ -105,17 +103,20 @@ int ConfigurePort(core::AppState& state) {
   return done(1);
 }
 
+int ConfigurePort(core::AppState& state) {
+  platform::SysResult failure;
+  return ConfigurePort(state, failure);
+}
+
 void ClosePort(core::AppState& state) {
   std::shared_ptr<platform::SerialPort> port = CurrentPort(state);
   if (!port) return;
-  int code = errno;
   port->SetEventMask(0);
   if (state.Port.XON == 1) port->SendXoff();
   if (state.Port.RTS == 1 || state.Port.DTR == 1) port->SetModemLines(false, false);
   port->Close();
   SetPort(state, nullptr);
   core::ShowStatus(state, u"Port closed.");
-  errno = code;  // the caller may still report the error that led here
 }
 
 void PurgePort(core::AppState& state) {

@@ -27,10 +27,15 @@ std::string ResolvePortPath(const core::AppState& state);
 std::shared_ptr<platform::SerialPort> CurrentPort(core::AppState& state);
 
 // Opens SelectedPort exclusively: 1 when a port was obtained, 0 otherwise
-// (errno tells why; no message here).
-int OpenPort(core::AppState& state);
+// with failure telling why (no message here; a SelectedPort that names no
+// device fails with code 0).
+int OpenPort(core::AppState& state, platform::SysResult& failure);
 // Opens and configures the port: 1 when it is ready, 0 otherwise (the port is
-// closed again; a refused line setting is reported in words).
+// closed again). A port that could not be opened is left to the caller to
+// report, with failure; one that could not be configured is reported here
+// ("ConfigurePort::GetCommState" when its line setting cannot be read, a
+// refused setting in words).
+int ConfigurePort(core::AppState& state, platform::SysResult& failure);
 int ConfigurePort(core::AppState& state);
 // Closes the port if it is open: wakes the receive thread's wait, sends XOFF
 // and drops RTS/DTR where they were set, shows "Port closed.".

@@ -16,14 +16,15 @@ uint32_t ReadInData(core::AppState& state, core::DataBlock& block) {
   block.Length = 0;
   if (!state.PlayFlag) return 0;
   if (core::AllocCharBuffer(state, block.Buffer, kReceiveBlockBytes) != 0) {
-    core::WriteErrorBlock(state, u"ReadInData:Failed to Allocate data buffer!");
+    core::WriteErrorBlock(state, u"ReadInData:Failed to Allocate data buffer!", platform::OutOfMemory());
     core::FreeBuffer(state, block.Buffer);
     return 0;
   }
   auto port = CurrentPort(state);
-  int n = port ? port->Read(block.Buffer.Data(), kReceiveBlockBytes) : -1;
+  platform::SysResult failure{0, "closed port"};
+  int n = port ? port->Read(block.Buffer.Data(), kReceiveBlockBytes, failure) : -1;
   if (n < 0) {
-    core::WriteErrorBlock(state, u"Error reading data from comm port.");
+    core::WriteErrorBlock(state, u"Error reading data from comm port.", failure);
     core::FreeBuffer(state, block.Buffer);
     return 0;
   }
@@ -37,7 +38,7 @@ void RxThread(core::AppState& state, platform::SuspendableThread& self) {
   // Parks until the main window resumes the thread; false when it must end.
   auto suspend = [&](const char16_t* failure) {
     state.Queue.Post(core::MakeMessage(core::kWmRxSuspended));
-    if (!self.Park() && !state.ShuttingDown) core::ShowStatusError(state, failure);
+    if (!self.Park() && !state.ShuttingDown) core::ShowStatusError(state, failure, {});
     rxResumed = true;
     if (state.PortOpen) PurgePort(state);
     return !self.StopRequested();

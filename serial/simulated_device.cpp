@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cctype>
-#include <cerrno>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
@@ -36,12 +35,12 @@ class SimulatedPort : public platform::SerialPort {
   SimulatedPort(const SimulatedPort&) = delete;
   SimulatedPort& operator=(const SimulatedPort&) = delete;
 
-  int Configure(const LineSettings& settings, std::string& error) override {
-    error = platform::CheckLineSettings(settings);
-    if (!error.empty()) return EINVAL;
+  platform::SysResult Configure(const LineSettings& settings, std::string& refusal) override {
+    refusal = platform::CheckLineSettings(settings);
+    if (!refusal.empty()) return {0, "line setting"};
     std::lock_guard lock(mutex_);
     portLine_ = settings;
-    return 0;
+    return {};
   }
 
   uint32_t WaitEvent() override {
@@ -58,10 +57,10 @@ class SimulatedPort : public platform::SerialPort {
     wake_.notify_all();
   }
 
-  int Read(uint8_t* buffer, int count) override {
+  int Read(uint8_t* buffer, int count, platform::SysResult& failure) override {
     std::lock_guard lock(mutex_);
     if (closed_) {
-      errno = EBADF;
+      failure = {0, "closed port"};
       return -1;
     }
     int n = std::min(count, static_cast<int>(readable_.size()));
@@ -70,10 +69,10 @@ class SimulatedPort : public platform::SerialPort {
     return n;
   }
 
-  int Write(const uint8_t* data, int count, int) override {
+  int Write(const uint8_t* data, int count, int, platform::SysResult& failure) override {
     std::lock_guard lock(mutex_);
     if (closed_) {
-      errno = EBADF;
+      failure = {0, "closed port"};
       return -1;
     }
     // The device hears the program's bytes through its own UART.

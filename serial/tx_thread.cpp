@@ -34,7 +34,9 @@ void UnlockTransmitControls(core::AppState& state) {
 }
 
 void SendOnce(core::AppState& state) {
-  if (SendTransmitText(state) == 1) core::ShowStatusError(state, u"Error sending data!  Check connection.");
+  // The failing call, if any, was reported with its code where it failed.
+  if (SendTransmitText(state) == 1)
+    core::ShowStatusError(state, u"Error sending data!  Check connection.", {});
 }
 
 }  // namespace
@@ -74,12 +76,14 @@ int WriteToPort(core::AppState& state, const uint8_t* bytes, uint32_t count) {
   if (!state.TxActive) return kWriteSkipped;
   auto port = CurrentPort(state);
   uint64_t timeout = uint64_t{state.WriteTotalTimeoutMultiplier} * count + state.WriteTotalTimeoutConstant;
+  platform::SysResult failure{0, "closed port"};
   int written = port ? port->Write(bytes, static_cast<int>(count),
-                                   static_cast<int>(std::min<uint64_t>(timeout, INT32_MAX)))
+                                   static_cast<int>(std::min<uint64_t>(timeout, INT32_MAX)), failure)
                      : -1;
   if (written != static_cast<int>(count)) {
-    if (written >= 0) errno = ETIMEDOUT;
-    core::ShowStatusError(state, u"Error writing to port.");
+    // A write that ran out of time has no system code.
+    if (written >= 0) failure = {0, "write time-out"};
+    core::ShowStatusError(state, u"Error writing to port.", failure);
     return 1;
   }
   return 0;
@@ -94,7 +98,7 @@ void AddSentHistory(core::AppState& state, bool reset, const std::string& sentBy
   std::u16string text = state.Screen.TxText();
   auto history = state.Screen.TxHistory();
   if (std::find(history.begin(), history.end(), text) != history.end()) return;
-  if (state.SentHistoryCount < 3) {
+  if (state.SentHistoryCount < core::AppState::kSentHistoryKept) {
     ++state.SentHistoryCount;
   } else if (!history.empty()) {
     history.erase(history.begin());

@@ -6,12 +6,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <string>
 #include <vector>
 
 #include "platform/files.h"
 #include "platform/pty.h"
+#include "platform/system_error.h"
 #include "test_support.h"
 
 namespace wavetrace::app {
@@ -180,6 +182,24 @@ TEST(Headless, APortFromTheCommandLineReceivesAndSends) {
   EXPECT_NE(child.Err().find("Port opened!  Send/Receive active..."), std::string::npos);
   child.Signal(SIGTERM);
   EXPECT_EQ(child.WaitForExit(5000), 0) << child.Err();
+}
+
+TEST(Headless, ADeviceWithoutALineSettingIsNamedAsTheProgramNamesIt) {
+  testing::TempFolder folder;
+  Child child({"--port", "/dev/null"}, folder.Path());
+  auto deadline = Clock::now() + std::chrono::seconds(10);
+  while (child.Err().find("Check settings.") == std::string::npos && Clock::now() < deadline) {
+    child.WaitForOutput("\x01", 50);  // reads both pipes meanwhile
+  }
+  std::string words = " (" + platform::ErrorText(ENOTTY) + ")";
+  const std::string& err = child.Err();
+  EXPECT_NE(err.find("ConfigurePort::GetCommState: Error code=25 (0x19)" + words), std::string::npos) << err;
+  // The system's text once per message: the box's line and the status line.
+  size_t count = 0;
+  for (size_t at = err.find(words); at != std::string::npos; at = err.find(words, at + 1)) ++count;
+  EXPECT_EQ(count, 2u) << err;
+  child.Signal(SIGTERM);
+  EXPECT_EQ(child.WaitForExit(5000), 0) << err;
 }
 
 TEST(Headless, ASecondInstanceEndsAndTheFirstKeepsRunning) {

@@ -258,6 +258,38 @@ TEST_F(ConfigFileTest, PostambleRulesAndDelimiterQuirks) {
             std::string::npos);
 }
 
+TEST_F(ConfigFileTest, HistoryLoadsBoundedShowsItsSelectionAndResetsTheCount) {
+  const std::string head = "[Wavetrace Pro]\r\nConfigFile=1\r\n" + std::string(64, ';') + "\r\n";
+  std::string entries;
+  for (int n = 0; n < 5; ++n) {
+    entries += "[SentHistory_0" + std::to_string(n) + "]\r\nData=AT" + std::to_string(n) + "[0D][0A]\r\n";
+  }
+  struct Case {
+    std::string sentHistory;
+    size_t kept;
+    std::u16string field;
+  };
+  const Case cases[] = {
+      {"LastSelection=0\r\nSentHistoryCount=1\r\n", 1, u"AT0[0D][0A]"},
+      {"LastSelection=1\r\nSentHistoryCount=3\r\n", 3, u"AT1[0D][0A]"},
+      {"LastSelection=-1\r\nSentHistoryCount=2\r\n", 2, u""},
+      // The drop-down holds three: larger counts, however large, read three.
+      {"LastSelection=2\r\nSentHistoryCount=5\r\n", 3, u"AT2[0D][0A]"},
+      {"LastSelection=0\r\nSentHistoryCount=2147483647\r\n", 3, u"AT0[0D][0A]"},
+      {"LastSelection=0\r\nSentHistoryCount=-4\r\n", 0, u""},
+  };
+  for (const auto& c : cases) {
+    AppState s;
+    s.Screen.SetTxText(u"typed before");
+    s.SentHistoryCount = 2;
+    ASSERT_EQ(ConfigLoad(s, Write("h.cfg.txt", head + "[SentHistory]\r\n" + c.sentHistory + entries)), 0)
+        << c.sentHistory;
+    EXPECT_EQ(s.Screen.TxHistory().size(), c.kept) << c.sentHistory;
+    EXPECT_EQ(s.Screen.TxText(), c.field) << c.sentHistory;
+    EXPECT_EQ(s.SentHistoryCount, 0) << c.sentHistory;
+  }
+}
+
 TEST_F(ConfigFileTest, AFileThatCannotBeWrittenIsReported) {
   state.Screen.SetStatus(u"before");
   EXPECT_EQ(ConfigSave(state, Path("no/such/folder.cfg.txt")), 1);

@@ -103,10 +103,13 @@ TEST(ScreenModel, ButtonsMenusAndTransmitField) {
 
   screen.AddTxHistory(u"AT");
   screen.AddTxHistory(u"ATZ");
+  screen.SetTxText(u"typed");
   screen.SetTxSelection(1);
   EXPECT_EQ(screen.TxSelection(), 1);
+  EXPECT_EQ(screen.TxText(), u"ATZ");  // the chosen entry's text is in the field
   screen.SetTxSelection(5);
   EXPECT_EQ(screen.TxSelection(), -1);
+  EXPECT_EQ(screen.TxText(), u"ATZ");  // no entry chosen: the field keeps its text
   EXPECT_EQ(screen.TxHistory(), (std::vector<std::u16string>{u"AT", u"ATZ"}));
 }
 

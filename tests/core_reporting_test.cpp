@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "core/allocation.h"
+#include "core/code_page.h"
 #include "core/reporting.h"
 #include "test_support.h"
 
@@ -25,31 +26,47 @@ class ReportingTest : public ::testing::Test {
 };
 
 TEST(FormatErrorCode, CodeInDecimalAndHexWithDescriptions) {
+  using platform::kLockPortOperation;
+  using platform::kOpenPortOperation;
   struct Case {
-    int code;
+    platform::SysResult failure;
     std::u16string head;
     bool busy;
+    bool dialoutHint;
   };
-  for (const Case& c :
-       {Case{ENOENT, u": Error code=2 (0x2)", false}, Case{EBUSY, u": Error code=16 (0x10)", true},
-        Case{ENODEV, u": Error code=19 (0x13)", true}, Case{ENXIO, u": Error code=6 (0x6)", true},
-        Case{EIO, u": Error code=5 (0x5)", true}, Case{EACCES, u": Error code=13 (0xd)", false}}) {
-    std::u16string text = FormatErrorCode(c.code);
-    EXPECT_EQ(text.rfind(c.head, 0), 0u) << c.code;
+  for (const Case& c : {
+           Case{{ENOENT, kOpenPortOperation}, u": Error code=2 (0x2)", false, false},
+           Case{{EBUSY, kOpenPortOperation}, u": Error code=16 (0x10)", true, false},
+           Case{{EWOULDBLOCK, kLockPortOperation}, u": Error code=11 (0xb)", true, false},
+           Case{{EWOULDBLOCK, "read"}, u": Error code=11 (0xb)", false, false},
+           Case{{ENODEV, "read"}, u": Error code=19 (0x13)", true, false},
+           Case{{ENXIO, kOpenPortOperation}, u": Error code=6 (0x6)", true, false},
+           Case{{EIO, "read"}, u": Error code=5 (0x5)", true, false},
+           Case{{EACCES, kOpenPortOperation}, u": Error code=13 (0xd)", false, true},
+           Case{{EACCES, "rename"}, u": Error code=13 (0xd)", false, false},
+       }) {
+    std::u16string text = FormatErrorCode(c.failure);
+    std::string what = std::to_string(c.failure.Errno) + " " + c.failure.Operation;
+    EXPECT_EQ(text.rfind(c.head, 0), 0u) << what;
     bool hasBusy = text.find(
                        u"  Desc: The specified network resource or device is either busy or no longer "
                        u"available.") != std::u16string::npos;
-    EXPECT_EQ(hasBusy, c.busy) << c.code;
-    // Every non-zero code also carries the system's own words, in brackets.
-    EXPECT_EQ(text.back(), u')');
-    EXPECT_GT(text.size(), c.head.size() + 3);
+    EXPECT_EQ(hasBusy, c.busy) << what;
+    // The system's own words, once, in brackets.
+    std::u16string words = u" (" + core::Utf8ToWide(platform::ErrorText(c.failure.Errno)) + u")";
+    EXPECT_NE(text.find(words), std::u16string::npos) << what;
+    EXPECT_EQ(text.find(words), text.rfind(words)) << what;
+    bool hasHint = text.find(u"dialout") != std::u16string::npos &&
+                   text.find(u"sudo usermod -aG dialout $USER") != std::u16string::npos &&
+                   text.find(u"log in again") != std::u16string::npos;
+    EXPECT_EQ(hasHint, c.dialoutHint) << what;
   }
-  EXPECT_EQ(FormatErrorCode(0), u": Error code=0 (0x0)");
+  EXPECT_EQ(FormatErrorCode({}), u": Error code=0 (0x0)");
+  EXPECT_EQ(FormatErrorCode({0, "line setting"}), u": Error code=0 (0x0)");
 }
 
 TEST_F(ReportingTest, StatusErrorGoesToTheStatusLine) {
-  errno = EBUSY;
-  ShowStatusError(state, u"Error! Selected port failed to open. Check settings.");
+  ShowStatusError(state, u"Error! Selected port failed to open. Check settings.", {EBUSY, "open"});
   std::u16string status = state.Screen.Status();
   EXPECT_EQ(
       status.rfind(u"Error! Selected port failed to open. Check settings.: Error code=16 (0x10)  Desc: ", 0),
@@ -61,18 +78,18 @@ TEST_F(ReportingTest, StatusErrorInPortScanModeLeavesOnlyTheMessageInTheReceiveW
   state.Screen.RxInsertAtCaret(u"old received text");
   state.Screen.SetStatus(u"before");
   state.PortScanMode = true;
-  ShowStatusError(state, u"Scan failed", ENOENT);
-  EXPECT_EQ(state.Screen.RxText(), u"Scan failed" + FormatErrorCode(ENOENT) + u"\r\n");
+  ShowStatusError(state, u"Scan failed", {ENOENT, "open"});
+  EXPECT_EQ(state.Screen.RxText(), u"Scan failed" + FormatErrorCode({ENOENT, "open"}) + u"\r\n");
   EXPECT_EQ(state.Screen.Status(), u"before");
 }
 
 TEST_F(ReportingTest, StatusErrorIsBoundedLikeItsBuffer) {
-  ShowStatusError(state, std::u16string(600, u'x'), 0);
+  ShowStatusError(state, std::u16string(600, u'x'), {});
   EXPECT_EQ(state.Screen.Status().size(), 511u);
 }
 
 TEST_F(ReportingTest, ErrorBoxIsTitledAndCarriesTheCode) {
-  ShowErrorBox(state, u"Error creating RxThread.", ENOMEM);
+  ShowErrorBox(state, u"Error creating RxThread.", platform::OutOfMemory());
   auto boxes = view.Boxes();
   ASSERT_EQ(boxes.size(), 1u);
   EXPECT_EQ(boxes[0].title, u"Error...");
@@ -83,12 +100,11 @@ TEST_F(ReportingTest, ErrorBoxIsTitledAndCarriesTheCode) {
 TEST_F(ReportingTest, ErrorBlockIsFramedAtTheCaretAndGoesNowhereBeforeTheWindow) {
   state.Screen.RxInsertAtCaret(u"AB");
   state.Screen.RxSetSelection(1, 1);
-  errno = ENOENT;
-  WriteErrorBlock(state, u"Oops");
-  EXPECT_EQ(state.Screen.RxText(), u"A\r\n***\r\nOops" + FormatErrorCode(ENOENT) + u"\r\n***\r\nB");
+  WriteErrorBlock(state, u"Oops", {ENOENT, "open"});
+  EXPECT_EQ(state.Screen.RxText(), u"A\r\n***\r\nOops" + FormatErrorCode({ENOENT, "open"}) + u"\r\n***\r\nB");
 
   AppState early;
-  WriteErrorBlock(early, u"Oops");
+  WriteErrorBlock(early, u"Oops", {ENOENT, "open"});
   EXPECT_TRUE(early.Screen.RxText().empty());
 }
 
@@ -126,8 +142,9 @@ TEST_F(ReportingTest, AllocationFailureWritesBothBlocksWithTheCountAsked) {
     EXPECT_TRUE(c.wide ? wide.Empty() : bytes.Empty());
     std::u16string text = state.Screen.RxText();
     std::u16string first = u"\r\n***\r\nError allocating memory space. Possibly low on memory." +
-                           FormatErrorCode(ENOMEM) + u"\r\n***\r\n";
-    std::u16string second = u"\r\n***\r\n" + c.requested + FormatErrorCode(ENOMEM) + u"\r\n***\r\n";
+                           FormatErrorCode(platform::OutOfMemory()) + u"\r\n***\r\n";
+    std::u16string second =
+        u"\r\n***\r\n" + c.requested + FormatErrorCode(platform::OutOfMemory()) + u"\r\n***\r\n";
     EXPECT_EQ(text, first + second) << testing::Narrow(text);
   }
 }
@@ -140,7 +157,7 @@ TEST_F(ReportingTest, ErrorBoxHoldsTheMemoryLockUntilDismissed) {
     boxUp.set_value();
     dismissed.wait();
   };
-  std::thread boxThread([&] { ShowErrorBox(state, u"Warning!  MAXcachesize reached.", 0); });
+  std::thread boxThread([&] { ShowErrorBox(state, u"Warning!  MAXcachesize reached.", {}); });
   boxUp.get_future().wait();
 
   std::atomic<bool> allocated{false};
@@ -169,7 +186,7 @@ TEST_F(ReportingTest, WorkerBoxShownByTheMainThreadWhileTheMainThreadAllocates) 
   std::thread::id shownOn;
   view.onBox = [&] { shownOn = std::this_thread::get_id(); };
 
-  std::thread worker([&] { ShowErrorBox(state, u"Error reading", 0); });
+  std::thread worker([&] { ShowErrorBox(state, u"Error reading", {}); });
   // Wait until the worker holds the lock (the box request is queued).
   while (state.MemLock.try_lock()) {
     state.MemLock.unlock();

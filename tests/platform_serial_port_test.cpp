@@ -121,23 +121,25 @@ class PtyPortTest : public ::testing::Test {
  protected:
   void SetUp() override {
     ASSERT_TRUE(pty.Valid());
-    port = OpenTermiosPort(pty.SlavePath());
-    ASSERT_TRUE(port) << errno;
+    SysResult opened;
+    port = OpenTermiosPort(pty.SlavePath(), opened);
+    ASSERT_TRUE(port) << opened.Errno;
     std::string error;
     LineSettings settings;
     settings.Baud = 115200;
-    ASSERT_EQ(port->Configure(settings, error), 0) << error;
+    ASSERT_TRUE(port->Configure(settings, error)) << error;
   }
   PtyPair pty;
   std::unique_ptr<SerialPort> port;
 };
 
 TEST_F(PtyPortTest, ASecondOpenerIsRefusedAsBusy) {
-  errno = 0;
-  EXPECT_FALSE(OpenTermiosPort(pty.SlavePath()));
-  EXPECT_EQ(errno, EBUSY);
+  SysResult failure;
+  EXPECT_FALSE(OpenTermiosPort(pty.SlavePath(), failure));
+  EXPECT_TRUE(IsDeviceBusyOrGone(failure)) << failure.Errno << " " << failure.Operation;
   port.reset();
-  EXPECT_TRUE(OpenTermiosPort(pty.SlavePath()));
+  EXPECT_TRUE(OpenTermiosPort(pty.SlavePath(), failure));
+  EXPECT_TRUE(failure);
 }
 
 TEST_F(PtyPortTest, CustomRatesAndModemLinesAreAcceptedOnAPty) {
@@ -146,9 +148,11 @@ TEST_F(PtyPortTest, CustomRatesAndModemLinesAreAcceptedOnAPty) {
   custom.Baud = 31250;
   custom.Rts = true;
   custom.Dtr = true;
-  EXPECT_EQ(port->Configure(custom, error), 0) << error;
+  EXPECT_TRUE(port->Configure(custom, error)) << error;
   custom.DsrFlow = true;
-  EXPECT_EQ(port->Configure(custom, error), EINVAL);
+  SysResult refused = port->Configure(custom, error);
+  EXPECT_FALSE(refused);
+  EXPECT_EQ(refused.Errno, 0);  // Linux's limit, not a failed call
   EXPECT_NE(error.find("DSR"), std::string::npos);
 }
 
@@ -160,7 +164,8 @@ TEST_F(PtyPortTest, EventsBurstsAndWrites) {
   uint8_t buffer[8192];
   while (received.size() < burst.size()) {
     ASSERT_EQ(port->WaitEvent(), event::kRxChar);
-    int n = port->Read(buffer, sizeof buffer);
+    SysResult failure;
+    int n = port->Read(buffer, sizeof buffer, failure);
     ASSERT_GE(n, 0);
     received.append(reinterpret_cast<char*>(buffer), static_cast<size_t>(n));
   }
@@ -168,7 +173,9 @@ TEST_F(PtyPortTest, EventsBurstsAndWrites) {
   EXPECT_EQ(received, burst);
 
   const std::string reply = "AT\r\x00\xff";
-  EXPECT_EQ(port->Write(reinterpret_cast<const uint8_t*>(reply.data()), static_cast<int>(reply.size()), 1000),
+  SysResult failure;
+  EXPECT_EQ(port->Write(reinterpret_cast<const uint8_t*>(reply.data()), static_cast<int>(reply.size()), 1000,
+                        failure),
             static_cast<int>(reply.size()));
   EXPECT_EQ(pty.Read(reply.size(), 2000), reply);
 }
@@ -197,14 +204,17 @@ TEST_F(PtyPortTest, TheDeviceGoingAwayEndsTheWait) {
 }
 
 TEST(TermiosPort, MissingDevicesAndNonTerminals) {
-  errno = 0;
-  EXPECT_FALSE(OpenTermiosPort("/dev/does-not-exist-wavetrace"));
-  EXPECT_EQ(errno, ENOENT);
-  auto notATerminal = OpenTermiosPort("/dev/null");
+  SysResult failure;
+  EXPECT_FALSE(OpenTermiosPort("/dev/does-not-exist-wavetrace", failure));
+  EXPECT_EQ(failure.Errno, ENOENT);
+  EXPECT_STREQ(failure.Operation, kOpenPortOperation);
+  auto notATerminal = OpenTermiosPort("/dev/null", failure);
   ASSERT_TRUE(notATerminal);
-  std::string error;
-  EXPECT_NE(notATerminal->Configure(LineSettings{}, error), 0);
-  EXPECT_NE(error.find("not a serial port"), std::string::npos);
+  std::string refusal = "stale";
+  // Reading the line setting fails with the system's code and no words.
+  failure = notATerminal->Configure(LineSettings{}, refusal);
+  EXPECT_EQ(failure.Errno, ENOTTY);
+  EXPECT_TRUE(refusal.empty());
 }
 
 }  // namespace

@@ -83,25 +83,40 @@ TEST_F(PortOnPtyTest, ConfigureOpenAndClose) {
   EXPECT_EQ(state.WriteTotalTimeoutMultiplier, 4u);
   EXPECT_EQ(state.WriteTotalTimeoutConstant, 989u);
   // Another program (or a second open) is kept out.
-  errno = 0;
-  EXPECT_FALSE(platform::OpenTermiosPort(pty.SlavePath()));
-  EXPECT_EQ(errno, EBUSY);
+  platform::SysResult failure;
+  EXPECT_FALSE(platform::OpenTermiosPort(pty.SlavePath(), failure));
+  EXPECT_TRUE(platform::IsDeviceBusyOrGone(failure));
   ClosePort(state);
   EXPECT_FALSE(state.PortOpen);
   EXPECT_FALSE(CurrentPort(state));
   EXPECT_EQ(state.Screen.Status(), u"Port closed.");
-  EXPECT_TRUE(platform::OpenTermiosPort(pty.SlavePath()));
+  EXPECT_TRUE(platform::OpenTermiosPort(pty.SlavePath(), failure));
 }
 
 TEST_F(PortOnPtyTest, NothingToOpen) {
-  for (const char16_t* selected : {u"", u"COM1", u"COM2:", u"/dev/nonexistent-wavetrace"}) {
-    state.Port.SelectedPort = selected;
-    errno = 0;
-    EXPECT_EQ(ConfigurePort(state), 0) << core::WideToUtf8(selected);
-    EXPECT_NE(errno, 0);
+  struct Case {
+    const char16_t* selected;
+    int code;  // a name that stands for no device has no system code
+  };
+  for (const Case& c :
+       {Case{u"", 0}, Case{u"COM1", 0}, Case{u"COM2:", 0}, Case{u"/dev/nonexistent-wavetrace", ENOENT}}) {
+    state.Port.SelectedPort = c.selected;
+    platform::SysResult failure;
+    EXPECT_EQ(ConfigurePort(state, failure), 0) << core::WideToUtf8(c.selected);
+    EXPECT_FALSE(failure);
+    EXPECT_EQ(failure.Errno, c.code) << core::WideToUtf8(c.selected);
     EXPECT_FALSE(state.PortOpen);
   }
   EXPECT_TRUE(view.Boxes().empty());  // the caller reports these
+}
+
+TEST_F(PortOnPtyTest, ADeviceWithoutALineSettingIsNamedOnceWithTheSystemText) {
+  state.Port.SelectedPort = u"/dev/null";
+  EXPECT_EQ(ConfigurePort(state), 0);
+  EXPECT_FALSE(state.PortOpen);
+  ASSERT_EQ(view.Boxes().size(), 1u);
+  std::u16string words = core::Utf8ToWide(platform::ErrorText(ENOTTY));
+  EXPECT_EQ(view.Boxes()[0].text, u"ConfigurePort::GetCommState: Error code=25 (0x19) (" + words + u")");
 }
 
 TEST_F(PortOnPtyTest, ARefusedLineSettingIsReportedAndClosesThePort) {
@@ -111,7 +126,8 @@ TEST_F(PortOnPtyTest, ARefusedLineSettingIsReportedAndClosesThePort) {
   ASSERT_EQ(view.Boxes().size(), 1u);
   EXPECT_NE(view.Boxes()[0].text.find(u"flow control by DSR is not available on Linux"),
             std::u16string::npos);
-  EXPECT_TRUE(platform::OpenTermiosPort(pty.SlavePath()));
+  platform::SysResult failure;
+  EXPECT_TRUE(platform::OpenTermiosPort(pty.SlavePath(), failure));
 }
 
 }  // namespace

@@ -43,9 +43,9 @@ TEST_F(ReceivePathTest, PlayReceivesABurstWholeAndInOrderThenStop) {
   EXPECT_TRUE(state.Screen.IsMenuItemGrey(core::cmd::kConfigLoad));
   EXPECT_EQ(state.Screen.TrayState(), 2);
   // A second program cannot take the port meanwhile.
-  errno = 0;
-  EXPECT_FALSE(platform::OpenTermiosPort(pty.SlavePath()));
-  EXPECT_EQ(errno, EBUSY);
+  platform::SysResult failure;
+  EXPECT_FALSE(platform::OpenTermiosPort(pty.SlavePath(), failure));
+  EXPECT_TRUE(platform::IsDeviceBusyOrGone(failure));
 
   state.Screen.RxClear();
   std::string burst;
@@ -60,7 +60,7 @@ TEST_F(ReceivePathTest, PlayReceivesABurstWholeAndInOrderThenStop) {
   EXPECT_FALSE(state.Screen.IsButtonEnabled(core::cmd::kStop));
   EXPECT_TRUE(state.Screen.IsMenuItemGrey(core::cmd::kConfigLoad));  // stays grey
   EXPECT_EQ(state.Screen.TrayState(), 1);
-  EXPECT_TRUE(platform::OpenTermiosPort(pty.SlavePath()));  // released
+  EXPECT_TRUE(platform::OpenTermiosPort(pty.SlavePath(), failure));  // released
 }
 
 TEST_F(ReceivePathTest, StopWhileDataFlows) {
@@ -90,7 +90,7 @@ TEST_F(ReceivePathTest, TheDeviceGoingAwayClosesThePortAndPlayWorksAgain) {
   ASSERT_TRUE(Play(pty));
   pty.CloseMaster();
   EXPECT_TRUE(PumpUntil([&] { return Closed(); }));
-  EXPECT_EQ(state.Screen.Status().rfind(u"Port closed!  The device went away.: Error code=19", 0), 0u);
+  EXPECT_EQ(state.Screen.Status(), u"Port closed!  The device went away.");
   EXPECT_FALSE(CurrentPort(state));
 
   platform::PtyPair again;

@@ -61,7 +61,7 @@ int ListPorts() {
   std::string folder = platform::ConfigFolder();
   state.ConfigFolder = core::Utf8ToWide(folder);
   state.RegistryFile = folder + "/" + config::kRegistryFileName;
-  config::LoadProgramOptions(state);
+  if (config::LoadProgramOptions(state) == 0) config::RecordReleaseWhenMissing(state);
   serial::DiscoverPorts(state);
   std::string text = PortTableText(state);
   return platform::WriteAll(STDOUT_FILENO, text) ? 0 : 1;

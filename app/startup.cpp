@@ -165,16 +165,21 @@ int StartUp(core::AppState& state, const platform::OsInfo& os) {
   // 3. The screen.
   state.ScreenHeight = state.View ? state.View->ScreenHeight() : 0;
 
-  // 4. The release recorded in the registry, then the program options. The
-  // start that creates the key records this release, as an installer would.
+  // 4. The release recorded in the registry, then the program options. A
+  // store without any release gets this one, as an installer would record it,
+  // so the warning comes once; a different release warns on every start.
   if (state.ConfigFolder.empty()) state.ConfigFolder = core::Utf8ToWide(platform::ConfigFolder());
   std::string folder = core::WideToUtf8(state.ConfigFolder);
   if (state.RegistryFile.empty()) state.RegistryFile = folder + "/" + config::kRegistryFileName;
   if (CheckVersionInRegistry(state) != 0) {
     core::ShowMessageBox(state, u"Warning: Version mismatch", VersionMismatchText(state), BoxIcon::kWarning);
-    if (state.ProgramOptions.Disposition == 1) config::WriteRegisteredVersion(state);
   }
-  config::LoadProgramOptions(state);
+  // A key that could not be opened has been reported once; the options keep
+  // their defaults, as a failed load would leave them.
+  if (state.ProgramOptions.LastResult == 0) {
+    config::RecordReleaseWhenMissing(state);
+    config::LoadProgramOptions(state);
+  }
 
   // 5. Wait cursor.
   if (state.View) state.View->SetWaitCursor(true);
@@ -196,13 +201,13 @@ int StartUp(core::AppState& state, const platform::OsInfo& os) {
   // 7, 8. The shared buffers.
   if (core::AllocWideBuffer(state, state.g_RxWindowBuf, core::kRxWindowBufChars) != 0) {
     normalCursor();
-    core::ShowErrorBox(state, u"Error allocating memory for g_RxWindowBuf.");
+    core::ShowErrorBox(state, u"Error allocating memory for g_RxWindowBuf.", platform::OutOfMemory());
     return -1;
   }
   state.Screen.SetShownCount(0);
   if (rx::AllocLogCache(state) != 0) {
     normalCursor();
-    core::ShowErrorBox(state, u"Error allocating memory for DataLog Cache.");
+    core::ShowErrorBox(state, u"Error allocating memory for DataLog Cache.", platform::OutOfMemory());
     return -1;
   }
 

@@ -42,10 +42,12 @@ std::u16string FormatVersion(uint32_t major, uint32_t minor) {
 int OpenProgramOptionsKey(core::AppState& state, RegistryKey& key) {
   auto& record = state.ProgramOptions;
   bool created = false;
-  if (state.RegistryFile.empty() ||
-      !RegistryStore(state.RegistryFile).CreateKey(KeyPath(record), key, created)) {
+  platform::SysResult opened =
+      state.RegistryFile.empty() ? platform::SysResult{0, "no registry file"}
+                                 : RegistryStore(state.RegistryFile).CreateKey(KeyPath(record), key, created);
+  if (!opened) {
     record.LastResult = 1;
-    core::ShowErrorBox(state, u"Error opening Program Options registry key: " + record.Path);
+    core::ShowErrorBox(state, u"Error opening Program Options registry key: " + record.Path, opened);
     return 1;
   }
   record.Disposition = created ? 1 : 0;
@@ -111,14 +113,13 @@ int IsRegisteredVersionCurrent(core::AppState& state) {
   return stored == core::kRelease ? 0 : 1;
 }
 
-int WriteRegisteredVersion(core::AppState& state) {
-  auto& record = state.ProgramOptions;
-  bool created = record.Disposition == 1;
+int RecordReleaseWhenMissing(core::AppState& state) {
   RegistryKey key;
   if (OpenProgramOptionsKey(state, key) != 0) return 1;
-  record.Disposition = created ? 1 : record.Disposition;
-  bool written =
-      key.SetDword("MajorVersion", core::kMajorVersion) && key.SetDword("MinorVersion", core::kMinorVersion);
+  uint32_t stored = 0;
+  bool held = key.QueryDword("MajorVersion", stored) || key.QueryDword("MinorVersion", stored);
+  bool written = held || (key.SetDword("MajorVersion", core::kMajorVersion) &&
+                          key.SetDword("MinorVersion", core::kMinorVersion));
   key.Close();
   return written ? 0 : 1;
 }

@@ -23,11 +23,13 @@ int LoadProgramOptions(core::AppState& state);
 // Writes the four options. 0, or 1 when the key cannot be opened or written.
 int SaveProgramOptions(core::AppState& state);
 // Reads MajorVersion and MinorVersion into the record and compares "%ld.%ld"
-// of them with the release text: 0 when equal, 1 otherwise or when the key
-// cannot be opened.
+// of them with the release text. Note the sense: 0 when the stored release
+// is this one, 1 when it differs, is missing, or the key cannot be opened.
 int IsRegisteredVersionCurrent(core::AppState& state);
-// Records this release in the key (the install step of a fresh folder).
-int WriteRegisteredVersion(core::AppState& state);
+// Records this release when the key holds no release at all, as the
+// installer would have; a different release stays. 0 when the key holds a
+// release afterwards, 1 when it cannot be opened or written.
+int RecordReleaseWhenMissing(core::AppState& state);
 
 // "%ld.%ld" of the two numbers.
 std::u16string FormatVersion(uint32_t major, uint32_t minor);

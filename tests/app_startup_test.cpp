@@ -106,22 +106,55 @@ TEST(StartUp, AnUnsupportedSystemGetsOneBoxAndNothingElse) {
   EXPECT_FALSE(platform::FileExists(folder.Path() + "/registry.txt"));
 }
 
-TEST(StartUp, VersionWarningOnAFreshFolderOnlyOnce) {
-  TempFolder folder;
-  {
-    Start first(folder.Path());
-    ASSERT_EQ(first.result, 0);
-    auto boxes = first.view.Boxes();
-    ASSERT_EQ(boxes.size(), 1u);
-    EXPECT_EQ(boxes[0].title, u"Warning: Version mismatch");
-    EXPECT_EQ(
-        boxes[0].text,
-        u"Expected: 2.71 \r\nReceived: Rel. \"0.0\" \r\nSome features may not function properly.  You have "
-        u"been warned.  :)");
+TEST(StartUp, AStoreWithoutAReleaseWarnsOnceAndRecordsIt) {
+  // A fresh folder, a store left by an earlier --list-ports, a hand-written one.
+  struct Case {
+    const char* values;
+    uint32_t multi;
+  };
+  const Case stores[] = {
+      {nullptr, 0},
+      {"DEFAULTcfg=dword:00000000\nMULTIinst=dword:00000000\nAcquireHWbuttons=dword:00000000\n"
+       "DisableIcon=dword:00000000\n",
+       0},
+      {"MULTIinst=dword:00000001\n", 1},
+  };
+  for (const auto& [values, multi] : stores) {
+    TempFolder folder;
+    if (values) {
+      std::ofstream(folder.Path() + "/registry.txt")
+          << "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\n"
+          << values;
+    }
+    std::string what = values ? values : "(no store)";
+    {
+      Start first(folder.Path());
+      ASSERT_EQ(first.result, 0);
+      auto boxes = first.view.Boxes();
+      ASSERT_EQ(boxes.size(), 1u) << what;
+      EXPECT_EQ(boxes[0].title, u"Warning: Version mismatch");
+      EXPECT_EQ(
+          boxes[0].text,
+          u"Expected: 2.71 \r\nReceived: Rel. \"0.0\" \r\nSome features may not function properly.  You have "
+          u"been warned.  :)");
+    }
+    Start second(folder.Path());
+    ASSERT_EQ(second.result, 0);
+    EXPECT_TRUE(second.view.Boxes().empty()) << what;
+    EXPECT_EQ(second.state.ProgramOptions.MULTIinst, multi) << what;
   }
-  Start second(folder.Path());
-  ASSERT_EQ(second.result, 0);
-  EXPECT_TRUE(second.view.Boxes().empty());
+}
+
+TEST(StartUp, AnUnusableConfigurationFolderIsReportedOnce) {
+  TempFolder folder;
+  std::ofstream(folder.Path() + "/plain") << "x";  // a file where the folder should be
+  Start start(folder.Path() + "/plain");  // ends for want of an instance lock, as before
+  int reports = 0;
+  for (const auto& box : start.view.Boxes()) {
+    if (box.text.find(u"Error opening Program Options registry key: ") != std::u16string::npos) ++reports;
+  }
+  EXPECT_EQ(reports, 1);
+  EXPECT_EQ(start.state.ProgramOptions.MULTIinst, 0u);
 }
 
 TEST(StartUp, AFolderOfAnotherReleaseWarnsEveryTime) {

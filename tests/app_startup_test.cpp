@@ -1,66 +1,28 @@
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <chrono>
 #include <fstream>
-#include <numeric>
 #include <thread>
 
 #include "app/main_window.h"
 #include "app/startup.h"
 #include "core/code_page.h"
 #include "core/messages.h"
-#include "core/reporting.h"
 #include "platform/files.h"
 #include "platform/instance_lock.h"
-#include "test_support.h"
+#include "program_fixture.h"
 
 namespace wavetrace::app {
 namespace {
 
 using core::AppState;
 using testing::RecordingFrontEnd;
+using testing::StartedProgram;
 using testing::TempFolder;
+using testing::WriteRegistry;
+namespace cmd = core::cmd;
 
 platform::OsInfo Linux() {
   return {true, "Linux", 6, 1, ""};
-}
-
-constexpr char16_t kWelcomeNormal[] =
-    u"    Welcome to Wavetrace Pro\r\n    Rel. 2.71.3089 (11.2008)\r\n\r\n Please tap the PLAY button\r\n "
-    u"below "
-    u"to open a communications\r\n port. After which you may then\r\n begin receiving serial data\r\n into "
-    u"your "
-    u"Pocket PC.";
-
-// One program start in a configuration folder, shut down at the end.
-class Start {
- public:
-  explicit Start(const std::string& folder, platform::OsInfo os = Linux(), std::u16string script = u"") {
-    state.View = &view;
-    state.ConfigFolder = core::Utf8ToWide(folder);
-    state.Switches.ScriptPath = std::move(script);
-    result = StartUp(state, os);
-  }
-  ~Start() {
-    if (!state.ShuttingDown) Shutdown(state);
-    AfterMessageLoop(state);
-  }
-  Start(const Start&) = delete;
-  Start& operator=(const Start&) = delete;
-
-  AppState state;
-  RecordingFrontEnd view;
-  int result = 0;
-};
-
-void WriteRegistry(const std::string& folder, int major, int minor, int multi = 0) {
-  char text[256];
-  std::snprintf(text, sizeof text,
-                "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\nMajorVersion=dword:%08x\n"
-                "MinorVersion=dword:%08x\nMULTIinst=dword:%08x\n",
-                major, minor, multi);
-  std::ofstream(folder + "/registry.txt") << text;
 }
 
 TEST(OperatingSystem, TestsAndSupport) {
@@ -95,8 +57,8 @@ TEST(OperatingSystem, TestsAndSupport) {
 
 TEST(StartUp, AnUnsupportedSystemGetsOneBoxAndNothingElse) {
   TempFolder folder;
-  Start start(folder.Path(), {true, "FreeBSD", 14, 0, ""});
-  EXPECT_EQ(start.result, -1);
+  StartedProgram start(folder.Path());
+  EXPECT_EQ(start.Start({true, "FreeBSD", 14, 0, ""}), -1);
   auto boxes = start.view.Boxes();
   ASSERT_EQ(boxes.size(), 1u);
   EXPECT_EQ(boxes[0].title, u"O/S not supported");
@@ -106,49 +68,53 @@ TEST(StartUp, AnUnsupportedSystemGetsOneBoxAndNothingElse) {
   EXPECT_FALSE(platform::FileExists(folder.Path() + "/registry.txt"));
 }
 
-TEST(StartUp, AStoreWithoutAReleaseWarnsOnceAndRecordsIt) {
-  // A fresh folder, a store left by an earlier --list-ports, a hand-written one.
+TEST(StartUp, TheVersionWarningAndTheRecordedRelease) {
+  // A store without a release (none at all, one left by --list-ports, a
+  // hand-written one) warns once and records this release; another release
+  // warns on every start.
   struct Case {
-    const char* values;
+    const char* store;  // nullptr: no store
+    bool otherRelease;  // a registry of release 2.70
     uint32_t multi;
   };
-  const Case stores[] = {
-      {nullptr, 0},
+  const Case cases[] = {
+      {nullptr, false, 0},
       {"DEFAULTcfg=dword:00000000\nMULTIinst=dword:00000000\nAcquireHWbuttons=dword:00000000\n"
        "DisableIcon=dword:00000000\n",
-       0},
-      {"MULTIinst=dword:00000001\n", 1},
+       false, 0},
+      {"MULTIinst=dword:00000001\n", false, 1},
+      {"", true, 0},
   };
-  for (const auto& [values, multi] : stores) {
+  for (const auto& [store, otherRelease, multi] : cases) {
     TempFolder folder;
-    if (values) {
+    if (otherRelease) {
+      WriteRegistry(folder.Path(), "", 70);
+    } else if (store) {
       std::ofstream(folder.Path() + "/registry.txt")
           << "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\n"
-          << values;
+          << store;
     }
-    std::string what = values ? values : "(no store)";
-    {
-      Start first(folder.Path());
-      ASSERT_EQ(first.result, 0);
-      auto boxes = first.view.Boxes();
-      ASSERT_EQ(boxes.size(), 1u) << what;
+    const std::string what = store ? store : "(no store)";
+    for (int run = 0; run < 2; ++run) {
+      StartedProgram start(folder.Path());
+      ASSERT_EQ(start.Start(), 0);
+      auto boxes = start.view.Boxes();
+      ASSERT_EQ(boxes.size(), run == 1 && !otherRelease ? 0u : 1u) << what << run;
+      EXPECT_EQ(start.state.ProgramOptions.MULTIinst, multi) << what;
+      if (boxes.empty()) continue;
       EXPECT_EQ(boxes[0].title, u"Warning: Version mismatch");
-      EXPECT_EQ(
-          boxes[0].text,
-          u"Expected: 2.71 \r\nReceived: Rel. \"0.0\" \r\nSome features may not function properly.  You have "
-          u"been warned.  :)");
+      EXPECT_EQ(boxes[0].text, std::u16string(u"Expected: 2.71 \r\nReceived: Rel. \"") +
+                                   (otherRelease ? u"2.70" : u"0.0") +
+                                   u"\" \r\nSome features may not function properly.  You have been warned.  :)");
     }
-    Start second(folder.Path());
-    ASSERT_EQ(second.result, 0);
-    EXPECT_TRUE(second.view.Boxes().empty()) << what;
-    EXPECT_EQ(second.state.ProgramOptions.MULTIinst, multi) << what;
   }
 }
 
 TEST(StartUp, AnUnusableConfigurationFolderIsReportedOnce) {
   TempFolder folder;
   std::ofstream(folder.Path() + "/plain") << "x";  // a file where the folder should be
-  Start start(folder.Path() + "/plain");  // ends for want of an instance lock, as before
+  StartedProgram start(folder.Path() + "/plain");
+  start.Start();  // ends for want of an instance lock, as before
   int reports = 0;
   for (const auto& box : start.view.Boxes()) {
     if (box.text.find(u"Error opening Program Options registry key: ") != std::u16string::npos) ++reports;
@@ -157,24 +123,10 @@ TEST(StartUp, AnUnusableConfigurationFolderIsReportedOnce) {
   EXPECT_EQ(start.state.ProgramOptions.MULTIinst, 0u);
 }
 
-TEST(StartUp, AFolderOfAnotherReleaseWarnsEveryTime) {
-  TempFolder folder;
-  WriteRegistry(folder.Path(), 2, 70);
-  for (int run = 0; run < 2; ++run) {
-    Start start(folder.Path());
-    ASSERT_EQ(start.result, 0);
-    auto boxes = start.view.Boxes();
-    ASSERT_EQ(boxes.size(), 1u);
-    EXPECT_NE(boxes[0].text.find(u"Received: Rel. \"2.70\""), std::u16string::npos);
-  }
-}
+class StartUpTest : public testing::ProgramFixture {};
 
-TEST(StartUp, NormalStartShowsTheClosedStateAndTheWelcomeText) {
-  TempFolder folder;
-  WriteRegistry(folder.Path(), 2, 71);
-  Start start(folder.Path());
-  ASSERT_EQ(start.result, 0);
-  auto& s = start.state;
+TEST_F(StartUpTest, NormalStartShowsTheClosedStateAndTheWelcomeText) {
+  auto& s = state;
   EXPECT_EQ(s.WindowTitle, u"Wavetrace Pro ");
   EXPECT_EQ(s.g_RxWindowBuf.Size(), 16384u);
   EXPECT_EQ(s.DataLogCache.Size(), 65535u);
@@ -182,277 +134,216 @@ TEST(StartUp, NormalStartShowsTheClosedStateAndTheWelcomeText) {
   ASSERT_TRUE(s.RxThread && s.TxThread && s.RxWndUpdate && s.LogIntervalThread);
   EXPECT_EQ(s.FirstPaintState, 2);
   EXPECT_TRUE(s.Screen.RxText().empty());
-
-  OnFirstPaint(s);
-  EXPECT_EQ(s.Screen.RxText(), kWelcomeNormal);
-  OnFirstPaint(s);  // only the first paint writes it
-  EXPECT_EQ(s.Screen.RxText(), kWelcomeNormal);
-
-  EXPECT_FALSE(s.Screen.IsButtonEnabled(core::cmd::kSend));
-  EXPECT_FALSE(s.Screen.IsButtonEnabled(core::cmd::kStop));
-  EXPECT_FALSE(s.Screen.IsMenuItemGrey(core::cmd::kAbout));
-  EXPECT_FALSE(s.Screen.IsMenuItemGrey(core::cmd::kExit));
-  EXPECT_TRUE(s.Screen.IsMenuItemGrey(core::cmd::kRunScript));
-  EXPECT_FALSE(s.Screen.IsMenuItemGrey(core::cmd::kConfigLoad));
-  EXPECT_TRUE(s.Screen.IsMenuItemChecked(core::cmd::kHex));
+  const std::u16string welcome =
+      u"    Welcome to Wavetrace Pro\r\n    Rel. 2.71.3089 (11.2008)\r\n\r\n Please tap the PLAY button\r\n "
+      u"below "
+      u"to open a communications\r\n port. After which you may then\r\n begin receiving serial data\r\n into "
+      u"your "
+      u"Pocket PC.";
+  for (int paint = 0; paint < 2; ++paint) {  // only the first paint writes it
+    OnFirstPaint(s);
+    EXPECT_EQ(s.Screen.RxText(), welcome);
+  }
+  EXPECT_FALSE(s.Screen.IsButtonEnabled(cmd::kSend) || s.Screen.IsButtonEnabled(cmd::kStop));
+  EXPECT_FALSE(s.Screen.IsMenuItemGrey(cmd::kAbout) || s.Screen.IsMenuItemGrey(cmd::kExit) ||
+               s.Screen.IsMenuItemGrey(cmd::kConfigLoad));
+  EXPECT_TRUE(s.Screen.IsMenuItemGrey(cmd::kRunScript));
+  EXPECT_TRUE(s.Screen.IsMenuItemChecked(cmd::kHex));
   EXPECT_EQ(s.Screen.TrayState(), 1);
   EXPECT_TRUE(s.Screen.WindowShown());
+  s.Queue.SendCommand(cmd::kAbout);
+  EXPECT_EQ(view.about, u"Rel. 2.71.3089  (11.2008)");
 }
 
-TEST(StartUp, ExitEndsEveryThreadAndFreesTheBuffers) {
-  TempFolder folder;
-  WriteRegistry(folder.Path(), 2, 71);
-  Start start(folder.Path());
-  ASSERT_EQ(start.result, 0);
-  auto& s = start.state;
+TEST_F(StartUpTest, ExitEndsEveryThreadAndFreesTheBuffers) {
   // Give the parked threads time to park: shutdown must wake them anyway.
   std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  s.Queue.PostCommand(core::cmd::kExit);
-  EXPECT_EQ(s.Queue.RunLoop(), 0);
-  EXPECT_TRUE(s.ShuttingDown);
-  EXPECT_FALSE(s.RxThread || s.TxThread || s.RxWndUpdate || s.LogIntervalThread);
-  EXPECT_TRUE(s.g_RxWindowBuf.Empty());
-  EXPECT_TRUE(s.DataLogCache.Empty());
-  EXPECT_EQ(s.Screen.Status(), u"Shutting down...");
-  EXPECT_EQ(s.Screen.TrayState(), 0);
-  EXPECT_EQ(s.Queue.NextTimerDelayMs(), -1);
+  state.Queue.PostCommand(cmd::kExit);
+  EXPECT_EQ(state.Queue.RunLoop(), 0);
+  EXPECT_TRUE(state.ShuttingDown);
+  EXPECT_FALSE(state.RxThread || state.TxThread || state.RxWndUpdate || state.LogIntervalThread);
+  EXPECT_TRUE(state.g_RxWindowBuf.Empty() && state.DataLogCache.Empty());
+  EXPECT_EQ(state.Screen.Status(), u"Shutting down...");
+  EXPECT_EQ(state.Screen.TrayState(), 0);
+  EXPECT_EQ(state.Queue.NextTimerDelayMs(), -1);
 }
 
 TEST(StartUp, WithoutADisplayToSwitchOffScreenOffIsGrey) {
   TempFolder folder;
-  WriteRegistry(folder.Path(), 2, 71);
+  WriteRegistry(folder.Path());
   const char* display = std::getenv("DISPLAY");
   std::string saved = display ? display : "";
   unsetenv("DISPLAY");
-  Start start(folder.Path());
+  StartedProgram start(folder.Path());
+  int result = start.Start();
   if (!saved.empty()) setenv("DISPLAY", saved.c_str(), 1);
-  ASSERT_EQ(start.result, 0);
-  EXPECT_FALSE(start.state.Screen.IsMenuItemGrey(core::cmd::kScreenOff));
+  ASSERT_EQ(result, 0);
+  EXPECT_FALSE(start.state.Screen.IsMenuItemGrey(cmd::kScreenOff));
   OnFirstPaint(start.state);
-  EXPECT_TRUE(start.state.Screen.IsMenuItemGrey(core::cmd::kScreenOff));
-  // The command then changes nothing.
-  start.state.Queue.SendCommand(core::cmd::kScreenOff);
+  EXPECT_TRUE(start.state.Screen.IsMenuItemGrey(cmd::kScreenOff));
+  start.state.Queue.SendCommand(cmd::kScreenOff);  // then changes nothing
   EXPECT_EQ(start.state.DisplayPower.PowerState, 0);
 }
 
 TEST(StartUp, DisableIconKeepsTheNotificationOff) {
   TempFolder folder;
-  WriteRegistry(folder.Path(), 2, 71);
-  std::ofstream(folder.Path() + "/registry.txt", std::ios::app) << "DisableIcon=dword:00000001\n";
-  Start start(folder.Path());
-  ASSERT_EQ(start.result, 0);
-  EXPECT_EQ(start.state.Screen.TrayState(), 0);
+  WriteRegistry(folder.Path(), "DisableIcon=dword:00000001\n");
+  StartedProgram start(folder.Path());
+  ASSERT_EQ(start.Start(), 0);
   EXPECT_FALSE(ShellNotification(start.state, kNotifyActive));
   EXPECT_FALSE(ShellNotification(start.state, kNotifyIdle));
   EXPECT_EQ(start.state.Screen.TrayState(), 0);
 }
 
-TEST(StartUp, AutomationMode) {
+TEST(StartUp, AutomationModeAndAScriptThatCannotBeRead) {
   TempFolder folder;
-  WriteRegistry(folder.Path(), 2, 71);
-  std::string script = folder.Path() + "/run.txt";
-  std::ofstream(script) << "<COMMENT>hi</COMMENT>";
-  Start start(folder.Path(), Linux(), core::Utf8ToWide(script));
-  ASSERT_EQ(start.result, 0);
-  auto& s = start.state;
-  EXPECT_EQ(s.AutomationMode, 1);
-  EXPECT_EQ(s.WindowTitle, u"Wavetrace Pro(Auto) ");
-  OnFirstPaint(s);
-  EXPECT_EQ(s.Screen.RxText(),
-            u" Welcome to Wavetrace Pro(Auto)\r\n        AUTOMATION MODE\r\n    Rel. 2.71.3089 "
-            u"(11.2008)\r\n\r\n[Running script:] \r\n" +
-                core::Utf8ToWide(script) + u"\r\n\r\n");
-  for (int item : {core::cmd::kConfigLoad, core::cmd::kConfigSave, core::cmd::kConfigSaveAs,
-                   core::cmd::kConfigSetDefault}) {
-    EXPECT_TRUE(s.Screen.IsMenuItemGrey(item)) << item;
-  }
-}
-
-TEST(StartUp, AScriptThatCannotBeReadFallsBackToNormalMode) {
-  TempFolder folder;
-  WriteRegistry(folder.Path(), 2, 71);
+  WriteRegistry(folder.Path());
+  std::ofstream(folder.Path() + "/run.txt") << "<COMMENT>hi</COMMENT>";
   std::ofstream(folder.Path() + "/empty.txt");
-  for (const char* name : {"/missing.txt", "/empty.txt"}) {
-    Start start(folder.Path(), Linux(), core::Utf8ToWide(folder.Path() + name));
-    ASSERT_EQ(start.result, 0);
+  for (const char* name : {"/run.txt", "/missing.txt", "/empty.txt"}) {
+    const std::u16string script = core::Utf8ToWide(folder.Path() + name);
+    const bool runs = name == std::string("/run.txt");
+    StartedProgram start(folder.Path());
+    AppState& s = start.state;
+    s.Switches.ScriptPath = script;
+    ASSERT_EQ(start.Start(), 0);
+    EXPECT_EQ(s.AutomationMode, runs ? 1 : 0) << name;
+    EXPECT_EQ(s.WindowTitle, runs ? u"Wavetrace Pro(Auto) " : u"Wavetrace Pro ");
+    for (int item : {cmd::kConfigLoad, cmd::kConfigSave, cmd::kConfigSaveAs, cmd::kConfigSetDefault})
+      EXPECT_EQ(s.Screen.IsMenuItemGrey(item), runs) << item;
     auto boxes = start.view.Boxes();
-    ASSERT_EQ(boxes.size(), 1u) << name;
-    EXPECT_EQ(boxes[0].title, u"Script file automation");
-    EXPECT_EQ(boxes[0].text, u"init failed... aborting.");
-    EXPECT_EQ(start.state.AutomationMode, 0);
-    EXPECT_EQ(start.state.WindowTitle, u"Wavetrace Pro ");
+    if (!runs) {
+      ASSERT_EQ(boxes.size(), 1u) << name;
+      EXPECT_EQ(boxes[0].title, u"Script file automation");
+      EXPECT_EQ(boxes[0].text, u"init failed... aborting.");
+      continue;
+    }
+    EXPECT_TRUE(boxes.empty());
+    OnFirstPaint(s);
+    EXPECT_EQ(s.Screen.RxText(),
+              u" Welcome to Wavetrace Pro(Auto)\r\n        AUTOMATION MODE\r\n    Rel. 2.71.3089 "
+              u"(11.2008)\r\n\r\n[Running script:] \r\n" +
+                  script + u"\r\n\r\n");
   }
 }
 
 TEST(StartUp, LoadsTheDefaultConfigurationThenTheOneAskedFor) {
   TempFolder folder;
-  WriteRegistry(folder.Path(), 2, 71);
   const std::string padding = "\r\n" + std::string(64, ';') + "\r\n";
   std::ofstream(folder.Path() + "/Default.cfg.txt")
       << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nBase=2\r\nmodeASCII=0\r\nmodeBINARY=1" << padding;
   std::ofstream(folder.Path() + "/night.cfg.txt")
       << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nBase=8" << padding;
-  struct Case {
+  const struct {
     std::string options;
     std::string config;
     int base;
     int checked;
     bool binary;
-  };
-  const Case cases[] = {
-      {"", "", 2, core::cmd::kBinary, true},
-      {"DEFAULTcfg=dword:00000001\n", "", 16, core::cmd::kHex, false},
-      {"", "/night.cfg.txt", 8, core::cmd::kOctal, true},
-      {"DEFAULTcfg=dword:00000001\n", "/night.cfg.txt", 8, core::cmd::kOctal, false},
+  } cases[] = {
+      {"", "", 2, cmd::kBinary, true},
+      {"DEFAULTcfg=dword:00000001\n", "", 16, cmd::kHex, false},
+      {"", "/night.cfg.txt", 8, cmd::kOctal, true},
+      {"DEFAULTcfg=dword:00000001\n", "/night.cfg.txt", 8, cmd::kOctal, false},
   };
   for (const auto& c : cases) {
-    WriteRegistry(folder.Path(), 2, 71);
-    std::ofstream(folder.Path() + "/registry.txt", std::ios::app) << c.options;
-    AppState s;
-    RecordingFrontEnd view;
-    s.View = &view;
-    s.ConfigFolder = core::Utf8ToWide(folder.Path());
+    WriteRegistry(folder.Path(), c.options);
+    StartedProgram start(folder.Path());
+    AppState& s = start.state;
     if (!c.config.empty()) s.Switches.ConfigPath = core::Utf8ToWide(folder.Path() + c.config);
-    ASSERT_EQ(StartUp(s, Linux()), 0);
+    ASSERT_EQ(start.Start(), 0);
     EXPECT_EQ(s.Data.Base, c.base) << c.options << c.config;
     EXPECT_TRUE(s.Screen.IsMenuItemChecked(c.checked)) << c.options << c.config;
     EXPECT_EQ(s.Data.modeBINARY, c.binary ? 1 : 0) << c.options << c.config;
-    EXPECT_FALSE(s.Screen.IsButtonEnabled(c.binary ? core::cmd::kBinaryButton : core::cmd::kAsciiButton));
-    if (!c.config.empty()) {
-      EXPECT_EQ(s.CurrentConfigPath, s.Switches.ConfigPath);
-    }
-    Shutdown(s);
-    AfterMessageLoop(s);
+    EXPECT_FALSE(s.Screen.IsButtonEnabled(c.binary ? cmd::kBinaryButton : cmd::kAsciiButton));
+    if (!c.config.empty()) EXPECT_EQ(s.CurrentConfigPath, s.Switches.ConfigPath);
   }
-}
-
-TEST(StartUp, AConfigurationAskedForThatIsMissingIsReported) {
-  TempFolder folder;
-  WriteRegistry(folder.Path(), 2, 71);
-  AppState s;
-  RecordingFrontEnd view;
-  s.View = &view;
-  s.ConfigFolder = core::Utf8ToWide(folder.Path());
-  s.Switches.ConfigPath = core::Utf8ToWide(folder.Path() + "/gone.cfg.txt");
-  ASSERT_EQ(StartUp(s, Linux()), 0);
-  EXPECT_EQ(s.Screen.Status().rfind(u"Config file not found [", 0), 0u);
-  EXPECT_NE(s.Screen.Status().find(u"Error code=2 (0x2)"), std::u16string::npos);
-  EXPECT_EQ(s.CurrentConfigPath, core::Utf8ToWide(folder.Path()) + u"/Default.cfg.txt");
-  Shutdown(s);
-  AfterMessageLoop(s);
-}
-
-TEST(Instances, TitleCandidates) {
-  auto titles = InstanceTitleCandidates(u"Wavetrace Pro ");
-  ASSERT_EQ(titles.size(), 30u);
-  EXPECT_EQ(titles[0], u"Wavetrace Pro ");
-  EXPECT_EQ(titles[1], u"Wavetrace Pro #2");
-  EXPECT_EQ(titles[29], u"Wavetrace Pro #30");
+  // One asked for that is missing is reported; the default stays current.
+  StartedProgram start(folder.Path());
+  start.state.Switches.ConfigPath = core::Utf8ToWide(folder.Path() + "/gone.cfg.txt");
+  ASSERT_EQ(start.Start(), 0);
+  EXPECT_EQ(start.state.Screen.Status().rfind(u"Config file not found [", 0), 0u);
+  EXPECT_NE(start.state.Screen.Status().find(u"Error code=2 (0x2)"), std::u16string::npos);
+  EXPECT_EQ(start.state.CurrentConfigPath, core::Utf8ToWide(folder.Path()) + u"/Default.cfg.txt");
 }
 
 TEST(Instances, ASecondStartBringsTheFirstToTheFront) {
   TempFolder folder;
-  WriteRegistry(folder.Path(), 2, 71);
-  Start first(folder.Path());
-  ASSERT_EQ(first.result, 0);
-  Start second(folder.Path());
-  EXPECT_EQ(second.result, -1);
+  WriteRegistry(folder.Path());
+  StartedProgram first(folder.Path());
+  ASSERT_EQ(first.Start(), 0);
+  first.state.Screen.SetEventsEnabled(true);
+  StartedProgram second(folder.Path());
+  EXPECT_EQ(second.Start(), -1);
   EXPECT_TRUE(second.view.Boxes().empty());
   EXPECT_FALSE(second.state.RxThread);
-  // The first instance is asked to come to the front.
   bool activated = false;
-  first.state.Screen.SetEventsEnabled(true);
-  for (int i = 0; i < 500 && !activated; ++i) {
-    first.state.Queue.DispatchPending();
+  EXPECT_TRUE(first.PumpUntil([&] {
     for (const auto& e : first.state.Screen.TakeEvents())
       activated |= e.Type == core::ScreenEvent::Kind::kActivate;
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return activated;
+  }));
+}
+
+TEST(Instances, SeveralAllowedGetNumberedTitlesUntilAllThirtyAreTaken) {
+  TempFolder folder;
+  WriteRegistry(folder.Path(), "MULTIinst=dword:00000001\n");
+  std::vector<std::unique_ptr<StartedProgram>> started;
+  for (const char16_t* title : {u"Wavetrace Pro ", u"Wavetrace Pro #2", u"Wavetrace Pro #3"}) {
+    started.push_back(std::make_unique<StartedProgram>(folder.Path()));
+    ASSERT_EQ(started.back()->Start(), 0);
+    EXPECT_EQ(started.back()->state.WindowTitle, title);
   }
-  EXPECT_TRUE(activated);
-}
-
-TEST(Instances, SeveralAllowedGetNumberedTitles) {
-  TempFolder folder;
-  WriteRegistry(folder.Path(), 2, 71, 1);
-  Start first(folder.Path());
-  Start second(folder.Path());
-  Start third(folder.Path());
-  ASSERT_EQ(first.result, 0);
-  ASSERT_EQ(second.result, 0);
-  ASSERT_EQ(third.result, 0);
-  EXPECT_EQ(first.state.WindowTitle, u"Wavetrace Pro ");
-  EXPECT_EQ(second.state.WindowTitle, u"Wavetrace Pro #2");
-  EXPECT_EQ(third.state.WindowTitle, u"Wavetrace Pro #3");
-}
-
-TEST(Instances, WithAllThirtyTitlesTakenTheNewcomerKeepsThePlainTitle) {
-  TempFolder folder;
-  WriteRegistry(folder.Path(), 2, 71, 1);
+  started.clear();
+  auto titles = InstanceTitleCandidates(u"Wavetrace Pro ");
+  ASSERT_EQ(titles.size(), 30u);
+  EXPECT_EQ(titles[29], u"Wavetrace Pro #30");
   std::vector<std::unique_ptr<platform::InstanceLock>> holders;
-  for (const auto& title : InstanceTitleCandidates(u"Wavetrace Pro ")) {
+  for (const auto& title : titles) {
     holders.push_back(std::make_unique<platform::InstanceLock>(folder.Path() + "/instances"));
     ASSERT_TRUE(holders.back()->Acquire(core::WideToUtf8(title)));
   }
-  Start start(folder.Path());
-  ASSERT_EQ(start.result, 0);
+  StartedProgram start(folder.Path());
+  ASSERT_EQ(start.Start(), 0);
   EXPECT_EQ(start.state.WindowTitle, u"Wavetrace Pro ");
 }
 
-TEST(MainWindowCommands, RadixAndViewModeAndClear) {
-  TempFolder folder;
-  WriteRegistry(folder.Path(), 2, 71);
-  Start start(folder.Path());
-  ASSERT_EQ(start.result, 0);
-  auto& s = start.state;
-  auto send = [&](int command) { s.Queue.SendCommand(command); };
-  auto checkedRadixItems = [&] {
-    int n = 0;
-    for (int item : {core::cmd::kDecimal, core::cmd::kHex, core::cmd::kOctal, core::cmd::kBinary}) {
-      n += s.Screen.IsMenuItemChecked(item) ? 1 : 0;
-    }
-    return n;
-  };
-  const std::pair<int, int> radixes[] = {{core::cmd::kDecimal, 10},
-                                         {core::cmd::kHex, 16},
-                                         {core::cmd::kHex, 16},
-                                         {core::cmd::kOctal, 8},
-                                         {core::cmd::kBinary, 2}};
+TEST_F(StartUpTest, RadixViewModePauseAndClearCommands) {
+  auto& screen = state.Screen;
+  auto send = [&](int command) { state.Queue.SendCommand(command); };
+  const std::pair<int, int> radixes[] = {
+      {cmd::kDecimal, 10}, {cmd::kHex, 16}, {cmd::kHex, 16}, {cmd::kOctal, 8}, {cmd::kBinary, 2}};
   for (auto [command, base] : radixes) {
     send(command);
-    EXPECT_EQ(s.Data.Base, base);
-    EXPECT_EQ(checkedRadixItems(), 1);
-    EXPECT_TRUE(s.Screen.IsMenuItemChecked(command));
+    EXPECT_EQ(state.Data.Base, base);
+    for (int item : {cmd::kDecimal, cmd::kHex, cmd::kOctal, cmd::kBinary})
+      EXPECT_EQ(screen.IsMenuItemChecked(item), item == command) << command;
   }
-
-  send(core::cmd::kBinaryButton);
-  EXPECT_EQ(s.Data.modeASCII, 0);
-  EXPECT_EQ(s.Data.modeBINARY, 1);
-  EXPECT_FALSE(s.Screen.IsButtonEnabled(core::cmd::kBinaryButton));
-  EXPECT_TRUE(s.Screen.IsButtonEnabled(core::cmd::kAsciiButton));
-  send(core::cmd::kAsciiButton);
-  EXPECT_EQ(s.Data.modeASCII, 1);
-  EXPECT_FALSE(s.Screen.IsButtonEnabled(core::cmd::kAsciiButton));
-
-  for (int clear : {core::cmd::kClearReceiveWindow, core::cmd::kClearButton}) {
-    s.Screen.RxInsertAtCaret(u"data");
-    s.Screen.SetShownCount(4);
+  for (bool binary : {true, false}) {
+    send(binary ? cmd::kBinaryButton : cmd::kAsciiButton);
+    EXPECT_EQ(state.Data.modeASCII, binary ? 0 : 1);
+    EXPECT_EQ(state.Data.modeBINARY, binary ? 1 : 0);
+    EXPECT_EQ(screen.IsButtonEnabled(cmd::kBinaryButton), !binary);
+    EXPECT_EQ(screen.IsButtonEnabled(cmd::kAsciiButton), binary);
+  }
+  for (int clear : {cmd::kClearReceiveWindow, cmd::kClearButton}) {
+    screen.RxInsertAtCaret(u"data");
+    screen.SetShownCount(4);
     send(clear);
-    EXPECT_TRUE(s.Screen.RxText().empty());
-    EXPECT_EQ(s.Screen.ShownCount(), 0);
+    EXPECT_TRUE(screen.RxText().empty());
+    EXPECT_EQ(screen.ShownCount(), 0);
   }
-
-  send(core::cmd::kPauseRxDisplay);
-  EXPECT_EQ(s.Data.PauseRxDisplay, 1);
-  EXPECT_TRUE(s.Screen.IsMenuItemChecked(core::cmd::kPauseRxDisplay));
-  send(core::cmd::kPauseRxDisplay);
-  EXPECT_EQ(s.Data.PauseRxDisplay, 0);
-
-  s.Screen.SetTxHistory({u"AT", u"ATZ"});
-  s.Screen.SetTxText(u"AT");
-  send(core::cmd::kClearSendHistory);
-  EXPECT_TRUE(s.Screen.TxHistory().empty());
-  EXPECT_TRUE(s.Screen.TxText().empty());
-  EXPECT_EQ(s.Screen.TxSelection(), -1);
+  for (int paused : {1, 0}) {
+    send(cmd::kPauseRxDisplay);
+    EXPECT_EQ(state.Data.PauseRxDisplay, paused);
+    EXPECT_EQ(screen.IsMenuItemChecked(cmd::kPauseRxDisplay), paused == 1);
+  }
+  screen.SetTxHistory({u"AT", u"ATZ"});
+  screen.SetTxText(u"AT");
+  send(cmd::kClearSendHistory);
+  EXPECT_TRUE(screen.TxHistory().empty());
+  EXPECT_TRUE(screen.TxText().empty());
+  EXPECT_EQ(screen.TxSelection(), -1);
 }
 
 }  // namespace

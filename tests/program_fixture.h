@@ -15,26 +15,34 @@
 
 namespace wavetrace::testing {
 
-// The program started in a fresh configuration folder where this release is
-// recorded (so no warning box); the test serves the queue as the main thread
-// and shuts the program down at the end, whatever is still open.
-class ProgramFixture : public ::testing::Test {
- protected:
-  // Lines added to the program's registry key before the start.
-  [[nodiscard]] virtual std::string ExtraRegistry() const { return {}; }
+// The program's registry key in a configuration folder: this release (no
+// version warning) unless minor says otherwise, then the extra lines.
+inline void WriteRegistry(const std::string& folder, const std::string& extra = "", int minor = 71) {
+  std::ofstream(folder + "/registry.txt")
+      << "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\nMajorVersion=dword:00000002\n"
+      << "MinorVersion=dword:000000" << std::hex << (minor < 16 ? "0" : "") << minor << "\n"
+      << extra;
+}
 
-  void SetUp() override {
-    std::ofstream(folder.Path() + "/registry.txt")
-        << "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\nMajorVersion=dword:00000002\n"
-           "MinorVersion=dword:00000047\n"
-        << ExtraRegistry();
+// The program over a configuration folder; the test serves the queue as the
+// main thread. Whatever is still open is shut down at the end.
+class StartedProgram {
+ public:
+  explicit StartedProgram(const std::string& folder) {
     state.View = &view;
-    state.ConfigFolder = core::Utf8ToWide(folder.Path());
-    ASSERT_EQ(app::StartUp(state, {true, "Linux", 6, 1, ""}), 0);
+    state.ConfigFolder = core::Utf8ToWide(folder);
   }
-  void TearDown() override {
-    app::Shutdown(state);
+  ~StartedProgram() {
+    if (!started_) return;
+    if (!state.ShuttingDown) app::Shutdown(state);
     app::AfterMessageLoop(state);
+  }
+  StartedProgram(const StartedProgram&) = delete;
+  StartedProgram& operator=(const StartedProgram&) = delete;
+
+  int Start(const platform::OsInfo& os = {true, "Linux", 6, 1, ""}) {
+    started_ = true;
+    return app::StartUp(state, os);
   }
   // Serves the main thread's queue until the condition holds.
   bool PumpUntil(const std::function<bool()>& condition,
@@ -48,9 +56,28 @@ class ProgramFixture : public ::testing::Test {
     return true;
   }
 
-  TempFolder folder;
   core::AppState state;
   RecordingFrontEnd view;
+
+ private:
+  bool started_ = false;
+};
+
+// A test body with the program started in a fresh folder of this release.
+class ProgramFixture : public ::testing::Test {
+ protected:
+  // Lines added to the program's registry key before the start.
+  [[nodiscard]] virtual std::string ExtraRegistry() const { return {}; }
+  void SetUp() override {
+    WriteRegistry(folder.Path(), ExtraRegistry());
+    ASSERT_EQ(program.Start(), 0);
+  }
+  bool PumpUntil(const std::function<bool()>& condition) { return program.PumpUntil(condition); }
+
+  TempFolder folder;
+  StartedProgram program{folder.Path()};
+  core::AppState& state = program.state;
+  RecordingFrontEnd& view = program.view;
 };
 
 }  // namespace wavetrace::testing

@@ -55,7 +55,7 @@ class RecordingFrontEnd : public core::FrontEnd {
   void SetWaitCursor(bool) override {}
   [[nodiscard]] int ScreenHeight() const override { return 320; }
   void RenderScreenChanges() override {}
-  void ShowAbout(std::u16string_view, bool) override {}
+  void ShowAbout(std::u16string_view releaseLine, bool) override { about = releaseLine; }
   void ShowProgramOptions() override {}
 
   std::vector<Box> Boxes() {
@@ -66,6 +66,7 @@ class RecordingFrontEnd : public core::FrontEnd {
   bool needsMainThread = false;
   bool windowExists = true;
   std::u16string clipboard;
+  std::u16string about;
   std::function<void()> onBox;
 
  private:

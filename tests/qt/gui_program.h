@@ -1,22 +1,28 @@
 #pragma once
 
-// Shared by the Qt tests: one QApplication for the whole binary and a run of
-// the real program with the Qt view in a fresh configuration folder.
+// Shared by the Qt tests: one QApplication for the whole binary, a run of the
+// real program with the Qt view in a fresh configuration folder, and reaching
+// the modal dialogs that run their own loop.
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include <QAction>
 #include <QApplication>
+#include <QDialogButtonBox>
 #include <QFile>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <functional>
 #include <string>
+#include <utility>
 
 #include "app/program.h"
 #include "core/app_state.h"
 #include "core/messages.h"
+#include "ui/main_window_widget.h"
 #include "ui/qt_view.h"
 
 namespace wavetrace::ui::testing {
@@ -51,10 +57,8 @@ class ConfigHome {
       // program's own store writes it, so that either reading finds it.
       registry.write(
           "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\r\n"
-          "\"MajorVersion\"=dword:00000002\r\n"
-          "\"MinorVersion\"=dword:00000047\r\n"
-          "MajorVersion=dword:00000002\r\n"
-          "MinorVersion=dword:00000047\r\n");
+          "\"MajorVersion\"=dword:00000002\r\n\"MinorVersion\"=dword:00000047\r\n"
+          "MajorVersion=dword:00000002\r\nMinorVersion=dword:00000047\r\n");
     }
     setenv("WAVETRACE_HOME", dir_.path().toLocal8Bit().constData(), 1);
   }
@@ -62,7 +66,6 @@ class ConfigHome {
   ConfigHome(const ConfigHome&) = delete;
   ConfigHome& operator=(const ConfigHome&) = delete;
 
-  [[nodiscard]] bool Valid() const { return dir_.isValid(); }
   [[nodiscard]] QString FilePath(const QString& name) const { return dir_.filePath(name); }
 
  private:
@@ -109,6 +112,14 @@ class GuiProgram {
     return exitCode;
   }
 
+  // Runs body once the main window is up.
+  int RunShown(const std::function<void(MainWindowWidget&, core::AppState&)>& body) {
+    return Run([&] {
+      ASSERT_TRUE(WaitUntil([&] { return view_.Window().isVisible(); }));
+      body(view_.Window(), state_);
+    });
+  }
+
   core::AppState& State() { return state_; }
   QtView& View() { return view_; }
   const ConfigHome& Home() const { return home_; }
@@ -119,5 +130,55 @@ class GuiProgram {
   core::AppState state_;
   QtView view_{state_};
 };
+
+// Calls act(dialog) once a modal dialog of type T is up; the dialog runs its
+// own loop, so the test reaches it from a timer.
+template <typename T>
+class ModalHandler {
+ public:
+  explicit ModalHandler(std::function<void(T&)> act) : act_(std::move(act)) {
+    QObject::connect(&timer_, &QTimer::timeout, [this] {
+      auto* dialog = qobject_cast<T*>(QApplication::activeModalWidget());
+      if (!dialog) return;
+      timer_.stop();
+      handled_ = true;
+      act_(*dialog);
+    });
+    timer_.start(10);
+  }
+  ModalHandler(const ModalHandler&) = delete;
+  ModalHandler& operator=(const ModalHandler&) = delete;
+
+  [[nodiscard]] bool Handled() const { return handled_; }
+
+ private:
+  std::function<void(T&)> act_;
+  QTimer timer_;
+  bool handled_ = false;
+};
+
+// Presses the dialog's OK or Cancel button, as a tap does.
+inline void ClickOk(QDialog& dialog) {
+  dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
+}
+inline void ClickCancel(QDialog& dialog) {
+  dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Cancel)->click();
+}
+
+// Opens a dialog of type T through the menu item of command and lets act work
+// on it; true once it has closed again and the queue was served.
+template <typename T>
+bool RunDialog(MainWindowWidget& window, int command, const std::function<void(T&)>& act) {
+  ModalHandler<T> handler(act);
+  window.Action(command)->trigger();
+  return WaitUntil([&] { return handler.Handled() && !QApplication::activeModalWidget(); });
+}
+
+// A dialog sheet is as large as the window at most and takes its font.
+inline void ExpectFitsTheWindow(const QWidget& sheet, const MainWindowWidget& window) {
+  EXPECT_EQ(sheet.font().pixelSize(), window.font().pixelSize());
+  EXPECT_LE(sheet.width(), window.width());
+  EXPECT_LE(sheet.height(), window.height());
+}
 
 }  // namespace wavetrace::ui::testing

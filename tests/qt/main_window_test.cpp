@@ -1,17 +1,15 @@
 // The Qt view over the real start-up: what the main window shows and what
-// its menu items and buttons do.
-#include <QAction>
+// its menu items, buttons and fields do.
+#include <QClipboard>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QScrollBar>
 #include <QTextCursor>
 #include <thread>
 
 #include "core/reporting.h"
 #include "tests/qt/gui_program.h"
-#include "ui/main_window_widget.h"
 #include "ui/receive_view.h"
 
 namespace wavetrace::ui {
@@ -21,37 +19,22 @@ using testing::GuiProgram;
 using testing::WaitUntil;
 namespace cmd = core::cmd;
 
-bool ShowsModelText(GuiProgram& program) {
-  return program.View().Window().Receive()->ModelText() == program.State().Screen.RxText();
+bool ShowsModelText(MainWindowWidget& window, core::AppState& state) {
+  return window.Receive()->ModelText() == state.Screen.RxText();
 }
 
-TEST(MainWindow, StartUpShowsWelcomeTextTitleAndStatus) {
+TEST(MainWindow, StartUpShowsTheWelcomeTextTitleStatusAndTheModelsControls) {
   GuiProgram program;
-  ASSERT_TRUE(program.Home().Valid());
-  int exitCode = program.Run([&] {
-    MainWindowWidget& window = program.View().Window();
-    ASSERT_TRUE(WaitUntil([&] { return window.isVisible(); }));
+  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+    auto& screen = state.Screen;
     ASSERT_TRUE(WaitUntil(
         [&] { return window.Receive()->ModelText().find(u"into your Pocket PC.") != std::u16string::npos; }));
-    std::u16string shown = window.Receive()->ModelText();
-    EXPECT_NE(shown.find(u"Welcome to Wavetrace Pro\r\n"), std::u16string::npos);
-    EXPECT_NE(shown.find(u"Rel. 2.71.3089 (11.2008)"), std::u16string::npos);
-    EXPECT_EQ(shown, program.State().Screen.RxText());
+    EXPECT_TRUE(ShowsModelText(window, state));
     EXPECT_EQ(window.windowTitle(), QStringLiteral("Wavetrace Pro "));
-
-    core::ShowStatus(program.State(), u"Port opened: COM1: 9600,8,N,1");
+    core::ShowStatus(state, u"Port opened: COM1: 9600,8,N,1");
     EXPECT_TRUE(WaitUntil(
         [&] { return window.StatusLine()->text() == QStringLiteral("Port opened: COM1: 9600,8,N,1"); }));
-  });
-  EXPECT_EQ(exitCode, 0);
-}
 
-TEST(MainWindow, GreyedCommandsAreDisabledAndFollowTheModel) {
-  GuiProgram program;
-  int exitCode = program.Run([&] {
-    MainWindowWidget& window = program.View().Window();
-    auto& screen = program.State().Screen;
-    ASSERT_TRUE(WaitUntil([&] { return window.isVisible(); }));
     for (int command : {cmd::kAbout,
                         cmd::kExit,
                         cmd::kHelp,
@@ -83,11 +66,8 @@ TEST(MainWindow, GreyedCommandsAreDisabledAndFollowTheModel) {
       ASSERT_NE(action, nullptr) << command;
       EXPECT_EQ(action->isEnabled(), !screen.IsMenuItemGrey(command)) << command;
     }
-    EXPECT_TRUE(window.Action(cmd::kAbout)->isEnabled());
-    EXPECT_TRUE(window.Action(cmd::kExit)->isEnabled());
     EXPECT_EQ(window.Action(cmd::kAbout)->text(), QStringLiteral("About..."));
     EXPECT_EQ(window.Action(cmd::kClearReceiveWindow)->text(), QStringLiteral("Received window"));
-
     for (int command : {cmd::kPlay, cmd::kStop, cmd::kSend, cmd::kRepeat, cmd::kRecord, cmd::kRelay,
                         cmd::kAsciiButton, cmd::kBinaryButton, cmd::kClearButton}) {
       QPushButton* button = window.Button(command);
@@ -98,55 +78,41 @@ TEST(MainWindow, GreyedCommandsAreDisabledAndFollowTheModel) {
     // Later changes of the model reach the window.
     screen.GreyMenuItem(cmd::kAbout, true);
     screen.EnableButton(cmd::kClearButton, false);
-    screen.SetButtonPressed(cmd::kBinaryButton, true);
-    EXPECT_TRUE(WaitUntil([&] { return !window.Action(cmd::kAbout)->isEnabled(); }));
-    EXPECT_TRUE(WaitUntil([&] { return !window.Button(cmd::kClearButton)->isEnabled(); }));
-    EXPECT_TRUE(WaitUntil([&] { return window.Button(cmd::kBinaryButton)->isChecked(); }));
-  });
-  EXPECT_EQ(exitCode, 0);
+    screen.SetButtonPressed(cmd::kRepeat, true);
+    EXPECT_TRUE(WaitUntil([&] {
+      return !window.Action(cmd::kAbout)->isEnabled() && !window.Button(cmd::kClearButton)->isEnabled() &&
+             window.Button(cmd::kRepeat)->isChecked();
+    }));
+    screen.SetButtonPressed(cmd::kRepeat, false);
+    EXPECT_TRUE(WaitUntil([&] { return !window.Button(cmd::kRepeat)->isChecked(); }));
+  }),
+            0);
 }
 
-// Exactly which of the four radix items carry the check mark.
-std::vector<int> CheckedRadixItems(const MainWindowWidget& window) {
-  std::vector<int> checked;
-  for (int command : {cmd::kDecimal, cmd::kHex, cmd::kOctal, cmd::kBinary}) {
-    if (window.Action(command)->isChecked()) checked.push_back(command);
-  }
-  return checked;
-}
-
-TEST(MainWindow, RadixItemsMoveTheSingleCheckMark) {
+TEST(MainWindow, ChoosingTheCheckedRadixItemAgainKeepsItsMark) {
   GuiProgram program;
-  int exitCode = program.Run([&] {
-    MainWindowWidget& window = program.View().Window();
-    ASSERT_TRUE(WaitUntil([&] { return window.isVisible(); }));
-    ASSERT_TRUE(WaitUntil([&] { return CheckedRadixItems(window).size() == 1; }));
-
-    window.Action(cmd::kHex)->trigger();
-    EXPECT_TRUE(WaitUntil([&] { return CheckedRadixItems(window) == std::vector<int>{cmd::kHex}; }));
-    EXPECT_EQ(program.State().Data.Base, 16);
-
-    window.Action(cmd::kDecimal)->trigger();
-    EXPECT_TRUE(WaitUntil([&] { return CheckedRadixItems(window) == std::vector<int>{cmd::kDecimal}; }));
-    EXPECT_EQ(program.State().Data.Base, 10);
-
-    // Choosing the checked item again must not clear its mark.
-    window.Action(cmd::kDecimal)->trigger();
+  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+    auto checked = [&] {
+      std::vector<int> items;
+      for (int command : {cmd::kDecimal, cmd::kHex, cmd::kOctal, cmd::kBinary})
+        if (window.Action(command)->isChecked()) items.push_back(command);
+      return items;
+    };
+    for (int command : {cmd::kDecimal, cmd::kDecimal, cmd::kOctal}) window.Action(command)->trigger();
+    EXPECT_TRUE(
+        WaitUntil([&] { return state.Data.Base == 8 && checked() == std::vector<int>{cmd::kOctal}; }));
     window.Action(cmd::kOctal)->trigger();
-    window.Action(cmd::kOctal)->trigger();
-    EXPECT_TRUE(WaitUntil([&] { return program.State().Data.Base == 8; }));
-    EXPECT_TRUE(WaitUntil([&] { return CheckedRadixItems(window) == std::vector<int>{cmd::kOctal}; }));
-  });
-  EXPECT_EQ(exitCode, 0);
+    EXPECT_TRUE(WaitUntil([&] { return checked() == std::vector<int>{cmd::kOctal}; }));
+  }),
+            0);
 }
 
 TEST(MainWindow, ReceiveWindowFollowsEditsWithoutReloading) {
   GuiProgram program;
-  int exitCode = program.Run([&] {
-    MainWindowWidget& window = program.View().Window();
+  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
     ReceiveView* receive = window.Receive();
-    auto& screen = program.State().Screen;
-    ASSERT_TRUE(WaitUntil([&] { return !receive->ModelText().empty() && ShowsModelText(program); }));
+    auto& screen = state.Screen;
+    ASSERT_TRUE(WaitUntil([&] { return !receive->ModelText().empty() && ShowsModelText(window, state); }));
 
     // The user's selection survives appends: the text is edited, not reloaded.
     QTextCursor selection(receive->document());
@@ -154,47 +120,42 @@ TEST(MainWindow, ReceiveWindowFollowsEditsWithoutReloading) {
     selection.setPosition(11, QTextCursor::KeepAnchor);
     receive->setTextCursor(selection);
     ASSERT_EQ(receive->textCursor().selectedText(), QStringLiteral("Welcome"));
-
     // Received text arrives from a worker thread.
-    std::thread worker([&] { screen.RxInsertAtCaret(u"\r\nline A\r\nline B"); });
-    worker.join();
-    EXPECT_TRUE(WaitUntil([&] { return ShowsModelText(program); }));
+    std::thread([&] { screen.RxInsertAtCaret(u"\r\nline A\r\nline B"); }).join();
+    EXPECT_TRUE(WaitUntil([&] { return ShowsModelText(window, state); }));
     EXPECT_EQ(receive->textCursor().selectedText(), QStringLiteral("Welcome"));
-    EXPECT_NE(receive->ModelText().find(u"\r\nline A\r\nline B"), std::u16string::npos);
 
     // A replacement in the middle and a clear.
     screen.RxSetSelection(4, 11);
     screen.RxReplaceSelection(u"Hello");
-    EXPECT_TRUE(WaitUntil([&] { return ShowsModelText(program); }));
+    EXPECT_TRUE(WaitUntil([&] { return ShowsModelText(window, state); }));
     EXPECT_EQ(receive->ModelText().substr(0, 9), u"    Hello");
     screen.RxClear();
     EXPECT_TRUE(WaitUntil([&] { return receive->ModelText().empty(); }));
 
     // At the end the view follows new lines; scrolled back it stays put.
     for (int i = 0; i < 200; ++i) screen.RxInsertAtCaret(u"received line\r\n");
-    ASSERT_TRUE(WaitUntil([&] { return ShowsModelText(program); }));
+    ASSERT_TRUE(WaitUntil([&] { return ShowsModelText(window, state); }));
     QScrollBar* bar = receive->verticalScrollBar();
     EXPECT_GT(bar->maximum(), 0);
     EXPECT_EQ(bar->value(), bar->maximum());
     bar->setValue(0);
     screen.RxInsertAtCaret(u"one more\r\n");
-    ASSERT_TRUE(WaitUntil([&] { return ShowsModelText(program); }));
+    ASSERT_TRUE(WaitUntil([&] { return ShowsModelText(window, state); }));
     EXPECT_EQ(bar->value(), 0);
-  });
-  EXPECT_EQ(exitCode, 0);
+  }),
+            0);
 }
 
 TEST(MainWindow, ButtonsAndTransmitFieldTalkToTheModel) {
   GuiProgram program;
-  int exitCode = program.Run([&] {
-    MainWindowWidget& window = program.View().Window();
-    auto& screen = program.State().Screen;
-    ASSERT_TRUE(WaitUntil([&] { return !window.Receive()->ModelText().empty() && ShowsModelText(program); }));
-
+  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+    auto& screen = state.Screen;
+    ASSERT_TRUE(WaitUntil([&] { return !screen.RxText().empty(); }));
     // CLEAR posts its command; the main window empties the receive window.
+    // A click does not press the button by itself: that is the model's call.
     window.Button(cmd::kClearButton)->click();
     EXPECT_TRUE(WaitUntil([&] { return screen.RxText().empty() && window.Receive()->ModelText().empty(); }));
-    // A click does not press the button by itself: that is the model's call.
     EXPECT_FALSE(window.Button(cmd::kClearButton)->isChecked());
 
     // The history drop-down comes from the model; typing goes back to it.
@@ -208,73 +169,93 @@ TEST(MainWindow, ButtonsAndTransmitFieldTalkToTheModel) {
     EXPECT_TRUE(WaitUntil([&] { return screen.TxText() == u"AT&V"; }));
     screen.SetTxEnabled(false);
     EXPECT_TRUE(WaitUntil([&] { return !field->isEnabled(); }));
-
     // "Send history" empties the field and its list.
     window.Action(cmd::kClearSendHistory)->trigger();
     EXPECT_TRUE(WaitUntil([&] { return field->count() == 0 && field->currentText().isEmpty(); }));
-  });
-  EXPECT_EQ(exitCode, 0);
+  }),
+            0);
+}
+
+TEST(MainWindow, CopyAndPasteFollowTheFocus) {
+  GuiProgram program;
+  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+    auto& screen = state.Screen;
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    ReceiveView* receive = window.Receive();
+    QLineEdit* edit = window.TransmitField()->lineEdit();
+    screen.RxClear();
+    screen.RxInsertAtCaret(u"first\r\nsecond\r\n");
+    screen.SetTxText(u"old text");
+    ASSERT_TRUE(WaitUntil(
+        [&] { return ShowsModelText(window, state) && edit->text() == QStringLiteral("old text"); }));
+
+    // Copy in the receive window takes the text with its line ends.
+    receive->setFocus();
+    ASSERT_TRUE(WaitUntil([&] { return QApplication::focusWidget() == receive; }));
+    receive->selectAll();
+    window.Action(cmd::kCopy)->trigger();
+    EXPECT_EQ(clipboard->text(), QStringLiteral("first\r\nsecond\r\n"));
+    // Paste there replaces the transmit field...
+    clipboard->setText(QStringLiteral("XYZ"));
+    window.Action(cmd::kPaste)->trigger();
+    EXPECT_TRUE(WaitUntil([&] { return screen.TxText() == u"XYZ"; }));
+    // ...and with the focus in the field goes in at the caret.
+    EXPECT_TRUE(window.TransmitField()->hasFocus());
+    edit->setCursorPosition(1);
+    window.Action(cmd::kPaste)->trigger();
+    EXPECT_TRUE(WaitUntil([&] { return screen.TxText() == u"XXYZYZ"; }));
+    edit->setSelection(1, 3);
+    window.Action(cmd::kCopy)->trigger();
+    EXPECT_EQ(clipboard->text(), QStringLiteral("XYZ"));
+
+    EXPECT_EQ(core::CopyTextToClipboard(state, u"copied by the core"), 1);
+    EXPECT_EQ(clipboard->text(), QStringLiteral("copied by the core"));
+  }),
+            0);
 }
 
 TEST(MainWindow, FullscreenAndFocusFollowTheModel) {
   GuiProgram program;
-  int exitCode = program.Run([&] {
-    MainWindowWidget& window = program.View().Window();
-    ASSERT_TRUE(
-        WaitUntil([&] { return window.isVisible() && window.Button(cmd::kClearButton)->isVisible(); }));
+  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+    ASSERT_TRUE(WaitUntil([&] { return window.Button(cmd::kClearButton)->isVisible(); }));
     int normalHeight = window.Receive()->height();
-
     window.Action(cmd::kFullscreen)->trigger();
-    EXPECT_TRUE(WaitUntil([&] { return window.Action(cmd::kFullscreen)->isChecked(); }));
     EXPECT_TRUE(WaitUntil([&] {
-      return !window.Button(cmd::kClearButton)->isVisible() && !window.TransmitField()->isVisible() &&
-             window.Receive()->height() > normalHeight;
+      return window.Action(cmd::kFullscreen)->isChecked() && !window.Button(cmd::kClearButton)->isVisible() &&
+             !window.TransmitField()->isVisible() && window.Receive()->height() > normalHeight;
     }));
     window.Action(cmd::kFullscreen)->trigger();
     EXPECT_TRUE(WaitUntil([&] { return window.Button(cmd::kClearButton)->isVisible(); }));
     EXPECT_FALSE(window.Action(cmd::kFullscreen)->isChecked());
 
-    program.State().Screen.SetFocus(core::control::kTransmitField);
+    state.Screen.SetFocus(core::control::kTransmitField);
     EXPECT_TRUE(WaitUntil([&] { return window.TransmitField()->hasFocus(); }));
-    program.State().Screen.SetFocus(core::control::kReceiveWindow);
+    state.Screen.SetFocus(core::control::kReceiveWindow);
     EXPECT_TRUE(WaitUntil([&] { return window.Receive()->hasFocus(); }));
-  });
-  EXPECT_EQ(exitCode, 0);
-}
-
-TEST(MainWindow, ExitCommandEndsTheRunAndJoinsTheThreads) {
-  GuiProgram program;
-  bool threadsRan = false;
-  int exitCode = program.Run(
-      [&] {
-        threadsRan = program.State().RxWndUpdate != nullptr && program.State().RxThread != nullptr;
-        program.State().Queue.PostCommand(cmd::kExit);
-      },
-      false);
-  EXPECT_EQ(exitCode, 0);
-  EXPECT_TRUE(threadsRan);
-  EXPECT_EQ(program.State().RxThread, nullptr);
-  EXPECT_EQ(program.State().TxThread, nullptr);
-  EXPECT_EQ(program.State().RxWndUpdate, nullptr);
-  EXPECT_EQ(program.State().LogIntervalThread, nullptr);
-  EXPECT_TRUE(program.State().ShuttingDown);
+  }),
+            0);
 }
 
 TEST(MainWindow, ClosingTheWindowIsTheExitCommand) {
   GuiProgram program;
+  bool threadsRan = false;
   bool stayedOpen = false;
   int exitCode = program.Run(
       [&] {
         MainWindowWidget& window = program.View().Window();
         ASSERT_TRUE(WaitUntil([&] { return window.isVisible(); }));
+        threadsRan = program.State().RxWndUpdate && program.State().RxThread;
         window.close();
         // The close was refused: the shutdown, not the window, ends the run.
         stayedOpen = window.isVisible();
       },
       false);
-  EXPECT_TRUE(stayedOpen);
   EXPECT_EQ(exitCode, 0);
-  EXPECT_EQ(program.State().RxWndUpdate, nullptr);
+  EXPECT_TRUE(threadsRan);
+  EXPECT_TRUE(stayedOpen);
+  const core::AppState& state = program.State();
+  EXPECT_FALSE(state.RxThread || state.TxThread || state.RxWndUpdate || state.LogIntervalThread);
+  EXPECT_TRUE(state.ShuttingDown);
 }
 
 }  // namespace

@@ -72,12 +72,5 @@ TEST(CommandLine, LineSettingOptions) {
   for (const auto& args : refused) EXPECT_FALSE(ParseCommandLine(args).Error.empty()) << args[0];
 }
 
-TEST(CommandLine, VersionTextNamesTheReleaseAndTheBuild) {
-  std::string text = VersionText();
-  EXPECT_NE(text.find("Rel. 2.71.3089 (11.2008)"), std::string::npos);
-  EXPECT_NE(text.find("build "), std::string::npos);
-  EXPECT_NE(HelpText("wavetrace-cli", false).find("--script FILE"), std::string::npos);
-}
-
 }  // namespace
 }  // namespace wavetrace::app

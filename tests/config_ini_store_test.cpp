@@ -129,11 +129,5 @@ TEST_F(IniStoreTest, FileExistsAndUnreadableFiles) {
   EXPECT_EQ(bad.Close(), -1);
 }
 
-TEST(IniHash, Djb2OverSignedBytes) {
-  EXPECT_EQ(IniHashTable::Hash("", 0), 5381u);
-  EXPECT_EQ(IniHashTable::Hash("a", 1), 5381u * 33 + 'a');
-  EXPECT_EQ(IniHashTable::Hash("\xff", 1), 5381u * 33 - 1);
-}
-
 }  // namespace
 }  // namespace wavetrace::config

@@ -46,15 +46,6 @@ TEST(ReceiveWindow, EditingLikeAnEditControl) {
   EXPECT_TRUE(screen.TakeEvents().empty());
 }
 
-TEST(ReceiveWindow, ClearResetsTheShownCount) {
-  MainScreen screen;
-  screen.RxInsertAtCaret(u"abc");
-  screen.SetShownCount(3);
-  screen.RxClear();
-  EXPECT_TRUE(screen.RxText().empty());
-  EXPECT_EQ(screen.ShownCount(), 0);
-}
-
 TEST(ReceiveWindow, AViewThatFallsFarBehindGetsOneReset) {
   MainScreen screen;
   screen.SetEventsEnabled(true);

@@ -65,13 +65,21 @@ TEST(FormatErrorCode, CodeInDecimalAndHexWithDescriptions) {
   EXPECT_EQ(FormatErrorCode({0, "line setting"}), u": Error code=0 (0x0)");
 }
 
-TEST_F(ReportingTest, StatusErrorGoesToTheStatusLine) {
+TEST_F(ReportingTest, StatusErrorAndErrorBox) {
   ShowStatusError(state, u"Error! Selected port failed to open. Check settings.", {EBUSY, "open"});
-  std::u16string status = state.Screen.Status();
-  EXPECT_EQ(
-      status.rfind(u"Error! Selected port failed to open. Check settings.: Error code=16 (0x10)  Desc: ", 0),
-      0u);
+  EXPECT_EQ(state.Screen.Status().rfind(
+                u"Error! Selected port failed to open. Check settings.: Error code=16 (0x10)  Desc: ", 0),
+            0u);
   EXPECT_TRUE(state.Screen.RxText().empty());
+  ShowStatusError(state, std::u16string(600, u'x'), {});  // bounded like its buffer
+  EXPECT_EQ(state.Screen.Status().size(), 511u);
+
+  ShowErrorBox(state, u"Error creating RxThread.", platform::OutOfMemory());
+  auto boxes = view.Boxes();
+  ASSERT_EQ(boxes.size(), 1u);
+  EXPECT_EQ(boxes[0].title, u"Error...");
+  EXPECT_EQ(boxes[0].text.rfind(u"Error creating RxThread.: Error code=12 (0xc)", 0), 0u);
+  EXPECT_LE(boxes[0].text.size(), 255u);
 }
 
 TEST_F(ReportingTest, StatusErrorInPortScanModeLeavesOnlyTheMessageInTheReceiveWindow) {
@@ -81,20 +89,6 @@ TEST_F(ReportingTest, StatusErrorInPortScanModeLeavesOnlyTheMessageInTheReceiveW
   ShowStatusError(state, u"Scan failed", {ENOENT, "open"});
   EXPECT_EQ(state.Screen.RxText(), u"Scan failed" + FormatErrorCode({ENOENT, "open"}) + u"\r\n");
   EXPECT_EQ(state.Screen.Status(), u"before");
-}
-
-TEST_F(ReportingTest, StatusErrorIsBoundedLikeItsBuffer) {
-  ShowStatusError(state, std::u16string(600, u'x'), {});
-  EXPECT_EQ(state.Screen.Status().size(), 511u);
-}
-
-TEST_F(ReportingTest, ErrorBoxIsTitledAndCarriesTheCode) {
-  ShowErrorBox(state, u"Error creating RxThread.", platform::OutOfMemory());
-  auto boxes = view.Boxes();
-  ASSERT_EQ(boxes.size(), 1u);
-  EXPECT_EQ(boxes[0].title, u"Error...");
-  EXPECT_EQ(boxes[0].text.rfind(u"Error creating RxThread.: Error code=12 (0xc)", 0), 0u);
-  EXPECT_LE(boxes[0].text.size(), 255u);
 }
 
 TEST_F(ReportingTest, ErrorBlockIsFramedAtTheCaretAndGoesNowhereBeforeTheWindow) {

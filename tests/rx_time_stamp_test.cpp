@@ -86,16 +86,6 @@ TEST(BuildTimeStampTest, SameSecondLeavesCurrentAndPreviousEqual) {
   EXPECT_EQ(state.Log.CurrentTimeStamp, state.Log.PreviousTimeStamp);
 }
 
-TEST(BuildTimeStampTest, ReadsTheClock) {
-  core::AppState state;
-  BuildTimeStamp(state);
-  const std::string stamp = StampText(state.Log.CurrentTimeStamp);
-  ASSERT_EQ(stamp.size(), 19u) << stamp;
-  EXPECT_EQ(stamp[2], '/');
-  EXPECT_EQ(stamp[10], ',');
-  EXPECT_EQ(stamp[13], ':');
-}
-
 TEST(StampedRuleTest, TokenBecomesTheStampAtEachMatch) {
   // "@" in the expected text stands for the stamp built at the match.
   const struct {

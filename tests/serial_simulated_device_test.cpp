@@ -129,36 +129,17 @@ TEST_F(SimulatedPortTest, FoundByDiscoveryAndReadExactlyWithItsSetting) {
   EXPECT_TRUE(PumpUntil([&] { return state.Screen.RxText().find(u"hello\r\n") != std::u16string::npos; }));
 }
 
-TEST_F(SimulatedPortTest, AnotherLineSettingReadsGarbage) {
-  struct Case {
-    uint32_t baud;
-    int bits;
-    const char16_t* parity;
-    const char16_t* stop;
-  };
-  // The hex view shows every byte, zeros included (text would stop at them).
-  state.Queue.SendCommand(core::cmd::kBinaryButton);
-  const std::u16string sentenceStart = u"[24][47][50][47][47][41][2C][31][32][30][30]";  // "$GPGGA,1200"
-  ASSERT_TRUE(Play(4800, 8, u"None", u"1"));
-  EXPECT_TRUE(PumpUntil([&] { return state.Screen.RxText().find(sentenceStart) != std::u16string::npos; }));
-  ASSERT_TRUE(Stop());
-  for (const auto& c : {Case{9600, 8, u"None", u"1"}, Case{4800, 7, u"None", u"1"},
-                        Case{4800, 8, u"Even", u"1"}, Case{4800, 8, u"None", u"2"}}) {
-    ASSERT_TRUE(Play(c.baud, c.bits, c.parity, c.stop));
-    EXPECT_TRUE(PumpUntil([&] { return state.Screen.RxText().size() >= 4 * 150; }));
-    EXPECT_EQ(state.Screen.RxText().find(sentenceStart), std::u16string::npos)
-        << core::WideToUtf8(c.parity) << c.bits << core::WideToUtf8(c.stop);
-    ASSERT_TRUE(Stop());
-  }
-}
-
 TEST_F(SimulatedPortTest, SurvivesManyOpensAndClosesAndAnExitWhileOpen) {
   for (int i = 0; i < 20; ++i) {
     ASSERT_TRUE(Play(4800, 8, u"None", u"1")) << i;
     ASSERT_TRUE(Stop()) << i;
   }
-  ASSERT_TRUE(Play(4800, 8, u"None", u"1"));
-  EXPECT_TRUE(PumpUntil([&] { return !state.Screen.RxText().empty(); }));
+  // Another line setting reads garbage; the hex view shows every byte, zeros
+  // included (text would stop at them).
+  state.Queue.SendCommand(core::cmd::kBinaryButton);
+  ASSERT_TRUE(Play(9600, 8, u"None", u"1"));
+  EXPECT_TRUE(PumpUntil([&] { return state.Screen.RxText().size() >= 600; }));
+  EXPECT_EQ(state.Screen.RxText().find(u"[24][47][50][47][47][41]"), std::u16string::npos);  // "$GPGGA"
 }
 
 }  // namespace

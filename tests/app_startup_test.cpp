@@ -256,7 +256,9 @@ TEST(StartUp, LoadsTheDefaultConfigurationThenTheOneAskedFor) {
     EXPECT_TRUE(s.Screen.IsMenuItemChecked(c.checked)) << c.options << c.config;
     EXPECT_EQ(s.Data.modeBINARY, c.binary ? 1 : 0) << c.options << c.config;
     EXPECT_FALSE(s.Screen.IsButtonEnabled(c.binary ? cmd::kBinaryButton : cmd::kAsciiButton));
-    if (!c.config.empty()) EXPECT_EQ(s.CurrentConfigPath, s.Switches.ConfigPath);
+    if (!c.config.empty()) {
+      EXPECT_EQ(s.CurrentConfigPath, s.Switches.ConfigPath);
+    }
   }
   // One asked for that is missing is reported; the default stays current.
   StartedProgram start(folder.Path());

@@ -147,7 +147,7 @@ TEST(CommProperties, ThroughTheMenuCancelKeepsAndOkStoresEveryValue) {
       EXPECT_EQ(Lines(dialog, false), QStringList({QStringLiteral("COM1:  FT232R USB UART  (/dev/ttyUSB0)"),
                                                    QStringLiteral("COM3:  Bluetooth"),
                                                    QStringLiteral("VSP0:  Loopback  (/dev/pts/7)")}));
-      EXPECT_EQ(Lines(dialog, true), QStringList(QStringLiteral("COM3:  Bluetooth")));
+      EXPECT_EQ(Lines(dialog, true), QStringList({QStringLiteral("COM3:  Bluetooth")}));
       EXPECT_EQ(dialog.DevicePathField()->text(), QString());
       EXPECT_EQ(dialog.BaudField()->currentText(), QStringLiteral("9600"));
       EXPECT_EQ(dialog.ParityField()->currentText(), QStringLiteral("None"));

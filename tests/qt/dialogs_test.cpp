@@ -22,7 +22,9 @@ TEST(Dialogs, AboutShowsTheReleaseLineAndTheAutomationWarning) {
     EXPECT_EQ(release->text(), QStringLiteral("Rel. 2.71.3089  (11.2008)"));
     auto* warning = dialog.findChild<QLabel*>(QStringLiteral("automationWarning"));
     ASSERT_EQ(warning != nullptr, automation);
-    if (warning) EXPECT_EQ(warning->text(), QStringLiteral("Warning: [ Automation Mode ]"));
+    if (warning) {
+      EXPECT_EQ(warning->text(), QStringLiteral("Warning: [ Automation Mode ]"));
+    }
   }
 }
 

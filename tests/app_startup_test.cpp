@@ -209,8 +209,6 @@ TEST(StartUp, AutomationModeAndAScriptThatCannotBeRead) {
     ASSERT_EQ(start.Start(), 0);
     EXPECT_EQ(s.AutomationMode, runs ? 1 : 0) << name;
     EXPECT_EQ(s.WindowTitle, runs ? u"Wavetrace Pro(Auto) " : u"Wavetrace Pro ");
-    for (int item : {cmd::kConfigLoad, cmd::kConfigSave, cmd::kConfigSaveAs, cmd::kConfigSetDefault})
-      EXPECT_EQ(s.Screen.IsMenuItemGrey(item), runs) << item;
     auto boxes = start.view.Boxes();
     if (!runs) {
       ASSERT_EQ(boxes.size(), 1u) << name;
@@ -224,6 +222,9 @@ TEST(StartUp, AutomationModeAndAScriptThatCannotBeRead) {
               u" Welcome to Wavetrace Pro(Auto)\r\n        AUTOMATION MODE\r\n    Rel. 2.71.3089 "
               u"(11.2008)\r\n\r\n[Running script:] \r\n" +
                   script + u"\r\n\r\n");
+    for (int item : {cmd::kConfigLoad, cmd::kConfigSave, cmd::kConfigSaveAs, cmd::kConfigSetDefault}) {
+      EXPECT_TRUE(s.Screen.IsMenuItemGrey(item)) << item;
+    }
   }
 }
 

@@ -62,9 +62,12 @@ TEST_F(ProgramOptionsTest, MissingAndUnreadableValuesAreRepairedWithTheDefault) 
   EXPECT_EQ(o.DEFAULTcfg + o.MULTIinst + o.DisableIcon, 0u);
   EXPECT_EQ(o.AcquireHWbuttons, 1u);
   for (const char* name : {"DEFAULTcfg", "MULTIinst", "DisableIcon"}) EXPECT_EQ(Stored(name), 0u);
+  // A key holding only one option gains the others.
   WriteRegistry("MULTIinst=dword:00000001\n");
-  ASSERT_EQ(LoadProgramOptions(state), 0);
-  EXPECT_EQ(state.ProgramOptions.MULTIinst, 1u);
+  core::AppState next;
+  next.RegistryFile = file;
+  ASSERT_EQ(LoadProgramOptions(next), 0);
+  EXPECT_EQ(next.ProgramOptions.MULTIinst, 1u);
   for (const char* name : {"DEFAULTcfg", "AcquireHWbuttons", "DisableIcon"}) EXPECT_EQ(Stored(name), 0u);
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <string>
 
 #include "config/ini_store.h"
@@ -49,9 +50,28 @@ class Writer {
   void Int(const char* key, int32_t value, bool = true) { Put(key, std::to_string(value)); }
   void UInt(const char* key, uint32_t value, bool = true) { Put(key, std::to_string(value)); }
   void Flag(const char* key, uint8_t value, bool = true) { Put(key, std::to_string(value)); }
-  void Text(const char* key, const std::u16string& value, bool = true) { Put(key, Narrow(value)); }
+  void Byte(const char* key, uint8_t value, bool = true) { Put(key, std::to_string(value)); }
+  bool Text(const char* key, const std::u16string& value, bool = true) {
+    Put(key, Narrow(value));
+    return true;
+  }
   void Put(const std::string& key, const std::string& value) { ini_.Set(section_, key, value); }
   void Delimiter(const std::array<uint8_t, 2>& delimiter);
+  // A count that heads a list: written as it stands; the list follows.
+  bool Count(const char* key, int32_t count, int32_t = 0, int32_t = 0) {
+    Int(key, count);
+    return true;
+  }
+  // What only a load does (resets and rebuilds) is skipped when saving.
+  template <typename Fn>
+  void OnLoad(Fn&&) {}
+  void PresentFlag(const char* key, uint8_t present) { Flag(key, present); }
+  void FriendlyName(const char* key, const std::u16string& name) { Text(key, name); }
+  void Postamble(const char* keysKey, const char* lengthKey, const std::u16string& keys,
+                 const std::array<uint8_t, core::DataSettings::kPostambleChars>&, int32_t length) {
+    Text(keysKey, keys);
+    Int(lengthKey, length);
+  }
 
  private:
   IniStore& ini_;
@@ -80,11 +100,50 @@ class Reader {
     std::string text;
     if (Get(key, text, counts)) value = std::atoi(text.c_str()) != 0 ? 1 : 0;
   }
-  void Text(const char* key, std::u16string& value, bool counts = true) {
+  void Byte(const char* key, uint8_t& value, bool counts = true) {
     std::string text;
-    if (Get(key, text, counts)) value = Wide(text);
+    if (Get(key, text, counts)) value = static_cast<uint8_t>(std::atoi(text.c_str()));
+  }
+  bool Text(const char* key, std::u16string& value, bool counts = true) {
+    std::string text;
+    if (!Get(key, text, counts)) return false;
+    value = Wide(text);
+    return true;
   }
   void Delimiter(std::array<uint8_t, 2>& delimiter);
+  // A count that heads a list, held to what the list can hold. False when the
+  // key is missing: the list is then left as it is.
+  bool Count(const char* key, int32_t& count, int32_t low, int32_t high) {
+    std::string text;
+    if (!Get(key, text, true)) return false;
+    count = std::clamp(std::atoi(text.c_str()), low, high);
+    return true;
+  }
+  template <typename Fn>
+  void OnLoad(Fn&& fn) {
+    fn();
+  }
+  // Loading never clears a flag that discovery set.
+  void PresentFlag(const char* key, uint8_t& present) {
+    if (present) return;
+    Flag(key, present);
+  }
+  // A real driver name is kept; only a generic one takes the saved name.
+  void FriendlyName(const char* key, std::u16string& current) {
+    std::string text;
+    if (!Get(key, text, true)) return;
+    if (current.find(u"Serial connection using") != std::u16string::npos) current = Wide(text);
+  }
+  // A postamble's keys text is stored; its length always comes from parsing it.
+  void Postamble(const char* keysKey, const char* lengthKey, std::u16string& keys,
+                 std::array<uint8_t, core::DataSettings::kPostambleChars>& bytes, int32_t& length) {
+    std::string text;
+    if (!Get(keysKey, text, true)) return;
+    keys = Wide(text);
+    Int(lengthKey, length, false);
+    bytes.fill(0);
+    length = rx::ParsePostambleText(keys, rx::kPostambleLoadBytes, bytes);
+  }
 
  private:
   IniStore& ini_;
@@ -181,52 +240,26 @@ void Reader::Delimiter(std::array<uint8_t, 2>& delimiter) {
   }
 }
 
-void SavePostambleAndRules(Writer& w, const core::DataSettings& data) {
-  w.Section("POSTAMBLE");
-  w.Text("wcszPostambleKeysRX", data.wcszPostambleKeysRX);
-  w.Int("PostambleLengthRX", data.PostambleLengthRX);
-  w.Text("wcszPostambleKeysTX", data.wcszPostambleKeysTX);
-  w.Int("PostambleLengthTX", data.PostambleLengthTX);
-  w.Section("SnR");
-  w.Int("SnR_count", data.SnR_count);
-  w.Int("DisableSnR", data.DisableSnR);
-  for (int n = 1; n <= data.SnR_count && n <= core::DataSettings::kMaxSnRRules; ++n) {
-    w.Section(Numbered("SnR_%02d", n));
-    core::SnRRule rule = data.SnR[static_cast<size_t>(n)];
-    WalkRule(w, rule);
-  }
-}
-
-// A postamble's keys text is stored; its length always comes from parsing it.
-void LoadPostamble(Reader& r, const char* keysKey, const char* lengthKey, std::u16string& keys,
-                   std::array<uint8_t, core::DataSettings::kPostambleChars>& bytes, int32_t& length) {
-  std::string text;
-  if (!r.Get(keysKey, text, true)) return;
-  keys = Wide(text);
-  r.Int(lengthKey, length, false);
-  bytes.fill(0);
-  length = rx::ParsePostambleText(keys, rx::kPostambleLoadBytes, bytes);
-}
-
-void LoadPostambleAndRules(Reader& r, core::DataSettings& data) {
-  r.Section("POSTAMBLE");
-  LoadPostamble(r, "wcszPostambleKeysRX", "PostambleLengthRX", data.wcszPostambleKeysRX,
-                data.PostambleBytesRX, data.PostambleLengthRX);
-  LoadPostamble(r, "wcszPostambleKeysTX", "PostambleLengthTX", data.wcszPostambleKeysTX,
-                data.PostambleBytesTX, data.PostambleLengthTX);
-  r.Section("SnR");
-  std::string countText;
-  if (!r.Get("SnR_count", countText, true)) return;
-  for (auto& rule : data.SnR) rule = core::SnRRule{};
-  data.DisableSnR = 0;
+template <typename Io, typename Data>
+void WalkPostambleAndRules(Io& io, Data& data) {
+  io.Section("POSTAMBLE");
+  io.Postamble("wcszPostambleKeysRX", "PostambleLengthRX", data.wcszPostambleKeysRX, data.PostambleBytesRX,
+               data.PostambleLengthRX);
+  io.Postamble("wcszPostambleKeysTX", "PostambleLengthTX", data.wcszPostambleKeysTX, data.PostambleBytesTX,
+               data.PostambleLengthTX);
+  io.Section("SnR");
   // The table has two rules: a larger count in a file is held to that.
-  data.SnR_count = std::clamp(std::atoi(countText.c_str()), 0, core::DataSettings::kMaxSnRRules);
-  r.Int("DisableSnR", data.DisableSnR, false);
-  for (int n = 1; n <= data.SnR_count; ++n) {
-    r.Section(Numbered("SnR_%02d", n));
-    WalkRule(r, data.SnR[static_cast<size_t>(n)]);
+  if (!io.Count("SnR_count", data.SnR_count, 0, core::DataSettings::kMaxSnRRules)) return;
+  io.OnLoad([&] {
+    for (auto& rule : data.SnR) rule = core::SnRRule{};
+    data.DisableSnR = 0;
+  });
+  io.Int("DisableSnR", data.DisableSnR, false);
+  for (int n = 1; n <= data.SnR_count && n <= core::DataSettings::kMaxSnRRules; ++n) {
+    io.Section(Numbered("SnR_%02d", n));
+    WalkRule(io, data.SnR[static_cast<size_t>(n)]);
   }
-  rx::PrepareRules(data);
+  io.OnLoad([&] { rx::PrepareRules(data); });
 }
 
 std::u16string VersionText() {
@@ -241,98 +274,72 @@ std::u16string OsText(const AppState& state) {
   return VersionText();
 }
 
-void SavePortSection(Writer& w, const core::PortSettings& port) {
-  w.Section("COMMs");
+template <typename Io, typename Port>
+void WalkPortSection(Io& io, Port& port) {
+  io.Section("COMMs");
   for (int n = 0; n <= 9; ++n)
-    w.Flag(Numbered("COM%dSer", n).c_str(), port.PortPresent[static_cast<size_t>(n)]);
-  w.Text("RawIrPort", port.RawIrPort);
+    io.PresentFlag(Numbered("COM%dSer", n).c_str(), port.PortPresent[static_cast<size_t>(n)]);
+  io.Text("RawIrPort", port.RawIrPort);
   for (int n = 1; n <= 9; ++n)
-    w.Text(Numbered("FriendlyName_%02d", n).c_str(), port.FriendlyName[static_cast<size_t>(n)]);
-  w.Text("SelectedPort", port.SelectedPort);
-  w.UInt("SelectedBaud", port.SelectedBaud);
-  w.Int("SelectedDataBits", port.SelectedDataBits);
-  w.Text("Parity", port.Parity);
-  w.Text("StopBits", port.StopBits);
-  w.Int("XON", port.XON);
-  w.Int("RTS", port.RTS);
-  w.Int("DTR", port.DTR);
-  w.Int("CustomBauds_count", port.CustomBauds_count);
-  w.UInt("CustomBaud_01", port.CustomBaud_01);
+    io.FriendlyName(Numbered("FriendlyName_%02d", n).c_str(), port.FriendlyName[static_cast<size_t>(n)]);
+  io.Text("SelectedPort", port.SelectedPort);
+  io.UInt("SelectedBaud", port.SelectedBaud);
+  io.Byte("SelectedDataBits", port.SelectedDataBits);
+  io.Text("Parity", port.Parity);
+  io.Text("StopBits", port.StopBits);
+  io.Int("XON", port.XON);
+  io.Int("RTS", port.RTS);
+  io.Int("DTR", port.DTR);
+  // There is one custom rate slot whatever the count says.
+  if (io.Count("CustomBauds_count", port.CustomBauds_count, std::numeric_limits<int32_t>::min(),
+               std::numeric_limits<int32_t>::max()))
+    io.UInt("CustomBaud_01", port.CustomBaud_01, false);
 }
 
-void LoadPortSection(Reader& r, core::PortSettings& port) {
-  r.Section("COMMs");
-  for (int n = 0; n <= 9; ++n) {
-    // Loading never clears a flag that discovery set.
-    auto& present = port.PortPresent[static_cast<size_t>(n)];
-    if (present) continue;
-    uint8_t saved = 0;
-    r.Flag(Numbered("COM%dSer", n).c_str(), saved);
-    present = saved;
+// The transmit field's drop-down as the file keeps it.
+struct SentHistory {
+  int32_t LastSelection = -1;
+  int32_t Count = 0;
+  std::array<std::u16string, core::AppState::kSentHistoryKept> Entries;
+  std::array<bool, core::AppState::kSentHistoryKept> Found{};
+};
+
+// False when the file has no count: the drop-down is then left as it is.
+template <typename Io>
+bool WalkHistory(Io& io, SentHistory& history) {
+  io.Section("SentHistory");
+  io.Int("LastSelection", history.LastSelection, false);
+  // The drop-down keeps three texts: a larger count in a file is held to that.
+  if (!io.Count("SentHistoryCount", history.Count, 0, core::AppState::kSentHistoryKept)) return false;
+  for (size_t n = 0; n < static_cast<size_t>(history.Count); ++n) {
+    io.Section(Numbered("SentHistory_%02d", static_cast<int>(n)));
+    history.Found[n] = io.Text("Data", history.Entries[n], false);
   }
-  r.Text("RawIrPort", port.RawIrPort);
-  for (int n = 1; n <= 9; ++n) {
-    std::u16string name;
-    bool found = false;
-    std::string text;
-    if (r.Get(Numbered("FriendlyName_%02d", n), text, true)) name = Wide(text), found = true;
-    // A real driver name is kept; only a generic one takes the saved name.
-    auto& current = port.FriendlyName[static_cast<size_t>(n)];
-    if (found && current.find(u"Serial connection using") != std::u16string::npos) current = name;
-  }
-  r.Text("SelectedPort", port.SelectedPort);
-  r.UInt("SelectedBaud", port.SelectedBaud);
-  int32_t dataBits = port.SelectedDataBits;
-  r.Int("SelectedDataBits", dataBits);
-  port.SelectedDataBits = static_cast<uint8_t>(dataBits);
-  r.Text("Parity", port.Parity);
-  r.Text("StopBits", port.StopBits);
-  r.Int("XON", port.XON);
-  r.Int("RTS", port.RTS);
-  r.Int("DTR", port.DTR);
-  std::string count;
-  if (r.Get("CustomBauds_count", count, true)) {
-    port.CustomBauds_count = std::atoi(count.c_str());
-    // There is one custom rate slot whatever the count says.
-    r.UInt("CustomBaud_01", port.CustomBaud_01, false);
-  }
+  return true;
 }
 
 void SaveHistory(Writer& w, const core::MainScreen& screen) {
-  auto history = screen.TxHistory();
-  w.Section("SentHistory");
-  w.Int("LastSelection", screen.TxSelection());
-  w.Int("SentHistoryCount", static_cast<int32_t>(history.size()));
-  for (size_t n = 0; n < history.size(); ++n) {
-    w.Section(Numbered("SentHistory_%02d", static_cast<int>(n)));
-    w.Text("Data", history[n]);
-  }
+  SentHistory history;
+  auto entries = screen.TxHistory();
+  history.LastSelection = screen.TxSelection();
+  history.Count = static_cast<int32_t>(std::min(entries.size(), history.Entries.size()));
+  std::copy_n(entries.begin(), history.Count, history.Entries.begin());
+  WalkHistory(w, history);
 }
 
 void LoadHistory(Reader& r, AppState& state) {
+  SentHistory history;
+  if (!WalkHistory(r, history)) return;
   core::MainScreen& screen = state.Screen;
-  r.Section("SentHistory");
-  std::string countText;
-  if (!r.Get("SentHistoryCount", countText, true)) return;
   screen.SetTxText(u"");
-  screen.SetTxHistory({});
   // The transmit path counts its own additions from here.
   state.SentHistoryCount = 0;
-  // The drop-down keeps three texts: a larger count in a file is held to that.
-  int count = std::clamp(std::atoi(countText.c_str()), 0, AppState::kSentHistoryKept);
   std::vector<std::u16string> entries;
-  for (int n = 0; n < count; ++n) {
-    r.Section(Numbered("SentHistory_%02d", n));
-    std::string text;
-    if (r.Get("Data", text, false)) entries.push_back(Wide(text));
+  for (size_t n = 0; n < static_cast<size_t>(history.Count); ++n) {
+    if (history.Found[n]) entries.push_back(history.Entries[n]);
   }
   screen.SetTxHistory(std::move(entries));
-  if (count != 0) {
-    r.Section("SentHistory");
-    int32_t selection = -1;
-    r.Int("LastSelection", selection, false);
-    screen.SetTxSelection(selection);
-  }
+  if (history.Count != 0) screen.SetTxSelection(history.LastSelection);
 }
 
 std::u16string Bracketed(const char16_t* head, const std::u16string& path, const char16_t* tail = u"]") {
@@ -359,9 +366,9 @@ int ConfigSave(AppState& state, const std::u16string& path) {
   w.Put("ConfigFile", "1");
   w.Text("Version", VersionText());
   w.Text("OS", OsText(state));
-  SavePortSection(w, state.Port);
+  WalkPortSection(w, state.Port);
   WalkDataSections(w, state.Data);
-  SavePostambleAndRules(w, state.Data);
+  WalkPostambleAndRules(w, state.Data);
   WalkLogSection(w, state.Log);
   SaveHistory(w, state.Screen);
   WalkButtonSections(w, state.Data);
@@ -414,9 +421,9 @@ int ConfigLoadStore(AppState& state, IniStore& ini, const std::u16string& path) 
 
   state.LoadWarnings = 0;
   Reader r(ini, state.LoadWarnings);
-  LoadPortSection(r, state.Port);
+  WalkPortSection(r, state.Port);
   WalkDataSections(r, state.Data);
-  LoadPostambleAndRules(r, state.Data);
+  WalkPostambleAndRules(r, state.Data);
   WalkLogSection(r, state.Log);
   LoadHistory(r, state);
   WalkButtonSections(r, state.Data);

@@ -7,7 +7,7 @@
 #include "core/build_info.h"
 #include "core/code_page.h"
 #include "core/version.h"
-#include "serial/simulated_device.h"
+#include "platform/line_setting_text.h"
 
 namespace wavetrace::app {
 namespace {
@@ -113,7 +113,7 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args) {
       }
     } else if (arg == "--sim-setting") {
       platform::LineSettings line;
-      if (i + 1 >= args.size() || !serial::ParseLineSetting(args[i + 1], line)) {
+      if (i + 1 >= args.size() || !platform::ParseLineSetting(args[i + 1], line)) {
         result.Error = "--sim-setting takes speed,data bits,parity,stop bits (for example 9600,7,E,1)";
       } else {
         sw.SimSetting = args[++i];

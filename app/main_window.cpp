@@ -3,6 +3,7 @@
 #include <array>
 
 #include "app/connection.h"
+#include "app/port_discovery.h"
 #include "app/startup.h"
 #include "app/worker_threads.h"
 #include "config/config_file.h"
@@ -12,10 +13,9 @@
 #include "core/reporting.h"
 #include "core/shared_field.h"
 #include "platform/display_control.h"
+#include "platform/line_setting_text.h"
 #include "rx/log_cache.h"
-#include "serial/discovery.h"
 #include "serial/port.h"
-#include "serial/simulated_device.h"
 #include "serial/tx_thread.h"
 
 namespace wavetrace::app {
@@ -274,8 +274,8 @@ int CreateMainWindow(core::AppState& state) {
   state.FirstPaintState = 2;
   state.CurrentConfigPath = state.ConfigFolder + u"/" + config::kDefaultConfigName;
   if (!state.Switches.SimSetting.empty())
-    serial::ParseLineSetting(state.Switches.SimSetting, state.SimulatedLine);
-  serial::DiscoverPorts(state);
+    platform::ParseLineSetting(state.Switches.SimSetting, state.Simulated.SimulatedSetting);
+  DiscoverPorts(state);
   config::TakeSettingsSnapshot(state);
   LoadStartConfiguration(state);
   ApplySettingsToScreen(state);

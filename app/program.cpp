@@ -1,11 +1,10 @@
 #include "app/program.h"
 
-#include <unistd.h>
-
 #include <cstdio>
 
 #include "app/headless_view.h"
 #include "app/main_window.h"
+#include "app/port_discovery.h"
 #include "app/startup.h"
 #include "config/program_options.h"
 #include "core/code_page.h"
@@ -15,7 +14,6 @@
 #include "platform/line_reader.h"
 #include "platform/os_info.h"
 #include "platform/signal_watcher.h"
-#include "serial/discovery.h"
 
 namespace wavetrace::app {
 
@@ -62,16 +60,17 @@ int ListPorts() {
   state.ConfigFolder = core::Utf8ToWide(folder);
   state.RegistryFile = folder + "/" + config::kRegistryFileName;
   if (config::LoadProgramOptions(state) == 0) config::RecordReleaseWhenMissing(state);
-  serial::DiscoverPorts(state);
+  DiscoverPorts(state);
   std::string text = PortTableText(state);
-  return platform::WriteAll(STDOUT_FILENO, text) ? 0 : 1;
+  return platform::WriteAll(platform::kStandardOutput, text) ? 0 : 1;
 }
 
 int RunHeadless(const CommandLine& commandLine) {
   core::AppState state;
   state.Switches = commandLine.Switches;
   state.Switches.NoGui = 1;
-  HeadlessView view(state, STDOUT_FILENO, STDERR_FILENO, commandLine.Switches.Quiet != 0);
+  HeadlessView view(state, platform::kStandardOutput, platform::kStandardError,
+                    commandLine.Switches.Quiet != 0);
   state.View = &view;
   state.Screen.SetEventsEnabled(true);
   int exitCode = RunProgram(state, [&] {
@@ -79,7 +78,7 @@ int RunHeadless(const CommandLine& commandLine) {
     view.RenderScreenChanges();
     // Each line typed (or piped) in goes into the transmit field and is sent
     // with SEND, so bracket escapes work as in the window.
-    platform::LineReader input(STDIN_FILENO, [&state](const std::string& line) {
+    platform::LineReader input(platform::kStandardInput, [&state](const std::string& line) {
       core::Message message = core::MakeMessage(core::kWmCall);
       message.Call = [&state, text = core::Utf8ToWide(line)] {
         state.Screen.SetTxText(text);

@@ -7,7 +7,7 @@
 #include "core/code_page.h"
 #include "core/reporting.h"
 #include "core/version.h"
-#include "serial/simulated_device.h"
+#include "platform/line_setting_text.h"
 
 namespace wavetrace::config {
 namespace {
@@ -69,13 +69,15 @@ int LoadProgramOptions(core::AppState& state) {
   }
   // The simulated device on VSP0; optional, present unless switched off.
   uint32_t value = 0;
-  if (key.QueryDword("SimulatedDevice", value)) state.SimulatedDeviceEnabled = value != 0;
+  core::SimulatedProfile& simulated = state.Simulated;
+  if (key.QueryDword("SimulatedDevice", value)) simulated.SimulatedDevice = value != 0;
   if (key.QueryDword("SimulatedSentenceMs", value) && value >= 10 && value <= 3600000) {
-    state.SimulatedSentenceMs = static_cast<int32_t>(value);
+    simulated.SimulatedSentenceMs = static_cast<int32_t>(value);
   }
-  if (key.QueryDword("SimulatedEcho", value)) state.SimulatedEcho = value != 0;
+  if (key.QueryDword("SimulatedEcho", value)) simulated.SimulatedEcho = value != 0;
   std::string setting;
-  if (key.QueryString("SimulatedSetting", setting)) serial::ParseLineSetting(setting, state.SimulatedLine);
+  if (key.QueryString("SimulatedSetting", setting))
+    platform::ParseLineSetting(setting, simulated.SimulatedSetting);
   // Virtual ports (device paths such as pty links) for VSP1..VSP9; optional.
   for (int m = 1; m <= 9; ++m) {
     std::string path;

@@ -15,6 +15,7 @@
 #include "core/message_queue.h"
 #include "core/program_options_key.h"
 #include "core/settings.h"
+#include "core/simulated_profile.h"
 #include "platform/serial_port.h"
 #include "platform/suspendable_thread.h"
 
@@ -77,11 +78,8 @@ struct AppState {
   // Virtual ports of the program options: device paths for VSP1..VSP9.
   std::array<std::string, kPortSlots> VirtualPortPath;
 
-  // The simulated device on VSP0: its own line setting and behaviour.
-  bool SimulatedDeviceEnabled = true;
-  platform::LineSettings SimulatedLine{4800, 8, platform::Parity::kNone, platform::StopBits::kOne};
-  int32_t SimulatedSentenceMs = 1000;
-  bool SimulatedEcho = true;
+  // The simulated device on VSP0.
+  SimulatedProfile Simulated;
 
   // --- connection ------------------------------------------------------------
   // The open port; empty while closed. Threads take a copy under the mutex,

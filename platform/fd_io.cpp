@@ -7,6 +7,9 @@
 
 namespace wavetrace::platform {
 
+static_assert(kStandardInput == STDIN_FILENO && kStandardOutput == STDOUT_FILENO &&
+              kStandardError == STDERR_FILENO);
+
 bool WriteAll(int fd, std::string_view data) {
   while (!data.empty()) {
     ssize_t n = write(fd, data.data(), data.size());

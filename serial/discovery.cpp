@@ -6,7 +6,6 @@
 #include <fstream>
 #include <map>
 
-#include "config/registry_store.h"
 #include "core/code_page.h"
 #include "serial/simulated_device.h"
 
@@ -14,8 +13,6 @@ namespace wavetrace::serial {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr char kPortsKey[] = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro\\Ports";
 
 std::string ReadAttribute(const fs::path& file) {
   std::ifstream in(file);
@@ -98,21 +95,17 @@ std::u16string VetDisplayName(const std::u16string& name) {
   return name;
 }
 
-int DiscoverPorts(core::AppState& state, const DiscoverySources& sources) {
+int DiscoverPorts(core::AppState& state, PortNumbers& numbers, const DiscoverySources& sources) {
   auto& port = state.Port;
   std::vector<TtyDevice> devices = ScanTtyDevices(sources);
 
   // Numbers 1..9 by stable name: remembered ones first, then the lowest free.
-  config::RegistryKey key;
-  bool created = false;
-  bool remembered = !state.RegistryFile.empty() &&
-                    config::RegistryStore(state.RegistryFile).CreateKey(kPortsKey, key, created);
   std::array<const TtyDevice*, 10> assigned{};
   std::vector<const TtyDevice*> unassigned;
   for (const auto& device : devices) {
-    uint32_t number = 0;
-    if (remembered && key.QueryDword(device.StableName, number) && number >= 1 && number <= 9 &&
-        !assigned[number]) {
+    auto known = numbers.find(device.StableName);
+    uint32_t number = known != numbers.end() ? known->second : 0;
+    if (number >= 1 && number <= 9 && !assigned[number]) {
       assigned[number] = &device;
     } else {
       unassigned.push_back(&device);
@@ -121,7 +114,7 @@ int DiscoverPorts(core::AppState& state, const DiscoverySources& sources) {
   // A newcomer takes a number no absent device remembers, while there is one,
   // so an adapter that is plugged in again finds its number free.
   std::array<bool, 10> reserved{};
-  for (const auto& [name, number] : key.Dwords()) {
+  for (const auto& [name, number] : numbers) {
     if (number >= 1 && number <= 9) reserved[number] = true;
   }
   for (const TtyDevice* device : unassigned) {
@@ -134,7 +127,7 @@ int DiscoverPorts(core::AppState& state, const DiscoverySources& sources) {
     }
     if (!number) break;  // more than nine: reachable by device path only
     assigned[number] = device;
-    if (remembered) key.SetDword(device->StableName, static_cast<uint32_t>(number));
+    numbers[device->StableName] = static_cast<uint32_t>(number);
   }
 
   for (int n = 1; n <= 9; ++n) {
@@ -154,7 +147,7 @@ int DiscoverPorts(core::AppState& state, const DiscoverySources& sources) {
   port.PortPresent[0] = 0;
 
   // VSP0 is the device inside the program.
-  if (state.SimulatedDeviceEnabled) {
+  if (state.Simulated.SimulatedDevice) {
     port.PortPresent[10] = 1;
     port.FriendlyName[10] = u"Simulated device";
     state.PortDevicePath[10] = kSimulatedDevicePath;

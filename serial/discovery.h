@@ -1,6 +1,8 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -33,10 +35,13 @@ std::vector<TtyDevice> ScanTtyDevices(const DiscoverySources& sources);
 // other than a blank is not shown (empty).
 std::u16string VetDisplayName(const std::u16string& name);
 
+// The COM number (1..9) each device was given, by its stable name.
+using PortNumbers = std::map<std::string, uint32_t>;
+
 // Fills the port table: COM1..COM9 from the devices (a device keeps the
-// number it had before, remembered in the registry by its stable name),
-// VSP slots from the virtual ports of the program options. COM0 is never
-// present. Always 1.
-int DiscoverPorts(core::AppState& state, const DiscoverySources& sources = {});
+// number it had before, found in numbers by its stable name; a newcomer's
+// number is added there), VSP slots from the virtual ports of the program
+// options. COM0 is never present. Always 1.
+int DiscoverPorts(core::AppState& state, PortNumbers& numbers, const DiscoverySources& sources = {});
 
 }  // namespace wavetrace::serial

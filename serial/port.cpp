@@ -64,7 +64,7 @@ int OpenPort(core::AppState& state, platform::SysResult& failure) {
   }
   std::shared_ptr<platform::SerialPort> port;
   if (path == kSimulatedDevicePath) {
-    port = OpenSimulatedDevice({state.SimulatedLine, state.SimulatedSentenceMs, state.SimulatedEcho});
+    port = OpenSimulatedDevice(state.Simulated);
     failure = {};
   } else {
     port = platform::OpenTermiosPort(path, failure);

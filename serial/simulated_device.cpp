@@ -28,7 +28,8 @@ std::string WithChecksum(const std::string& body) {
 
 class SimulatedPort : public platform::SerialPort {
  public:
-  explicit SimulatedPort(const SimulatedProfile& profile) : profile_(profile), portLine_(profile.Line) {
+  explicit SimulatedPort(const core::SimulatedProfile& profile)
+      : profile_(profile), portLine_(profile.SimulatedSetting) {
     thread_ = std::thread([this] { Run(); });
   }
   ~SimulatedPort() override { Close(); }
@@ -78,7 +79,7 @@ class SimulatedPort : public platform::SerialPort {
     // The device hears the program's bytes through its own UART.
     std::string heard =
         TranscodeUart(std::string_view(reinterpret_cast<const char*>(data), static_cast<size_t>(count)),
-                      portLine_, profile_.Line);
+                      portLine_, profile_.SimulatedSetting);
     for (char c : heard) {
       if (c != '\r' && c != '\n') {
         if (line_.size() < 256) line_ += c;
@@ -89,7 +90,7 @@ class SimulatedPort : public platform::SerialPort {
       for (auto& u : upper) u = static_cast<char>(std::toupper(static_cast<unsigned char>(u)));
       if (upper.rfind("AT", 0) == 0) {
         Emit("OK\r\n");
-      } else if (profile_.Echo) {
+      } else if (profile_.SimulatedEcho) {
         Emit(line_ + "\r\n");
       }
       line_.clear();
@@ -129,9 +130,10 @@ class SimulatedPort : public platform::SerialPort {
   void Emit(const std::string& bytes) {
     auto now = Clock::now();
     auto start = bursts_.empty() ? now : std::max(now, bursts_.back().start + bursts_.back().length);
-    double seconds = static_cast<double>(bytes.size()) * BitsPerFrame(profile_.Line) / profile_.Line.Baud;
+    double seconds = static_cast<double>(bytes.size()) * BitsPerFrame(profile_.SimulatedSetting) /
+                     profile_.SimulatedSetting.Baud;
     bursts_.push_back(
-        Burst{TranscodeUart(bytes, profile_.Line, portLine_), start,
+        Burst{TranscodeUart(bytes, profile_.SimulatedSetting, portLine_), start,
               std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds)), 0});
   }
 
@@ -167,7 +169,7 @@ class SimulatedPort : public platform::SerialPort {
       auto now = Clock::now();
       if (now >= nextSentence) {
         Emit(SimulatedSentences(second++));
-        nextSentence += std::chrono::milliseconds(std::max(profile_.SentenceIntervalMs, 10));
+        nextSentence += std::chrono::milliseconds(std::max(profile_.SimulatedSentenceMs, 10));
       }
       if (Release(now)) {
         lock.unlock();
@@ -178,7 +180,7 @@ class SimulatedPort : public platform::SerialPort {
     }
   }
 
-  const SimulatedProfile profile_;
+  const core::SimulatedProfile profile_;
   std::mutex mutex_;
   std::condition_variable wake_;
   LineSettings portLine_;
@@ -192,58 +194,6 @@ class SimulatedPort : public platform::SerialPort {
 
 }  // namespace
 
-bool ParseLineSetting(const std::string& text, LineSettings& line) {
-  LineSettings parsed = line;
-  unsigned long baud = 0;
-  int dataBits = 0;
-  char parity = 0;
-  char stop[8] = {};
-  if (std::sscanf(text.c_str(), "%lu,%d,%c,%7s", &baud, &dataBits, &parity, stop) != 4) return false;
-  parsed.Baud = static_cast<uint32_t>(baud);
-  parsed.DataBits = dataBits;
-  switch (std::toupper(static_cast<unsigned char>(parity))) {
-    case 'N':
-      parsed.ParityMode = platform::Parity::kNone;
-      break;
-    case 'O':
-      parsed.ParityMode = platform::Parity::kOdd;
-      break;
-    case 'E':
-      parsed.ParityMode = platform::Parity::kEven;
-      break;
-    case 'M':
-      parsed.ParityMode = platform::Parity::kMark;
-      break;
-    case 'S':
-      parsed.ParityMode = platform::Parity::kSpace;
-      break;
-    default:
-      return false;
-  }
-  std::string stopText = stop;
-  if (stopText == "1") {
-    parsed.Stop = platform::StopBits::kOne;
-  } else if (stopText == "1.5") {
-    parsed.Stop = platform::StopBits::kOneAndHalf;
-  } else if (stopText == "2") {
-    parsed.Stop = platform::StopBits::kTwo;
-  } else {
-    return false;
-  }
-  if (baud == 0 || baud > 4000000 || !platform::CheckLineSettings(parsed).empty()) return false;
-  line = parsed;
-  return true;
-}
-
-std::string FormatLineSetting(const LineSettings& line) {
-  static constexpr char kParity[] = {'N', 'O', 'E', 'M', 'S'};
-  const char* stop = line.Stop == platform::StopBits::kOne   ? "1"
-                     : line.Stop == platform::StopBits::kTwo ? "2"
-                                                             : "1.5";
-  return std::to_string(line.Baud) + "," + std::to_string(line.DataBits) + "," +
-         kParity[static_cast<int>(line.ParityMode)] + "," + stop;
-}
-
 std::string SimulatedSentences(uint32_t second) {
   uint32_t t = 12 * 3600 + second;
   char clock[16];
@@ -252,7 +202,7 @@ std::string SimulatedSentences(uint32_t second) {
          WithChecksum(std::string("GPRMC,") + clock + ",A,4807.0380,N,01131.0000,E,0.0,0.0,221126,,,A");
 }
 
-std::unique_ptr<platform::SerialPort> OpenSimulatedDevice(const SimulatedProfile& profile) {
+std::unique_ptr<platform::SerialPort> OpenSimulatedDevice(const core::SimulatedProfile& profile) {
   return std::make_unique<SimulatedPort>(profile);
 }
 

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <thread>
 
+#include "platform/line_setting_text.h"
 #include "platform/pty.h"
 #include "platform/serial_port.h"
 #include "platform/termios_mapping.h"
@@ -24,6 +25,25 @@ TermiosRecord Map(const LineSettings& settings) {
   TermiosRecord record;
   EXPECT_EQ(MakeTermios(settings, current, record), "");
   return record;
+}
+
+TEST(LineSettingText, ParsedAndFormatted) {
+  struct Case {
+    std::string text;
+    bool valid;
+    std::string formatted;
+  };
+  for (const auto& c :
+       {Case{"9600,7,E,1", true, "9600,7,E,1"}, Case{"4800,8,n,1", true, "4800,8,N,1"},
+        Case{"300,5,M,1.5", true, "300,5,M,1.5"}, Case{"115200,8,S,2", true, "115200,8,S,2"},
+        Case{"9600,9,N,1", false, ""}, Case{"9600,8,X,1", false, ""}, Case{"0,8,N,1", false, ""},
+        Case{"9600,8,N,3", false, ""}, Case{"9600", false, ""}, Case{"", false, ""}}) {
+    LineSettings line;
+    EXPECT_EQ(ParseLineSetting(c.text, line), c.valid) << c.text;
+    if (c.valid) {
+      EXPECT_EQ(FormatLineSetting(line), c.formatted) << c.text;
+    }
+  }
 }
 
 TEST(TermiosMapping, CharacterFormat) {

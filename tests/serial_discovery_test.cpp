@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "app/port_discovery.h"
 #include "core/code_page.h"
 #include "serial/discovery.h"
 #include "test_support.h"
@@ -64,7 +65,7 @@ class DiscoveryTest : public ::testing::Test {
     auto fresh = std::make_unique<core::AppState>();
     fresh->RegistryFile = state.RegistryFile;
     fresh->VirtualPortPath = state.VirtualPortPath;
-    EXPECT_EQ(DiscoverPorts(*fresh, sys.sources), 1);
+    EXPECT_EQ(app::DiscoverPorts(*fresh, sys.sources), 1);
     return fresh;
   }
   std::u16string Name(const core::AppState& s, int slot) {
@@ -167,15 +168,16 @@ TEST(DisplayNames, Vetting) {
 TEST(Discovery, AMissingTreeFindsNothingAndDoesNotFail) {
   core::AppState bare;
   DiscoverySources nowhere{"/nonexistent/class/tty", "/nonexistent/by-id", "/dev"};
-  EXPECT_EQ(DiscoverPorts(bare, nowhere), 1);
+  PortNumbers numbers;
+  EXPECT_EQ(DiscoverPorts(bare, numbers, nowhere), 1);
   // Only the simulated device is there, on VSP0.
   for (int slot = 0; slot < core::kPortSlots; ++slot) {
     EXPECT_EQ(bare.Port.PortPresent[static_cast<size_t>(slot)], slot == 10 ? 1 : 0) << slot;
   }
   EXPECT_EQ(bare.Port.FriendlyName[10], u"Simulated device");
   core::AppState off;
-  off.SimulatedDeviceEnabled = false;
-  DiscoverPorts(off, nowhere);
+  off.Simulated.SimulatedDevice = false;
+  DiscoverPorts(off, numbers, nowhere);
   EXPECT_EQ(off.Port.PortPresent[10], 0);
 }
 

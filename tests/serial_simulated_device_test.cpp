@@ -9,6 +9,7 @@
 #include "app/startup.h"
 #include "core/code_page.h"
 #include "core/messages.h"
+#include "platform/line_setting_text.h"
 #include "program_fixture.h"
 #include "serial/port.h"
 #include "serial/simulated_device.h"
@@ -50,7 +51,7 @@ TEST(UartModel, MatchingSettingsPassBytesAndMismatchesGarbleThem) {
   };
   for (const auto& c : cases) {
     std::string read = TranscodeUart(text, device, c.receiver);
-    EXPECT_EQ(read != text, c.garbled) << FormatLineSetting(c.receiver);
+    EXPECT_EQ(read != text, c.garbled) << platform::FormatLineSetting(c.receiver);
     EXPECT_EQ(read, TranscodeUart(text, device, c.receiver)) << "deterministic";
   }
   // Other framings carry their own bytes unchanged.
@@ -58,25 +59,6 @@ TEST(UartModel, MatchingSettingsPassBytesAndMismatchesGarbleThem) {
   EXPECT_EQ(TranscodeUart("AT\r", sevenEven, sevenEven), "AT\r");
   // A receiver twice as fast sees each frame as a byte and a bit more.
   EXPECT_GT(TranscodeUart(text, device, Line(9600, 8, Parity::kNone, StopBits::kOne)).size(), text.size());
-}
-
-TEST(UartModel, LineSettingTexts) {
-  struct Case {
-    std::string text;
-    bool valid;
-    std::string formatted;
-  };
-  for (const auto& c :
-       {Case{"9600,7,E,1", true, "9600,7,E,1"}, Case{"4800,8,n,1", true, "4800,8,N,1"},
-        Case{"300,5,M,1.5", true, "300,5,M,1.5"}, Case{"115200,8,S,2", true, "115200,8,S,2"},
-        Case{"9600,9,N,1", false, ""}, Case{"9600,8,X,1", false, ""}, Case{"0,8,N,1", false, ""},
-        Case{"9600,8,N,3", false, ""}, Case{"9600", false, ""}, Case{"", false, ""}}) {
-    LineSettings line;
-    EXPECT_EQ(ParseLineSetting(c.text, line), c.valid) << c.text;
-    if (c.valid) {
-      EXPECT_EQ(FormatLineSetting(line), c.formatted) << c.text;
-    }
-  }
 }
 
 TEST(SimulatedDevice, SentencesCarryTheirChecksums) {
@@ -114,7 +96,7 @@ class SimulatedPortTest : public testing::ProgramFixture {
 TEST_F(SimulatedPortTest, FoundByDiscoveryAndReadExactlyWithItsSetting) {
   EXPECT_EQ(state.Port.PortPresent[10], 1);
   EXPECT_EQ(state.Port.FriendlyName[10], u"Simulated device");
-  EXPECT_EQ(state.SimulatedSentenceMs, 200);
+  EXPECT_EQ(state.Simulated.SimulatedSentenceMs, 200);
   ASSERT_TRUE(Play(4800, 8, u"None", u"1"));
   std::u16string expected = core::BytesToWide(SimulatedSentences(0) + SimulatedSentences(1));
   EXPECT_TRUE(PumpUntil([&] { return state.Screen.RxText().size() >= expected.size(); }));

@@ -1,5 +1,6 @@
 #include "app/transmit_options.h"
 
+#include "core/prepared_settings.h"
 #include "core/shared_field.h"
 #include "rx/postamble.h"
 
@@ -19,7 +20,7 @@ void ApplyTransmitOptions(core::AppState& state, const TransmitOptionValues& val
   core::StoreShared(data.TxSendWholeFile, values.TxSendWholeFile);
   data.wcszPostambleKeysTX = values.PostambleKeysTX.substr(0, rx::kPostambleApplyChars);
   std::array<uint8_t, core::DataSettings::kPostambleChars> bytes{};
-  int32_t length = rx::ParsePostambleText(data.wcszPostambleKeysTX, rx::kPostambleLoadBytes, bytes);
+  int32_t length = core::ParsePostambleText(data.wcszPostambleKeysTX, core::kPostambleLoadBytes, bytes);
   // The transmit thread reads the bytes and the length; the length goes last.
   core::StoreShared(data.PostambleLengthTX, 0);
   data.PostambleBytesTX = bytes;

@@ -8,12 +8,11 @@
 
 #include "config/ini_store.h"
 #include "core/code_page.h"
+#include "core/prepared_settings.h"
 #include "core/reporting.h"
 #include "core/version.h"
 #include "platform/clock.h"
 #include "platform/files.h"
-#include "rx/postamble.h"
-#include "rx/replace_rules.h"
 
 namespace wavetrace::config {
 namespace {
@@ -142,7 +141,7 @@ class Reader {
     keys = Wide(text);
     Int(lengthKey, length, false);
     bytes.fill(0);
-    length = rx::ParsePostambleText(keys, rx::kPostambleLoadBytes, bytes);
+    length = core::ParsePostambleText(keys, core::kPostambleLoadBytes, bytes);
   }
 
  private:
@@ -259,7 +258,7 @@ void WalkPostambleAndRules(Io& io, Data& data) {
     io.Section(Numbered("SnR_%02d", n));
     WalkRule(io, data.SnR[static_cast<size_t>(n)]);
   }
-  io.OnLoad([&] { rx::PrepareRules(data); });
+  io.OnLoad([&] { core::PrepareRules(data); });
 }
 
 std::u16string VersionText() {

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <vector>
 
-#include "rx/bracket_escapes.h"
+#include "core/escape_parser.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size == 0) return 0;
@@ -17,7 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const auto terminator = std::find(before.begin(), before.end(), uint8_t{0});
   const auto originalLength = static_cast<int32_t>(terminator - before.begin());
 
-  const int32_t length = wavetrace::rx::ParseBracketEscapes(text, radix);
+  const int32_t length = wavetrace::core::ParseBracketEscapes(text, radix);
   if (length < 0 || length > originalLength) std::abort();
   if (!std::equal(text.begin() + originalLength, text.end(), before.begin() + originalLength)) std::abort();
   for (int32_t i = length; i < originalLength; ++i) {

@@ -4,9 +4,8 @@
 #include <array>
 
 #include "core/allocation.h"
-#include "core/code_page.h"
+#include "core/prepared_settings.h"
 #include "rx/bounded_copy.h"
-#include "rx/bracket_escapes.h"
 
 namespace wavetrace::rx {
 namespace {
@@ -41,23 +40,15 @@ bool AppendPostamble(core::AppState& state, core::DataBlock& block) {
   return true;
 }
 
-int32_t ParsePostambleText(std::u16string_view text, size_t maxBytes,
-                           std::array<uint8_t, core::DataSettings::kPostambleChars>& bytes) {
-  bytes.fill(0);
-  const std::string narrow = core::WideToBytes(text.substr(0, std::min(maxBytes, bytes.size() - 1)));
-  std::copy(narrow.begin(), narrow.end(), bytes.begin());
-  return ParseBracketEscapes(bytes, 16);
-}
-
 void ReparsePostambleRX(core::DataSettings& data) {
   data.PostambleLengthRX =
-      ParsePostambleText(data.wcszPostambleKeysRX, kPostambleLoadBytes, data.PostambleBytesRX);
+      core::ParsePostambleText(data.wcszPostambleKeysRX, core::kPostambleLoadBytes, data.PostambleBytesRX);
 }
 
 void ApplyPostambleField(core::DataSettings& data, std::u16string_view field) {
   data.wcszPostambleKeysRX = field.substr(0, kPostambleApplyChars);
   data.PostambleLengthRX =
-      ParsePostambleText(data.wcszPostambleKeysRX, kPostambleApplyChars, data.PostambleBytesRX);
+      core::ParsePostambleText(data.wcszPostambleKeysRX, kPostambleApplyChars, data.PostambleBytesRX);
 }
 
 std::span<const PostambleKey> PostambleKeys() {

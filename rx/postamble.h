@@ -16,8 +16,6 @@ inline constexpr size_t kPostambleFieldChars = 16;
 // Characters read back from the field when the page is applied (a 14-slot
 // buffer with its terminator); a longer field loses its tail then.
 inline constexpr size_t kPostambleApplyChars = 13;
-// Bytes of text the configuration loader parses.
-inline constexpr size_t kPostambleLoadBytes = 14;
 
 // Stage 4: appends the parsed receive postamble to the block. The block is
 // copied up to its first zero byte, the postamble's bytes follow there, and
@@ -25,11 +23,6 @@ inline constexpr size_t kPostambleLoadBytes = 14;
 // whatever the copy kept. Returns false when the new buffer cannot be had,
 // leaving the block without the postamble.
 bool AppendPostamble(core::AppState& state, core::DataBlock& block);
-
-// Converts at most maxBytes characters of text to the code page into the
-// zeroed postamble bytes and parses escapes in radix 16. Returns the length.
-int32_t ParsePostambleText(std::u16string_view text, size_t maxBytes,
-                           std::array<uint8_t, core::DataSettings::kPostambleChars>& bytes);
 
 // The configuration loader's rebuild: bytes and length from wcszPostambleKeysRX.
 void ReparsePostambleRX(core::DataSettings& data);

@@ -4,20 +4,12 @@
 #include <string>
 
 #include "core/code_page.h"
-#include "rx/bracket_escapes.h"
-#include "rx/time_stamp_token.h"
+#include "core/prepared_settings.h"
 
 namespace wavetrace::rx {
 namespace {
 
 constexpr int32_t kMaxRules = core::DataSettings::kMaxSnRRules;
-
-int32_t TextToRuleBytes(std::u16string_view text, std::array<uint8_t, core::SnRRule::kBytes>& bytes) {
-  bytes.fill(0);
-  const std::string narrow = core::WideToBytes(text.substr(0, kRuleTextChars));
-  std::copy(narrow.begin(), narrow.end(), bytes.begin());
-  return ParseBracketEscapes(bytes, 16);
-}
 
 void MoveRuleInto(core::SnRRule& to, core::SnRRule& from) {
   to.wcszSearchFor = std::move(from.wcszSearchFor);
@@ -33,24 +25,6 @@ int32_t CurrentIndex(const core::DataSettings& data) {
 }
 
 }  // namespace
-
-int32_t ActiveRuleCount(const core::DataSettings& data) {
-  return std::clamp(data.SnR_count, 0, kMaxRules);
-}
-
-void PrepareRule(core::SnRRule& rule) {
-  rule.SearchLength = TextToRuleBytes(rule.wcszSearchFor, rule.SearchBytes);
-  rule.ReplaceLength = TextToRuleBytes(rule.wcszReplaceWith, rule.ReplaceBytes);
-  const std::u16string_view replaceText = std::u16string_view(rule.wcszReplaceWith).substr(0, kRuleTextChars);
-  const std::string narrow = core::WideToBytes(replaceText);
-  rule.ReplaceTextBytes.fill(0);
-  std::copy(narrow.begin(), narrow.end(), rule.ReplaceTextBytes.begin());
-  rule.ReplaceHasTimeStamp = replaceText.find(kTimeStampToken) != std::u16string_view::npos;
-}
-
-void PrepareRules(core::DataSettings& data) {
-  for (int32_t i = 1; i <= ActiveRuleCount(data); ++i) PrepareRule(data.SnR[i]);
-}
 
 void ClearRule(core::SnRRule& rule) {
   rule = core::SnRRule{};
@@ -81,8 +55,8 @@ RuleFields RuleFieldsOf(const core::DataSettings& data, int32_t index) {
 
 void StoreRuleFields(core::DataSettings& data, const RuleFields& fields) {
   core::SnRRule& rule = data.SnR[CurrentIndex(data)];
-  rule.wcszSearchFor = fields.SearchFor.substr(0, kRuleTextChars);
-  rule.wcszReplaceWith = fields.ReplaceWith.substr(0, kRuleTextChars);
+  rule.wcszSearchFor = fields.SearchFor.substr(0, core::kRuleTextChars);
+  rule.wcszReplaceWith = fields.ReplaceWith.substr(0, core::kRuleTextChars);
   rule.Rall = fields.Rall;
   rule.Rfo = fields.Rfo;
   rule.Rlo = fields.Rlo;

@@ -5,25 +5,12 @@
 #include <string_view>
 
 #include "core/app_state.h"
+#include "core/prepared_settings.h"
 
 namespace wavetrace::rx {
 
-// Characters the rule texts keep (42 slots with the terminator); the Replace
-// page's edit fields accept 40.
-inline constexpr size_t kRuleTextChars = core::SnRRule::kTextChars - 1;
+// Characters the Replace page's edit fields accept.
 inline constexpr size_t kRuleFieldChars = 40;
-
-// The rules in use, 0..2, whatever SnR_count holds (a configuration file may
-// carry any number; the slots stop at 2).
-int32_t ActiveRuleCount(const core::DataSettings& data);
-
-// Rebuilds one rule's byte fields from its texts: both zeroed, each text
-// converted to at most 41 bytes and escape-parsed in radix 16; also the
-// unparsed replacement and its {TIME_STAMP} flag. The receive thread reads
-// only what this prepares, so a changed text takes effect when prepared.
-void PrepareRule(core::SnRRule& rule);
-// PrepareRule for rules 1..SnR_count (the page's apply and the loader).
-void PrepareRules(core::DataSettings& data);
 
 // A slot in its fresh state: empty texts, Rall 1.
 void ClearRule(core::SnRRule& rule);

@@ -4,7 +4,7 @@
 #include <mutex>
 #include <string>
 
-#include "rx/bracket_escapes.h"
+#include "core/escape_parser.h"
 #include "rx/time_stamp.h"
 
 namespace wavetrace::rx {
@@ -29,12 +29,12 @@ void RebuildStampedReplacement(core::AppState& state, core::SnRRule& rule) {
   std::string composed = text;
   const size_t at = text.find("{TIME_STAMP}");
   if (at != std::string::npos)
-    composed = text.substr(0, at) + stamp + text.substr(at + kTimeStampToken.size());
+    composed = text.substr(0, at) + stamp + text.substr(at + core::kTimeStampToken.size());
   composed.resize(std::min(composed.size(), limit));
 
   rule.ReplaceBytes.fill(0);
   std::copy(composed.begin(), composed.end(), rule.ReplaceBytes.begin());
-  rule.ReplaceLength = ParseBracketEscapes(rule.ReplaceBytes, 16);
+  rule.ReplaceLength = core::ParseBracketEscapes(rule.ReplaceBytes, 16);
 }
 
 }  // namespace wavetrace::rx

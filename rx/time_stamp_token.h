@@ -3,10 +3,9 @@
 #include <string_view>
 
 #include "core/app_state.h"
+#include "core/prepared_settings.h"
 
 namespace wavetrace::rx {
-
-inline constexpr std::u16string_view kTimeStampToken = u"{TIME_STAMP}";
 
 // Whether the rule's prepared replacement carries the token.
 bool HasTimeStampToken(const core::SnRRule& rule);

@@ -6,9 +6,8 @@
 #include "config/config_file.h"
 #include "core/code_page.h"
 #include "core/messages.h"
+#include "core/prepared_settings.h"
 #include "platform/files.h"
-#include "rx/postamble.h"
-#include "rx/replace_rules.h"
 #include "test_support.h"
 
 namespace wavetrace::config {
@@ -63,10 +62,10 @@ void SetEverything(AppState& s) {
   d.SoftwareButtonCaption[1] = u"Go";
   d.wcszPostambleKeysRX = u"[0D][0A]";
   d.PostambleLengthRX =
-      rx::ParsePostambleText(d.wcszPostambleKeysRX, rx::kPostambleLoadBytes, d.PostambleBytesRX);
+      core::ParsePostambleText(d.wcszPostambleKeysRX, core::kPostambleLoadBytes, d.PostambleBytesRX);
   d.wcszPostambleKeysTX = u"[0D]";
   d.PostambleLengthTX =
-      rx::ParsePostambleText(d.wcszPostambleKeysTX, rx::kPostambleLoadBytes, d.PostambleBytesTX);
+      core::ParsePostambleText(d.wcszPostambleKeysTX, core::kPostambleLoadBytes, d.PostambleBytesTX);
   d.SnR_count = 2;
   d.DisableSnR = 1;
   d.SnR[1].wcszSearchFor = u"$GP";
@@ -75,7 +74,7 @@ void SetEverything(AppState& s) {
   d.SnR[2].wcszReplaceWith = u"{TIME_STAMP} OK";
   d.SnR[2].Rall = 0;
   d.SnR[2].Rlo = 1;
-  rx::PrepareRules(d);
+  core::PrepareRules(d);
   auto& l = s.Log;
   l.wszLogDir = u"/home/me/logs/";
   l.wszLogFile = u"run.log.txt";

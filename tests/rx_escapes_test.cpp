@@ -22,7 +22,7 @@ struct EscapeCase {
 std::string Parse(const std::string& text, int32_t radix, int32_t& length) {
   std::vector<uint8_t> buffer(text.begin(), text.end());
   buffer.resize(text.size() + 8, 0);
-  length = ParseBracketEscapes(buffer, radix);
+  length = core::ParseBracketEscapes(buffer, radix);
   for (size_t i = static_cast<size_t>(length); i < buffer.size(); ++i) {
     EXPECT_EQ(buffer[i], 0) << "stale byte behind the new end at " << i;
   }
@@ -78,7 +78,7 @@ TEST(ParseBracketEscapesTest, TableOfEscapes) {
 
 TEST(ParseBracketEscapesTest, StopsAtTheTerminator) {
   std::vector<uint8_t> text = {'[', '4', '1', ']', 0, '[', '4', '2', ']'};
-  EXPECT_EQ(ParseBracketEscapes(text, 16), 1);
+  EXPECT_EQ(core::ParseBracketEscapes(text, 16), 1);
   EXPECT_EQ(text[0], 'A');
   // Beyond the terminator nothing is touched.
   EXPECT_EQ(std::string(text.begin() + 5, text.end()), "[42]");
@@ -86,7 +86,7 @@ TEST(ParseBracketEscapesTest, StopsAtTheTerminator) {
 
 TEST(ParseBracketEscapesTest, WorksWithoutTerminator) {
   std::vector<uint8_t> text = {'x', '[', '4', '1', ']'};
-  EXPECT_EQ(ParseBracketEscapes(text, 16), 2);
+  EXPECT_EQ(core::ParseBracketEscapes(text, 16), 2);
   EXPECT_EQ(std::string(text.begin(), text.end()), std::string("xA\0\0\0", 5));
 }
 

@@ -7,7 +7,8 @@ namespace wavetrace::platform {
 
 // The display's power and the screen saver's idle timer, through the X
 // server named by DISPLAY. Without one (headless over SSH) or without the
-// power extension the calls do nothing and CanSwitchOff() says no.
+// power extension (or in a build without X11) the calls do nothing and
+// CanSwitchOff() says no.
 class DisplayControl {
  public:
   DisplayControl();

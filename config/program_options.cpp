@@ -7,7 +7,6 @@
 #include "core/code_page.h"
 #include "core/reporting.h"
 #include "core/version.h"
-#include "rx/postamble.h"
 #include "platform/line_setting_text.h"
 
 namespace wavetrace::config {

@@ -15,31 +15,11 @@
 namespace wavetrace::app {
 namespace {
 
-int CheckPocketPC(const platform::OsInfo& os, int major, int minMinor) {
-  if (!os.Valid || os.Major != major) return 0;
-  if (os.PlatformType != "PocketPC") return 0;
-  return os.Minor >= minMinor ? 1 : 0;
-}
-
 constexpr int kMaxInstanceNumber = 32;
 
 }  // namespace
 
-int CheckPocketPC3(const platform::OsInfo& os) {
-  return CheckPocketPC(os, 3, 0);
-}
-int CheckPocketPC4(const platform::OsInfo& os) {
-  return CheckPocketPC(os, 4, 0);
-}
-int CheckPocketPC421(const platform::OsInfo& os) {
-  return CheckPocketPC(os, 4, 21);
-}
-int CheckPocketPC5(const platform::OsInfo& os) {
-  return CheckPocketPC(os, 5, 0);
-}
-
-bool IsSupportedPlatform(const platform::OsInfo& os, const core::AppState& state) {
-  if (state.IsPocketPC4 || state.IsPocketPC5) return true;
+bool IsSupportedPlatform(const platform::OsInfo& os) {
   return os.Valid && os.SystemName == "Linux";
 }
 
@@ -152,10 +132,7 @@ int StartUp(core::AppState& state, const platform::OsInfo& os) {
   state.MemLock.SetMainThreadWaitHook([&state] { state.Queue.DispatchPendingSends(); });
 
   // 2. The platform.
-  state.IsPocketPC4 = static_cast<uint8_t>(CheckPocketPC4(os));
-  state.IsPocketPC421 = static_cast<uint8_t>(CheckPocketPC421(os));
-  state.IsPocketPC5 = static_cast<uint8_t>(CheckPocketPC5(os));
-  if (!IsSupportedPlatform(os, state)) {
+  if (!IsSupportedPlatform(os)) {
     core::ShowMessageBox(state, u"O/S not supported",
                          u"This program requires the Pocket PC 2003 or later Operating System.",
                          BoxIcon::kNone);

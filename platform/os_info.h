@@ -9,8 +9,6 @@ struct OsInfo {
   std::string SystemName;  // "Linux"
   int Major = 0;
   int Minor = 0;
-  // The platform type string of a handheld ("PocketPC"); empty on Linux.
-  std::string PlatformType;
 };
 
 OsInfo GetOsInfo();

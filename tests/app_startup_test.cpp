@@ -22,43 +22,31 @@ using testing::WriteRegistry;
 namespace cmd = core::cmd;
 
 platform::OsInfo Linux() {
-  return {true, "Linux", 6, 1, ""};
+  return {true, "Linux", 6, 1};
 }
 
-TEST(OperatingSystem, TestsAndSupport) {
+TEST(OperatingSystem, OnlyLinuxIsSupported) {
   struct Case {
     platform::OsInfo os;
-    int pc4, pc421, pc5;
     bool supported;
   };
   const Case cases[] = {
-      {Linux(), 0, 0, 0, true},
-      {{true, "WindowsCE", 4, 20, "PocketPC"}, 1, 0, 0, true},
-      {{true, "WindowsCE", 4, 21, "PocketPC"}, 1, 1, 0, true},
-      {{true, "WindowsCE", 5, 1, "PocketPC"}, 0, 0, 1, true},
-      {{true, "WindowsCE", 3, 0, "PocketPC"}, 0, 0, 0, false},
-      {{true, "WindowsCE", 4, 21, "Smartphone"}, 0, 0, 0, false},
-      {{true, "WindowsCE", 5, 0, "pocketpc"}, 0, 0, 0, false},
-      {{true, "FreeBSD", 14, 0, ""}, 0, 0, 0, false},
-      {{false, "", 0, 0, ""}, 0, 0, 0, false},
+      {Linux(), true},
+      {{true, "Linux", 2, 6}, true},
+      {{true, "FreeBSD", 14, 0}, false},
+      {{true, "linux", 6, 1}, false},
+      {{false, "Linux", 6, 1}, false},
+      {{false, "", 0, 0}, false},
   };
   for (const auto& c : cases) {
-    AppState state;
-    state.IsPocketPC4 = static_cast<uint8_t>(CheckPocketPC4(c.os));
-    state.IsPocketPC421 = static_cast<uint8_t>(CheckPocketPC421(c.os));
-    state.IsPocketPC5 = static_cast<uint8_t>(CheckPocketPC5(c.os));
-    EXPECT_EQ(state.IsPocketPC4, c.pc4) << c.os.SystemName << c.os.Major << "." << c.os.Minor;
-    EXPECT_EQ(state.IsPocketPC421, c.pc421) << c.os.SystemName << c.os.Major << "." << c.os.Minor;
-    EXPECT_EQ(state.IsPocketPC5, c.pc5) << c.os.SystemName << c.os.Major << "." << c.os.Minor;
-    EXPECT_EQ(IsSupportedPlatform(c.os, state), c.supported) << c.os.SystemName << c.os.Major;
+    EXPECT_EQ(IsSupportedPlatform(c.os), c.supported) << c.os.Valid << c.os.SystemName << c.os.Major;
   }
-  EXPECT_EQ(CheckPocketPC3({true, "WindowsCE", 3, 0, "PocketPC"}), 1);
 }
 
 TEST(StartUp, AnUnsupportedSystemGetsOneBoxAndNothingElse) {
   TempFolder folder;
   StartedProgram start(folder.Path());
-  EXPECT_EQ(start.Start({true, "FreeBSD", 14, 0, ""}), -1);
+  EXPECT_EQ(start.Start({true, "FreeBSD", 14, 0}), -1);
   auto boxes = start.view.Boxes();
   ASSERT_EQ(boxes.size(), 1u);
   EXPECT_EQ(boxes[0].title, u"O/S not supported");

@@ -40,7 +40,7 @@ class StartedProgram {
   StartedProgram(const StartedProgram&) = delete;
   StartedProgram& operator=(const StartedProgram&) = delete;
 
-  int Start(const platform::OsInfo& os = {true, "Linux", 6, 1, ""}) {
+  int Start(const platform::OsInfo& os = {true, "Linux", 6, 1}) {
     started_ = true;
     return app::StartUp(state, os);
   }

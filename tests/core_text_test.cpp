@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "core/code_page.h"
-#include "core/wide_string.h"
 
 namespace wavetrace::core {
 namespace {
@@ -45,34 +44,6 @@ TEST(Utf8, RoundTripsIncludingSurrogatePairs) {
   EXPECT_EQ(Utf8ToWide("\xFF"
                        "b"),
             u"\uFFFDb");
-}
-
-TEST(WideString, NullSafeLengthFindAndUpperCase) {
-  EXPECT_EQ(WideString::Length(nullptr), 0u);
-  EXPECT_EQ(WideString::Length(u"abc"), 3u);
-  WideString empty(static_cast<const char16_t*>(nullptr));
-  EXPECT_TRUE(empty.Empty());
-
-  WideString text(u"com3: port");
-  EXPECT_EQ(text.Find(u':'), 4);
-  EXPECT_EQ(text.Find(u'x'), -1);
-  EXPECT_EQ(text.Find(u'o', 2), 7);
-  EXPECT_EQ(text.Find(u"port"), 6);
-  EXPECT_EQ(text.Find(u"com", 1), -1);
-
-  WideString keyword(u"Comment \u00e9\u00ff\u0161");
-  keyword.UpperCaseInPlace();
-  EXPECT_EQ(keyword.Str(), u"COMMENT \u00c9\u0178\u0160");
-  EXPECT_EQ(WideString(u"\u00f7\u00df").UpperCaseInPlace().Str(), u"\u00f7\u00df");
-}
-
-TEST(WideString, NarrowCopyUsesTheCodePage) {
-  WideString text(u"\u20ac5");
-  EXPECT_EQ(text.Narrow(), std::string("\x80"
-                                       "5"));
-  text.Append(u"!");
-  text.Append(static_cast<const char16_t*>(nullptr));
-  EXPECT_EQ(text.Str(), u"\u20ac5!");
 }
 
 }  // namespace

@@ -315,12 +315,9 @@ int64_t MainWindowProc(core::AppState& state, const core::Message& message) {
 bool ShellNotification(core::AppState& state, int operation) {
   if (!state.NotificationEnabled) return false;
   switch (operation) {
-    case kNotifyAdd: {
-      core::ClassId id;
-      core::MakeClassId(id);
+    case kNotifyAdd:
       state.Screen.SetTrayState(1);
       break;
-    }
     case kNotifyRemove:
       state.Screen.SetTrayState(0);
       state.NotificationEnabled = false;

@@ -1,10 +1,8 @@
 #include "core/reporting.h"
 
 #include <cstdio>
-#include <random>
 
 #include "core/code_page.h"
-#include "platform/clock.h"
 #include "platform/system_error.h"
 
 namespace wavetrace::core {
@@ -80,37 +78,6 @@ void WriteErrorBlock(AppState& state, std::u16string_view text, const platform::
   if (!state.MainWindowExists) return;
   std::u16string block = u"\r\n***\r\n" + std::u16string(text) + FormatErrorCode(failure) + u"\r\n***\r\n";
   state.Screen.RxInsertAtCaret(Bounded(std::move(block), kStatusErrorChars));
-}
-
-int CopyTextToClipboard(AppState& state, std::u16string_view text) {
-  FrontEnd* view = state.View;
-  if (!view || !view->WindowExists()) return 0;
-  if (!view->BoxesNeedMainThread() || state.Queue.OnMainThread()) return view->SetClipboardText(text) ? 1 : 0;
-  return static_cast<int>(state.Queue.RunOnMainThread([&] { return int64_t{view->SetClipboardText(text)}; }));
-}
-
-void FillClassId(ClassId& id, uint64_t fileTime, const std::array<uint8_t, 8>& randomBytes) {
-  auto high = static_cast<uint32_t>(fileTime >> 32);
-  id.Data1 = static_cast<uint32_t>(fileTime);
-  id.Data2 = static_cast<uint16_t>(high & 0xFFFF);
-  id.Data3 = static_cast<uint16_t>(((high >> 16) & 0xFFF0) | 2);
-  uint16_t sequence = static_cast<uint16_t>(((randomBytes[0] << 8) | randomBytes[1]) + 1);
-  id.Data4[0] = static_cast<uint8_t>(sequence >> 8);
-  id.Data4[1] = static_cast<uint8_t>(sequence);
-  for (size_t i = 2; i < 8; ++i) id.Data4[i] = randomBytes[i];
-}
-
-int MakeClassId(ClassId& id) {
-  uint64_t fileTime = 0;
-  if (!platform::FileTimeNow(fileTime)) return 1;
-  std::random_device device;
-  std::mt19937 node(platform::TickCount());
-  std::array<uint8_t, 8> random{};
-  random[0] = static_cast<uint8_t>(device());
-  random[1] = static_cast<uint8_t>(device());
-  for (size_t i = 2; i < 8; ++i) random[i] = static_cast<uint8_t>(node());
-  FillClassId(id, fileTime, random);
-  return 0;
 }
 
 }  // namespace wavetrace::core

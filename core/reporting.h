@@ -1,7 +1,5 @@
 #pragma once
 
-#include <array>
-#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -31,20 +29,5 @@ void WriteErrorBlock(AppState& state, std::u16string_view text, const platform::
 // Any other modal box (warnings, notices), on the main thread when the view
 // needs it there.
 void ShowMessageBox(AppState& state, std::u16string_view title, std::u16string_view text, BoxIcon icon);
-
-// 1 when the clipboard holds the text, 0 otherwise (no window, no clipboard).
-int CopyTextToClipboard(AppState& state, std::u16string_view text);
-
-struct ClassId {
-  uint32_t Data1 = 0;
-  uint16_t Data2 = 0;
-  uint16_t Data3 = 0;
-  std::array<uint8_t, 8> Data4{};
-};
-// A class identifier unique per start, from the system time as a file time:
-// 0 on success, 1 when the time could not be had.
-int MakeClassId(ClassId& id);
-// The same, from a given file time (100 ns units since 1601) and random bytes.
-void FillClassId(ClassId& id, uint64_t fileTime, const std::array<uint8_t, 8>& randomBytes);
 
 }  // namespace wavetrace::core

@@ -24,15 +24,6 @@ LocalTime GetLocalTime() {
       parts.tm_hour,        parts.tm_min,     parts.tm_sec,  static_cast<int>(ts.tv_nsec / 1000000)};
 }
 
-bool FileTimeNow(uint64_t& fileTime) {
-  timespec ts{};
-  if (clock_gettime(CLOCK_REALTIME, &ts) != 0 || ts.tv_sec < 0) return false;
-  constexpr uint64_t kSecondsFrom1601To1970 = 11644473600ull;
-  fileTime = (static_cast<uint64_t>(ts.tv_sec) + kSecondsFrom1601To1970) * 10000000ull +
-             static_cast<uint64_t>(ts.tv_nsec) / 100u;
-  return true;
-}
-
 void SleepMs(int ms) {
   std::this_thread::sleep_for(std::chrono::milliseconds(ms));
 }

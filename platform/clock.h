@@ -19,9 +19,6 @@ struct LocalTime {
 };
 LocalTime GetLocalTime();
 
-// The system time as a file time: 100 ns units since 1 January 1601 (UTC).
-bool FileTimeNow(uint64_t& fileTime);
-
 void SleepMs(int ms);
 
 }  // namespace wavetrace::platform

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "core/allocation.h"
+#include "core/clipboard.h"
 #include "core/code_page.h"
 #include "core/reporting.h"
 #include "test_support.h"
@@ -202,24 +203,6 @@ TEST_F(ReportingTest, ClipboardNeedsAWindow) {
   EXPECT_TRUE(view.clipboard.empty());
   AppState noView;
   EXPECT_EQ(CopyTextToClipboard(noView, u"x"), 0);
-}
-
-TEST(ClassId, FieldsComeFromTheFileTime) {
-  ClassId id;
-  FillClassId(id, 0x0123456789ABCDEFull, {0x00, 0x07, 1, 2, 3, 4, 5, 6});
-  EXPECT_EQ(id.Data1, 0x89ABCDEFu);
-  EXPECT_EQ(id.Data2, 0x4567u);
-  EXPECT_EQ(id.Data3, 0x0122u);  // 0x0123 masked to 0x0120, version 2 in the low bits
-  EXPECT_EQ(id.Data4[0], 0x00);
-  EXPECT_EQ(id.Data4[1], 0x08);  // the sequence number plus one
-  EXPECT_EQ(id.Data4[7], 6);
-
-  ClassId a;
-  ClassId b;
-  ASSERT_EQ(MakeClassId(a), 0);
-  std::this_thread::sleep_for(std::chrono::milliseconds(2));
-  ASSERT_EQ(MakeClassId(b), 0);
-  EXPECT_NE(a.Data1, b.Data1);
 }
 
 }  // namespace

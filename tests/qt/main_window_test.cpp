@@ -8,6 +8,7 @@
 #include <QTextCursor>
 #include <thread>
 
+#include "core/clipboard.h"
 #include "core/reporting.h"
 #include "tests/qt/gui_program.h"
 #include "ui/receive_view.h"

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "app/main_window.h"
+#include "app/tray_notification.h"
 #include "core/messages.h"
 #include "core/reporting.h"
 #include "serial/port.h"

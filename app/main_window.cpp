@@ -3,17 +3,17 @@
 #include <array>
 
 #include "app/connection.h"
-#include "app/port_discovery.h"
+#include "app/display_power.h"
+#include "app/start_configuration.h"
 #include "app/startup.h"
+#include "app/tray_notification.h"
 #include "app/worker_threads.h"
 #include "config/config_file.h"
-#include "config/program_options.h"
 #include "core/allocation.h"
 #include "core/messages.h"
 #include "core/reporting.h"
 #include "core/shared_field.h"
 #include "platform/display_control.h"
-#include "platform/line_setting_text.h"
 #include "rx/log_cache.h"
 #include "serial/port.h"
 #include "serial/tx_thread.h"
@@ -33,6 +33,8 @@ bool IsUnavailable(int command) {
   return !IsCommandAvailable(command);
 }
 
+}  // namespace
+
 void SetRadix(core::AppState& state, int base) {
   state.Data.Base = base;
   static constexpr std::array<std::pair<int, int>, 4> kItems = {
@@ -50,6 +52,8 @@ void SetViewMode(core::AppState& state, bool ascii) {
   state.Screen.EnableButton(kBinaryButton, ascii);
 }
 
+namespace {
+
 void Toggle(core::AppState& state, uint8_t& flag, int item) {
   uint8_t on = flag ? 0 : 1;
   core::StoreShared(flag, on);
@@ -65,37 +69,6 @@ void ClearSendHistory(core::AppState& state) {
   state.Screen.SetTxHistory({});
   state.Screen.SetTxSelection(-1);
   serial::AddSentHistory(state, true);
-}
-
-void SetDisplayPower(core::AppState& state, int32_t powerState) {
-  state.DisplayPower.Length = 12;
-  state.DisplayPower.Version = 1;
-  core::StoreShared(state.DisplayPower.PowerState, powerState);
-}
-
-// Command 235: the display goes dark while the program goes on working.
-void DisplayOff(core::AppState& state) {
-  if (!state.Display || !state.Display->CanSwitchOff()) return;
-  SetDisplayPower(state, core::kDisplayPowerOff);
-  state.Display->SwitchOff();
-}
-
-// Enter (character 13) while the program has the display off.
-void DisplayOn(core::AppState& state) {
-  if (state.DisplayPower.PowerState != core::kDisplayPowerOff) return;
-  SetDisplayPower(state, core::kDisplayPowerOn);
-  if (state.Display) state.Display->SwitchOn();
-}
-
-// Every 500 ms: while a port is open the machine must not idle into sleep,
-// and a display switched off by the program comes back when the window is
-// not the active one.
-void KeepAlive(core::AppState& state) {
-  if (!state.PortOpen) return;
-  if (state.Display) state.Display->ResetIdleTimer();
-  if (state.DisplayPower.PowerState == core::kDisplayPowerOff && state.View && !state.View->WindowActive()) {
-    state.Queue.Send(core::MakeMessage(core::kWmChar, 13));
-  }
 }
 
 // The Config menu: Load..., Save, SaveAs..., Set as Default.
@@ -210,40 +183,6 @@ bool IsCommandAvailable(int command) {
   return true;
 }
 
-void ApplySettingsToScreen(core::AppState& state) {
-  SetViewMode(state, state.Data.modeASCII != 0);
-  SetRadix(state, state.Data.Base);
-  state.Screen.CheckMenuItem(kPauseRxDisplay, state.Data.PauseRxDisplay != 0);
-  state.Screen.CheckMenuItem(kFullscreen, state.Data.RxFullScreen != 0);
-  state.Screen.CheckMenuItem(kBacklightOnReceive, state.Data.RxBacklightEvent != 0);
-}
-
-void LoadStartConfiguration(core::AppState& state) {
-  if (state.ProgramOptions.DEFAULTcfg != 1) config::ConfigLoad(state, state.CurrentConfigPath);
-  const auto& sw = state.Switches;
-  if (!sw.ConfigPath.empty()) {
-    platform::SysResult failure;
-    if (config::ConfigLoad(state, sw.ConfigPath, failure) == 0) {
-      state.CurrentConfigPath = sw.ConfigPath;
-    } else if (!failure) {
-      // The load says nothing when the file cannot be opened; asked for by
-      // name, that must not pass in silence.
-      core::ShowStatusError(state, u"Config file not found [" + sw.ConfigPath + u"]", failure);
-    }
-  }
-  // A line setting from the command line goes over the loaded one, and the
-  // port opens as soon as the main window runs.
-  if (sw.Baud) state.Port.SelectedBaud = sw.Baud;
-  if (sw.DataBits) state.Port.SelectedDataBits = static_cast<uint8_t>(sw.DataBits);
-  if (!sw.Parity.empty()) state.Port.Parity = sw.Parity;
-  if (!sw.StopBits.empty()) state.Port.StopBits = sw.StopBits;
-  state.PendingSendText = sw.SendText;
-  if (!sw.Port.empty()) {
-    state.Port.SelectedPort = sw.Port;
-    state.Queue.PostCommand(kPlay);
-  }
-}
-
 void ShowClosedControls(core::AppState& state) {
   auto& screen = state.Screen;
   screen.EnableButton(kMenuBarPlay, true);
@@ -272,13 +211,7 @@ int CreateMainWindow(core::AppState& state) {
   state.Queue.SetTimer(core::kKeepAliveTimerId, core::kKeepAliveIntervalMs);
   state.KeepAliveTimerRunning = true;
   state.FirstPaintState = 2;
-  state.CurrentConfigPath = state.ConfigFolder + u"/" + config::kDefaultConfigName;
-  if (!state.Switches.SimSetting.empty())
-    platform::ParseLineSetting(state.Switches.SimSetting, state.Simulated.SimulatedSetting);
-  DiscoverPorts(state);
-  config::TakeSettingsSnapshot(state);
-  LoadStartConfiguration(state);
-  ApplySettingsToScreen(state);
+  ConfigureAtStart(state);
   return 0;
 }
 
@@ -310,28 +243,6 @@ int64_t MainWindowProc(core::AppState& state, const core::Message& message) {
     default:
       return 0;
   }
-}
-
-bool ShellNotification(core::AppState& state, int operation) {
-  if (!state.NotificationEnabled) return false;
-  switch (operation) {
-    case kNotifyAdd:
-      state.Screen.SetTrayState(1);
-      break;
-    case kNotifyRemove:
-      state.Screen.SetTrayState(0);
-      state.NotificationEnabled = false;
-      break;
-    case kNotifyActive:
-      state.Screen.SetTrayState(2);
-      break;
-    case kNotifyIdle:
-      state.Screen.SetTrayState(1);
-      break;
-    default:
-      break;
-  }
-  return state.NotificationEnabled;
 }
 
 void Shutdown(core::AppState& state) {

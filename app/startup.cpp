@@ -1,6 +1,7 @@
 #include "app/startup.h"
 
 #include "app/main_window.h"
+#include "app/tray_notification.h"
 #include "config/program_options.h"
 #include "core/allocation.h"
 #include "core/code_page.h"

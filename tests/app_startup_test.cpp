@@ -5,6 +5,7 @@
 
 #include "app/main_window.h"
 #include "app/startup.h"
+#include "app/tray_notification.h"
 #include "core/code_page.h"
 #include "core/messages.h"
 #include "platform/files.h"

@@ -15,7 +15,7 @@ struct CommandLine {
   std::string Error;  // non-empty: the command line was refused
 };
 
-// Both front ends accept the handheld switches ("/SCRIPT::path" glued to its
+// Both front ends accept the slash switches ("/SCRIPT::path" glued to its
 // path, "/Q", "/NOGUI", "/DEBUGON", in any case) and their GNU forms.
 // args excludes the program name.
 CommandLine ParseCommandLine(const std::vector<std::string>& args);

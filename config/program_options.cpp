@@ -32,7 +32,7 @@ std::string KeyPath(const core::ProgramOptionsKey& record) {
 }  // namespace
 
 std::u16string FormatVersion(uint32_t major, uint32_t minor) {
-  // The registry's 32-bit values are signed longs on the handheld.
+  // The registry's 32-bit values are shown as signed numbers.
   char text[32] = {};
   std::snprintf(text, sizeof text, "%ld.%ld", static_cast<long>(static_cast<int32_t>(major)),
                 static_cast<long>(static_cast<int32_t>(minor)));

@@ -25,7 +25,7 @@ struct LineSettings {
   bool operator==(const LineSettings&) const = default;
 };
 
-// Port events a wait reports (the handheld's event mask bits).
+// Port events a wait reports, as bits of the event mask.
 namespace event {
 inline constexpr uint32_t kRxChar = 0x0001;
 inline constexpr uint32_t kRxFlag = 0x0002;

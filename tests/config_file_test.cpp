@@ -125,7 +125,7 @@ TEST_F(ConfigFileTest, EverySettingSurvivesTheRoundTrip) {
   EXPECT_TRUE(loaded.Snapshot.Data == state.Data);
 }
 
-TEST_F(ConfigFileTest, TheFileIsInTheHandheldLayout) {
+TEST_F(ConfigFileTest, TheFileKeepsItsSectionLayout) {
   SetEverything(state);
   std::u16string path = Path("layout.cfg.txt");
   ASSERT_EQ(ConfigSave(state, path), 0);

@@ -4,7 +4,7 @@
 
 namespace wavetrace::ui {
 
-// The main screen is laid out for a 240x320 handheld screen; larger displays
+// The main screen is laid out for a 240x320 portrait screen; larger displays
 // get it magnified in half steps so that it stays readable and touchable.
 inline constexpr int kLogicalWidth = 240;
 inline constexpr int kLogicalHeight = 320;

@@ -1,9 +1,18 @@
 #include "platform/line_setting_text.h"
 
+#include <array>
 #include <cctype>
 #include <cstdio>
+#include <string_view>
 
 namespace wavetrace::platform {
+namespace {
+
+// Both directions read these tables, in the order of the enumerations.
+constexpr std::string_view kParityLetters = "NOEMS";
+constexpr std::array<std::string_view, 3> kStopTexts = {"1", "1.5", "2"};
+
+}  // namespace
 
 bool ParseLineSetting(const std::string& text, LineSettings& line) {
   LineSettings parsed = line;
@@ -14,45 +23,23 @@ bool ParseLineSetting(const std::string& text, LineSettings& line) {
   if (std::sscanf(text.c_str(), "%lu,%d,%c,%7s", &baud, &dataBits, &parity, stop) != 4) return false;
   parsed.Baud = static_cast<uint32_t>(baud);
   parsed.DataBits = dataBits;
-  switch (std::toupper(static_cast<unsigned char>(parity))) {
-    case 'N':
-      parsed.ParityMode = Parity::kNone;
-      break;
-    case 'O':
-      parsed.ParityMode = Parity::kOdd;
-      break;
-    case 'E':
-      parsed.ParityMode = Parity::kEven;
-      break;
-    case 'M':
-      parsed.ParityMode = Parity::kMark;
-      break;
-    case 'S':
-      parsed.ParityMode = Parity::kSpace;
-      break;
-    default:
-      return false;
-  }
-  std::string stopText = stop;
-  if (stopText == "1") {
-    parsed.Stop = StopBits::kOne;
-  } else if (stopText == "1.5") {
-    parsed.Stop = StopBits::kOneAndHalf;
-  } else if (stopText == "2") {
-    parsed.Stop = StopBits::kTwo;
-  } else {
-    return false;
-  }
+  const size_t parityIndex =
+      kParityLetters.find(static_cast<char>(std::toupper(static_cast<unsigned char>(parity))));
+  if (parityIndex == std::string_view::npos) return false;
+  parsed.ParityMode = static_cast<Parity>(parityIndex);
+  size_t stopIndex = 0;
+  while (stopIndex < kStopTexts.size() && kStopTexts[stopIndex] != stop) ++stopIndex;
+  if (stopIndex == kStopTexts.size()) return false;
+  parsed.Stop = static_cast<StopBits>(stopIndex);
   if (baud == 0 || baud > 4000000 || !CheckLineSettings(parsed).empty()) return false;
   line = parsed;
   return true;
 }
 
 std::string FormatLineSetting(const LineSettings& line) {
-  static constexpr char kParity[] = {'N', 'O', 'E', 'M', 'S'};
-  const char* stop = line.Stop == StopBits::kOne ? "1" : line.Stop == StopBits::kTwo ? "2" : "1.5";
   return std::to_string(line.Baud) + "," + std::to_string(line.DataBits) + "," +
-         kParity[static_cast<int>(line.ParityMode)] + "," + stop;
+         kParityLetters[static_cast<size_t>(line.ParityMode)] + "," +
+         std::string(kStopTexts[static_cast<size_t>(line.Stop)]);
 }
 
 }  // namespace wavetrace::platform

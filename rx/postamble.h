@@ -24,7 +24,8 @@ inline constexpr size_t kPostambleApplyChars = 13;
 // leaving the block without the postamble.
 bool AppendPostamble(core::AppState& state, core::DataBlock& block);
 
-// The configuration loader's rebuild: bytes and length from wcszPostambleKeysRX.
+// Bytes and length from wcszPostambleKeysRX, as the configuration loader
+// rebuilds them.
 void ReparsePostambleRX(core::DataSettings& data);
 
 // The Filters page's apply: keeps at most 13 characters of the field as the

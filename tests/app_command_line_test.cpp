@@ -36,40 +36,41 @@ TEST(CommandLine, SwitchesAndTheirGnuForms) {
   }
 }
 
-TEST(CommandLine, RefusedLinesSayWhy) {
-  struct Case {
-    std::vector<std::string> args;
-    std::string error;
-  };
-  const Case cases[] = {
-      {{"--bogus"}, "unknown option '--bogus'"},
-      {{"/SCRIPT"}, "unknown option '/SCRIPT'"},
-      {{"/SCRIPT::"}, "option /SCRIPT:: needs a script file"},
-      {{"--script"}, "option --script needs a script file"},
-      {{"--nogui", "extra"}, "unknown option 'extra'"},
-      {{"/QUIET"}, "unknown option '/QUIET'"},
-  };
-  for (const auto& c : cases) EXPECT_EQ(ParseCommandLine(c.args).Error, c.error);
-}
-
 TEST(CommandLine, LineSettingOptions) {
   CommandLine line = ParseCommandLine({"--port", "/dev/ttyUSB0", "--baud", "115200", "--databits", "7",
-                                       "--parity", "e", "--stopbits", "1.5"});
+                                       "--parity", "e", "--stopbits", "1.5", "--list-ports"});
   ASSERT_TRUE(line.Error.empty()) << line.Error;
   EXPECT_EQ(line.Switches.Port, u"/dev/ttyUSB0");
   EXPECT_EQ(line.Switches.Baud, 115200u);
   EXPECT_EQ(line.Switches.DataBits, 7);
   EXPECT_EQ(line.Switches.Parity, u"Even");
   EXPECT_EQ(line.Switches.StopBits, u"1.5");
+  EXPECT_TRUE(line.ListPorts);
   EXPECT_EQ(ParseCommandLine({"--parity", "SPACE"}).Switches.Parity, u"Space");
-  EXPECT_TRUE(ParseCommandLine({"--list-ports"}).ListPorts);
+}
 
-  const std::vector<std::string> refused[] = {
-      {"--baud", "0"},     {"--baud", "fast"},  {"--baud", "-9600"}, {"--baud", "99999999999"},
-      {"--databits", "9"}, {"--databits", "4"}, {"--parity", "x"},   {"--stopbits", "3"},
-      {"--port", ""},      {"--port"},
+TEST(CommandLine, RefusedLinesSayWhy) {
+  const std::string baud = "--baud takes a line speed in bits per second, not '";
+  const std::string dataBits = "--databits takes 5, 6, 7 or 8, not '";
+  const std::pair<std::vector<std::string>, std::string> cases[] = {
+      {{"--bogus"}, "unknown option '--bogus'"},
+      {{"/SCRIPT"}, "unknown option '/SCRIPT'"},
+      {{"/SCRIPT::"}, "option /SCRIPT:: needs a script file"},
+      {{"--script"}, "option --script needs a script file"},
+      {{"--nogui", "extra"}, "unknown option 'extra'"},
+      {{"/QUIET"}, "unknown option '/QUIET'"},
+      {{"--baud", "0"}, baud + "0'"},
+      {{"--baud", "fast"}, baud + "fast'"},
+      {{"--baud", "-9600"}, baud + "-9600'"},
+      {{"--baud", "99999999999"}, baud + "99999999999'"},
+      {{"--databits", "9"}, dataBits + "9'"},
+      {{"--databits", "4"}, dataBits + "4'"},
+      {{"--parity", "x"}, "--parity takes none, odd, even, mark or space (or N, O, E, M, S), not 'x'"},
+      {{"--stopbits", "3"}, "--stopbits takes 1, 1.5 or 2, not '3'"},
+      {{"--port", ""}, "option --port needs a port (COM3:, VSP0: or a device path)"},
+      {{"--port"}, "option --port needs a value"},
   };
-  for (const auto& args : refused) EXPECT_FALSE(ParseCommandLine(args).Error.empty()) << args[0];
+  for (const auto& [args, error] : cases) EXPECT_EQ(ParseCommandLine(args).Error, error);
 }
 
 }  // namespace

@@ -14,52 +14,34 @@ namespace wavetrace::config {
 namespace {
 
 using core::AppState;
-using testing::RecordingFrontEnd;
-using testing::TempFolder;
 
 // Every persisted setting away from its default.
 void SetEverything(AppState& s) {
   auto& p = s.Port;
   for (size_t n = 0; n < 10; ++n) p.PortPresent[n] = n % 2;
-  p.RawIrPort = u"COM3:";
   for (size_t n = 1; n <= 9; ++n) p.FriendlyName[n] = u"Adapter \u00e9" + core::Utf8ToWide(std::to_string(n));
+  p.RawIrPort = u"COM3:";
   p.SelectedPort = u"COM5:";
   p.SelectedBaud = 4000000000u;
   p.SelectedDataBits = 7;
   p.Parity = u"Mark";
   p.StopBits = u"1.5";
-  p.XON = 1;
-  p.RTS = 1;
-  p.DTR = 1;
-  p.CustomBauds_count = 1;
+  p.XON = p.RTS = p.DTR = p.CustomBauds_count = 1;
   p.CustomBaud_01 = 250000;
   auto& d = s.Data;
-  d.modeASCII = 0;
-  d.modeBINARY = 1;
+  d.modeASCII = d.Relay_SocketType_TCP = d.SnR[2].Rall = 0;
+  d.modeBINARY = d.PauseRxDisplay = d.RxFullScreen = d.RxBacklightEvent = 1;
+  d.BinBrackets = d.NonChars = d.FilterNP = d.TxClrRCVEtxt = d.ShowClassNames = d.EnableTCPIPrelay =
+      d.Relay_SocketType_UDP = d.TRANSLATE_KEYBOARD_CODES = d.DisableSnR = d.SnR[2].Rlo = 1;
   d.Base = 8;
-  d.BinBrackets = 1;
-  d.NonChars = 1;
-  d.FilterNP = 1;
   d.TxRepeatNum = 3000000000u;
   d.TxRepeatDelay = 250;
   d.RxDelayReadThread = 9999;
-  d.TxClrRCVEtxt = 1;
-  d.PauseRxDisplay = 1;
-  d.RxFullScreen = 1;
-  d.ShowClassNames = 1;
-  d.RxBacklightEvent = 1;
   d.IP = {u"10", u"1", u"2", u"254"};
-  d.EnableTCPIPrelay = 1;
   d.RelayTCP_RemotePort = 65535;
-  d.Relay_SocketType_TCP = 0;
-  d.Relay_SocketType_UDP = 1;
-  d.TRANSLATE_KEYBOARD_CODES = 1;
-  d.HardwareButtonData[0] = u"AT[0D]";
-  d.HardwareButtonData[1] = u"[File::/tmp/x.bin]";
-  d.SoftwareButtonData[0] = u"ATZ";
-  d.SoftwareButtonData[1] = u"{PLAY}";
-  d.SoftwareButtonCaption[0] = u"Reset";
-  d.SoftwareButtonCaption[1] = u"Go";
+  d.HardwareButtonData = {u"AT[0D]", u"[File::/tmp/x.bin]"};
+  d.SoftwareButtonData = {u"ATZ", u"{PLAY}"};
+  d.SoftwareButtonCaption = {u"Reset", u"Go"};
   d.wcszPostambleKeysRX = u"[0D][0A]";
   d.PostambleLengthRX =
       core::ParsePostambleText(d.wcszPostambleKeysRX, core::kPostambleLoadBytes, d.PostambleBytesRX);
@@ -67,27 +49,20 @@ void SetEverything(AppState& s) {
   d.PostambleLengthTX =
       core::ParsePostambleText(d.wcszPostambleKeysTX, core::kPostambleLoadBytes, d.PostambleBytesTX);
   d.SnR_count = 2;
-  d.DisableSnR = 1;
-  d.SnR[1].wcszSearchFor = u"$GP";
-  d.SnR[1].wcszReplaceWith = u"[0D][0A]$GP";
+  d.SnR[1] = {u"$GP", u"[0D][0A]$GP"};
   d.SnR[2].wcszSearchFor = u"OK";
   d.SnR[2].wcszReplaceWith = u"{TIME_STAMP} OK";
-  d.SnR[2].Rall = 0;
-  d.SnR[2].Rlo = 1;
   core::PrepareRules(d);
   auto& l = s.Log;
   l.wszLogDir = u"/home/me/logs/";
   l.wszLogFile = u"run.log.txt";
-  l.LOGtimestamp = 1;
-  l.LOGtransmitdata = 1;
-  l.LOGoverwrite = 1;
+  l.LOGtimestamp = l.LOGtransmitdata = l.LOGoverwrite = l.TSremoveCRLF = 1;
   l.RecordALL = 0;
   l.RecordInterval = 60;
   l.RecordDuration = 5;
   l.DateFormat = 3;
   l.TimeFormat = 7;
   l.Delimiter = {';', 0};
-  l.TSremoveCRLF = 1;
   s.Screen.SetTxHistory({u"first", u"second [0D]", u"third"});
   s.Screen.SetTxSelection(2);
 }
@@ -100,48 +75,45 @@ class ConfigFileTest : public ::testing::Test {
     std::ofstream(folder.Path() + "/" + name, std::ios::binary) << contents;
     return Path(name);
   }
+  // A state loaded from a file of the signature, the padding and body.
+  std::unique_ptr<AppState> Load(const std::string& body, const std::function<void(AppState&)>& before = {}) {
+    auto s = std::make_unique<AppState>();
+    if (before) before(*s);
+    std::string file = "[Wavetrace Pro]\r\nConfigFile=1\r\n" + std::string(64, ';') + "\r\n" + body;
+    EXPECT_EQ(ConfigLoad(*s, Write("q.cfg.txt", file)), 0) << body;
+    return s;
+  }
 
-  TempFolder folder;
+  testing::TempFolder folder;
   AppState state;
-  RecordingFrontEnd view;
+  testing::RecordingFrontEnd view;
 };
 
-TEST_F(ConfigFileTest, EverySettingSurvivesTheRoundTrip) {
+TEST_F(ConfigFileTest, EverySettingSurvivesTheRoundTripInTheFileLayout) {
   SetEverything(state);
   std::u16string path = Path("all.cfg.txt");
   ASSERT_EQ(ConfigSave(state, path), 0);
   EXPECT_EQ(state.Screen.Status(), u"Saved config file [" + path + u"]");
-
   AppState loaded;
   ASSERT_EQ(ConfigLoad(loaded, path), 0);
   EXPECT_EQ(loaded.LoadWarnings, 0);
   EXPECT_EQ(loaded.Screen.Status(), u"Loaded config file [" + path + u"]");
-  EXPECT_TRUE(loaded.Port == state.Port);
-  EXPECT_TRUE(loaded.Data == state.Data);
-  EXPECT_TRUE(loaded.Log == state.Log);
+  EXPECT_TRUE(loaded.Port == state.Port && loaded.Data == state.Data && loaded.Log == state.Log);
   EXPECT_EQ(loaded.Screen.TxHistory(), state.Screen.TxHistory());
   EXPECT_EQ(loaded.Screen.TxSelection(), 2);
-  EXPECT_TRUE(loaded.Snapshot.Port == state.Port);
-  EXPECT_TRUE(loaded.Snapshot.Data == state.Data);
-}
+  EXPECT_TRUE(loaded.Snapshot.Port == state.Port && loaded.Snapshot.Data == state.Data);
 
-TEST_F(ConfigFileTest, TheFileKeepsItsSectionLayout) {
-  SetEverything(state);
-  std::u16string path = Path("layout.cfg.txt");
-  ASSERT_EQ(ConfigSave(state, path), 0);
   std::string text = platform::ReadWholeFile(core::WideToUtf8(path)).value_or("");
-  EXPECT_EQ(text.rfind(
-                "[Wavetrace Pro]\r\nConfigFile=1\r\nVersion=2.71.3089 (11.2008)\r\nOS=2.71.3089 (11.2008)\r\n"
-                "[COMMs]\r\nCOM0Ser=0\r\nCOM1Ser=1\r\n",
-                0),
+  EXPECT_EQ(text.rfind("[Wavetrace Pro]\r\nConfigFile=1\r\nVersion=2.71.3089 (11.2008)\r\nOS=2.71.3089 "
+                       "(11.2008)\r\n[COMMs]\r\nCOM0Ser=0\r\nCOM1Ser=1\r\n",
+                       0),
             0u)
       << text.substr(0, 200);
   // Sections in their order; history numbered from 00, friendly names from 01.
-  const char* order[] = {
-      "[COMMs]",       "[DATA_h]",         "[TCP_relay]",      "[WINDOW_relay]",      "[DataLog]",
-      "[SentHistory]", "[SentHistory_00]", "[SentHistory_02]", "[HardwareButton_01]", "[SoftwareButton_02]"};
   size_t last = 0;
-  for (const char* section : order) {
+  for (const char* section :
+       {"[COMMs]", "[DATA_h]", "[TCP_relay]", "[WINDOW_relay]", "[DataLog]", "[SentHistory]",
+        "[SentHistory_00]", "[SentHistory_02]", "[HardwareButton_01]", "[SoftwareButton_02]"}) {
     size_t at = text.find(section);
     ASSERT_NE(at, std::string::npos) << section;
     EXPECT_GT(at, last) << section;
@@ -155,33 +127,26 @@ TEST_F(ConfigFileTest, TheFileKeepsItsSectionLayout) {
 }
 
 TEST_F(ConfigFileTest, RefusedFilesChangeNothing) {
-  std::string body = "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nBase=2\r\n";
-  struct Case {
-    std::string name;
+  const std::string tail = "\r\n[DATA_h]\r\nBase=2\r\n" + std::string(64, ';');
+  const struct {
     std::string contents;
-    std::u16string status;  // empty: no message
+    std::u16string status;  // # stands for the path
+  } cases[] = {
+      {std::string(63, 'x'), u"Invalid config file [#].  Size too small."},
+      {std::string(64, 'x'), u"Invalid config file [#]"},
+      {"[Wavetrace Pro]\r\nConfigFile=2" + tail, u"Invalid config file [#]"},
+      {"[Wavetrace Pro]\r\nConfigFile=yes" + tail, u"Invalid config file [#]"},
   };
-  std::string padded = body + std::string(64, ';') + "\r\n";
-  const Case cases[] = {
-      {"short.cfg.txt", std::string(63, 'x'), u"Invalid config file [#].  Size too small."},
-      {"nosig.cfg.txt", std::string(64, 'x'), u"Invalid config file [#]"},
-      {"two.cfg.txt", "[Wavetrace Pro]\r\nConfigFile=2\r\n[DATA_h]\r\nBase=2\r\n" + std::string(64, ';'),
-       u"Invalid config file [#]"},
-      {"word.cfg.txt", "[Wavetrace Pro]\r\nConfigFile=yes\r\n[DATA_h]\r\nBase=2\r\n" + std::string(64, ';'),
-       u"Invalid config file [#]"},
-  };
+  AppState before;
+  SetEverything(before);
   for (const auto& c : cases) {
-    AppState fresh;
-    SetEverything(fresh);
-    AppState before;
-    SetEverything(before);
-    fresh.Screen.SetStatus(u"unchanged");
-    std::u16string path = Write(c.name, c.contents);
-    EXPECT_EQ(ConfigLoad(fresh, path), 1) << c.name;
+    AppState s;
+    SetEverything(s);
+    std::u16string path = Write("refused.cfg.txt", c.contents);
+    EXPECT_EQ(ConfigLoad(s, path), 1) << c.contents;
     std::u16string expected = c.status;
-    expected.replace(expected.find(u'#'), 1, path);
-    EXPECT_EQ(fresh.Screen.Status(), expected) << c.name;
-    EXPECT_TRUE(fresh.Port == before.Port && fresh.Data == before.Data && fresh.Log == before.Log) << c.name;
+    EXPECT_EQ(s.Screen.Status(), expected.replace(expected.find(u'#'), 1, path)) << c.contents;
+    EXPECT_TRUE(s.Port == before.Port && s.Data == before.Data && s.Log == before.Log) << c.contents;
   }
   // A missing file: 1 and no message.
   state.Screen.SetStatus(u"unchanged");
@@ -190,65 +155,58 @@ TEST_F(ConfigFileTest, RefusedFilesChangeNothing) {
   // 64 bytes with the signature load.
   std::string exact = "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nBase=2\r\n";
   exact += std::string(64 - exact.size() - 2, ';') + "\r\n";
-  ASSERT_EQ(exact.size(), 64u);
   EXPECT_EQ(ConfigLoad(state, Write("exact.cfg.txt", exact)), 0);
   EXPECT_EQ(state.Data.Base, 2);
 }
 
 TEST_F(ConfigFileTest, AHandwrittenFileLoadsWithItsQuirks) {
-  state.Port.PortPresent[3] = 1;                     // set by discovery
-  state.Port.FriendlyName[2] = u"USB Serial Cable";  // a real driver name
-  std::string file =
-      "[Wavetrace Pro]\r\nConfigFile=1\r\nVersion=2.71.3089 (11.2008)\r\nOS=PPC2003\r\n"
+  auto s = Load(
       "[COMMs]\r\nCOM3Ser=0\r\nCOM4Ser=1\r\nFriendlyName_01=My GPS\r\nFriendlyName_02=Saved name\r\n"
       "SelectedPort=COM4:\r\nSelectedBaud=115200\r\nCustomBauds_count=3\r\nCustomBaud_01=31250\r\n"
-      "CustomBaud_02=62500\r\n[DATA_h]\r\nBase=  10\r\nmodeASCII=7\r\nTxRepeatNum=12abc\r\n";
-  ASSERT_EQ(ConfigLoad(state, Write("hand.cfg.txt", file)), 0);
-  EXPECT_EQ(state.Port.PortPresent[3], 1);  // not cleared
-  EXPECT_EQ(state.Port.PortPresent[4], 1);
-  EXPECT_EQ(state.Port.FriendlyName[1], u"My GPS");
-  EXPECT_EQ(state.Port.FriendlyName[2], u"USB Serial Cable");
-  EXPECT_EQ(state.Port.SelectedPort, u"COM4:");
-  EXPECT_EQ(state.Port.SelectedBaud, 115200u);
-  EXPECT_EQ(state.Port.CustomBauds_count, 3);
-  EXPECT_EQ(state.Port.CustomBaud_01, 31250u);
-  EXPECT_EQ(state.Data.Base, 10);
-  EXPECT_EQ(state.Data.modeASCII, 1);
-  EXPECT_EQ(state.Data.TxRepeatNum, 12u);
-  EXPECT_GT(state.LoadWarnings, 0);
-  EXPECT_EQ(state.Screen.Status().rfind(u"Loaded config file [", 0), 0u);
-  char expected[32];
-  std::snprintf(expected, sizeof expected, "]*\r\n(LW=%02d)", state.LoadWarnings);
-  EXPECT_NE(state.Screen.Status().find(core::Utf8ToWide(expected)), std::u16string::npos);
+      "CustomBaud_02=62500\r\n[DATA_h]\r\nBase=  10\r\nmodeASCII=7\r\nTxRepeatNum=12abc\r\n",
+      [](AppState& fresh) {
+        fresh.Port.PortPresent[3] = 1;                     // set by discovery
+        fresh.Port.FriendlyName[2] = u"USB Serial Cable";  // a real driver name
+      });
+  EXPECT_EQ(s->Port.PortPresent[3] + s->Port.PortPresent[4], 2);  // 3 is not cleared
+  EXPECT_EQ(s->Port.FriendlyName[1], u"My GPS");
+  EXPECT_EQ(s->Port.FriendlyName[2], u"USB Serial Cable");
+  EXPECT_EQ(s->Port.SelectedPort, u"COM4:");
+  EXPECT_EQ(s->Port.SelectedBaud, 115200u);
+  EXPECT_EQ(s->Port.CustomBauds_count, 3);
+  EXPECT_EQ(s->Port.CustomBaud_01, 31250u);
+  EXPECT_EQ(s->Data.Base, 10);
+  EXPECT_EQ(s->Data.modeASCII, 1);
+  EXPECT_EQ(s->Data.TxRepeatNum, 12u);
+  ASSERT_GT(s->LoadWarnings, 0);
+  char warnings[16];
+  std::snprintf(warnings, sizeof warnings, "]*\r\n(LW=%02d)", s->LoadWarnings);
+  EXPECT_EQ(s->Screen.Status(), u"Loaded config file [" + Path("q.cfg.txt") + core::Utf8ToWide(warnings));
 }
 
 TEST_F(ConfigFileTest, PostambleRulesAndDelimiterQuirks) {
-  const std::string head = "[Wavetrace Pro]\r\nConfigFile=1\r\n" + std::string(64, ';') + "\r\n";
-  struct Case {
+  const struct {
     std::string body;
-    int32_t postambleLength;
-    int32_t rules;
+    int32_t postambleLength, rules;
     uint8_t delimiter;
-  };
-  const Case cases[] = {
-      // The length always comes from parsing the text.
+  } cases[] = {
+      // The length always comes from parsing the text; without the text it is not read.
       {"[POSTAMBLE]\r\nwcszPostambleKeysRX=[0D][00]\r\nPostambleLengthRX=9\r\n", 2, 0, ','},
-      // A length without its text is not read.
       {"[POSTAMBLE]\r\nPostambleLengthRX=9\r\n", 0, 0, ','},
       // More rules than the table holds.
       {"[SnR]\r\nSnR_count=7\r\n[SnR_01]\r\nwcszSearchFor=a\r\n[SnR_02]\r\nwcszSearchFor=b\r\n", 0, 2, ','},
+      // The first character decides, letters in upper case only.
       {"[DataLog]\r\nDelimiter=X\r\n", 0, 0, ','},
       {"[DataLog]\r\nDelimiter=T\r\n", 0, 0, '\t'},
-      {"[DataLog]\r\nDelimiter=semi\r\n", 0, 0, ','},  // letters count in upper case only
-      {"[DataLog]\r\nDelimiter=Semi\r\n", 0, 0, ' '},  // the first character decides
+      {"[DataLog]\r\nDelimiter=semi\r\n", 0, 0, ','},
+      {"[DataLog]\r\nDelimiter=Semi\r\n", 0, 0, ' '},
       {"[DataLog]\r\nDelimiter=S\r\n", 0, 0, ' '},
   };
   for (const auto& c : cases) {
-    AppState s;
-    ASSERT_EQ(ConfigLoad(s, Write("q.cfg.txt", head + c.body)), 0) << c.body;
-    EXPECT_EQ(s.Data.PostambleLengthRX, c.postambleLength) << c.body;
-    EXPECT_EQ(s.Data.SnR_count, c.rules) << c.body;
-    EXPECT_EQ(s.Log.Delimiter[0], c.delimiter) << c.body;
+    auto s = Load(c.body);
+    EXPECT_EQ(s->Data.PostambleLengthRX, c.postambleLength) << c.body;
+    EXPECT_EQ(s->Data.SnR_count, c.rules) << c.body;
+    EXPECT_EQ(s->Log.Delimiter[0], c.delimiter) << c.body;
   }
   // A delimiter outside the four leaves no line at all.
   state.Log.Delimiter = {'|', 0};
@@ -258,17 +216,15 @@ TEST_F(ConfigFileTest, PostambleRulesAndDelimiterQuirks) {
 }
 
 TEST_F(ConfigFileTest, HistoryLoadsBoundedShowsItsSelectionAndResetsTheCount) {
-  const std::string head = "[Wavetrace Pro]\r\nConfigFile=1\r\n" + std::string(64, ';') + "\r\n";
   std::string entries;
   for (int n = 0; n < 5; ++n) {
     entries += "[SentHistory_0" + std::to_string(n) + "]\r\nData=AT" + std::to_string(n) + "[0D][0A]\r\n";
   }
-  struct Case {
+  const struct {
     std::string sentHistory;
     size_t kept;
     std::u16string field;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"LastSelection=0\r\nSentHistoryCount=1\r\n", 1, u"AT0[0D][0A]"},
       {"LastSelection=1\r\nSentHistoryCount=3\r\n", 3, u"AT1[0D][0A]"},
       {"LastSelection=-1\r\nSentHistoryCount=2\r\n", 2, u""},
@@ -278,19 +234,17 @@ TEST_F(ConfigFileTest, HistoryLoadsBoundedShowsItsSelectionAndResetsTheCount) {
       {"LastSelection=0\r\nSentHistoryCount=-4\r\n", 0, u""},
   };
   for (const auto& c : cases) {
-    AppState s;
-    s.Screen.SetTxText(u"typed before");
-    s.SentHistoryCount = 2;
-    ASSERT_EQ(ConfigLoad(s, Write("h.cfg.txt", head + "[SentHistory]\r\n" + c.sentHistory + entries)), 0)
-        << c.sentHistory;
-    EXPECT_EQ(s.Screen.TxHistory().size(), c.kept) << c.sentHistory;
-    EXPECT_EQ(s.Screen.TxText(), c.field) << c.sentHistory;
-    EXPECT_EQ(s.SentHistoryCount, 0) << c.sentHistory;
+    auto s = Load("[SentHistory]\r\n" + c.sentHistory + entries, [](AppState& fresh) {
+      fresh.Screen.SetTxText(u"typed before");
+      fresh.SentHistoryCount = 2;
+    });
+    EXPECT_EQ(s->Screen.TxHistory().size(), c.kept) << c.sentHistory;
+    EXPECT_EQ(s->Screen.TxText(), c.field) << c.sentHistory;
+    EXPECT_EQ(s->SentHistoryCount, 0) << c.sentHistory;
   }
 }
 
 TEST_F(ConfigFileTest, AFileThatCannotBeWrittenIsReported) {
-  state.Screen.SetStatus(u"before");
   EXPECT_EQ(ConfigSave(state, Path("no/such/folder.cfg.txt")), 1);
   EXPECT_EQ(state.Screen.Status().rfind(u"Error writing config file [", 0), 0u);
   EXPECT_EQ(ConfigSave(state, u""), 1);
@@ -299,7 +253,7 @@ TEST_F(ConfigFileTest, AFileThatCannotBeWrittenIsReported) {
 }
 
 // The Config menu on the logical main window.
-class ChoosingFrontEnd : public RecordingFrontEnd {
+class ChoosingFrontEnd : public testing::RecordingFrontEnd {
  public:
   std::u16string ChooseConfigFile(bool save, std::u16string_view) override {
     asked.push_back(save);
@@ -311,37 +265,37 @@ class ChoosingFrontEnd : public RecordingFrontEnd {
 
 TEST_F(ConfigFileTest, ConfigMenuCommands) {
   ChoosingFrontEnd chooser;
-  AppState s;
-  s.View = &chooser;
-  s.ConfigFolder = core::Utf8ToWide(folder.Path());
-  s.CurrentConfigPath = Path("current.cfg.txt");
-  s.Data.Base = 2;
-
-  app::MainWindowProc(s, core::MakeMessage(core::kWmCommand, core::cmd::kConfigSave));
+  state.View = &chooser;
+  state.ConfigFolder = core::Utf8ToWide(folder.Path());
+  state.CurrentConfigPath = Path("current.cfg.txt");
+  state.Data.Base = 2;
+  auto command = [&](int number, int64_t from = 0) {
+    app::MainWindowProc(state, core::MakeMessage(core::kWmCommand, number, from));
+  };
+  command(core::cmd::kConfigSave);
   EXPECT_TRUE(platform::FileExists(folder.Path() + "/current.cfg.txt"));
-
   chooser.answer = Path("other.cfg.txt");
-  app::MainWindowProc(s, core::MakeMessage(core::kWmCommand, core::cmd::kConfigSaveAs));
-  EXPECT_EQ(s.CurrentConfigPath, chooser.answer);
-  app::MainWindowProc(s, core::MakeMessage(core::kWmCommand, core::cmd::kConfigSetDefault));
+  command(core::cmd::kConfigSaveAs);
+  EXPECT_EQ(state.CurrentConfigPath, chooser.answer);
+  command(core::cmd::kConfigSetDefault);
   EXPECT_TRUE(platform::FileExists(folder.Path() + "/Default.cfg.txt"));
 
-  s.Data.Base = 16;
-  s.CurrentConfigPath = Path("current.cfg.txt");
-  app::MainWindowProc(s, core::MakeMessage(core::kWmCommand, core::cmd::kConfigLoad));
-  EXPECT_EQ(s.Data.Base, 2);
-  EXPECT_EQ(s.CurrentConfigPath, chooser.answer);
-  EXPECT_TRUE(s.Screen.IsMenuItemChecked(core::cmd::kBinary));
+  state.Data.Base = 16;
+  state.CurrentConfigPath = Path("current.cfg.txt");
+  command(core::cmd::kConfigLoad);
+  EXPECT_EQ(state.Data.Base, 2);
+  EXPECT_EQ(state.CurrentConfigPath, chooser.answer);
+  EXPECT_TRUE(state.Screen.IsMenuItemChecked(core::cmd::kBinary));
   EXPECT_EQ(chooser.asked, (std::vector<bool>{true, false}));
 
   // Cancelled dialogs change nothing; a load sent by the program itself asks nothing.
   chooser.answer.clear();
-  s.Data.Base = 10;
-  app::MainWindowProc(s, core::MakeMessage(core::kWmCommand, core::cmd::kConfigLoad));
-  EXPECT_EQ(s.Data.Base, 10);
-  app::MainWindowProc(s, core::MakeMessage(core::kWmCommand, core::cmd::kConfigLoad, core::kFromMainWindow));
+  state.Data.Base = 10;
+  command(core::cmd::kConfigLoad);
+  EXPECT_EQ(state.Data.Base, 10);
+  command(core::cmd::kConfigLoad, core::kFromMainWindow);
   EXPECT_EQ(chooser.asked.size(), 3u);
-  EXPECT_TRUE(s.Screen.IsMenuItemChecked(core::cmd::kDecimal));
+  EXPECT_TRUE(state.Screen.IsMenuItemChecked(core::cmd::kDecimal));
 }
 
 }  // namespace

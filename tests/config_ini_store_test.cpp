@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <fstream>
 
 #include "config/ini_store.h"
@@ -26,33 +27,26 @@ class IniStoreTest : public ::testing::Test {
 };
 
 TEST_F(IniStoreTest, LoadingTrimsAndSplitsLines) {
-  struct Case {
-    std::string file;
-    std::string section;
-    std::string key;
-    std::string value;
-  };
-  const Case cases[] = {
-      {"[S]\nKey = Value  \n", "S", "Key", "Value"},
-      {"[S]\r\nKey=Value\r\n", "S", "Key", "Value"},
-      {"[S]\nFlag\n", "S", "Flag", ""},
-      {"[S]\n  Key=1\n", "S", "  Key", "1"},
-      {"[S]\nKey=\t x y \t\n", "S", "Key", "x y"},
-      {"[S]\nKey=a=b\n", "S", "Key", "a=b"},
-      {"[S]\nKey=Value  \r", "S", "Key", "Value  \r"},  // last line: untrimmed
-      {"[ S ]\nK=v\n", " S ", "K", "v"},
-      {"[S] trailing\nK=v\n", "S", "K", "v"},
-      {"[S\nK=v\n", "S", "K", "v"},
-      {"top=1\n[S]\nK=v\n", "", "top", "1"},
-      {"[S]\nK=first\nK=second\n", "S", "K", "second"},
-      {"[S]\n; note=1\nK=v\n", "S", "; note", "<missing>"},
-      {"[s]\nk=v\n", "S", "k", "<missing>"},
-      {"[S]\n \tK=v", "S", " \tK", "<missing>"},  // a last line starting blank is dropped
-  };
-  for (const auto& c : cases) {
+  // File, section, key, value found. A last line is not trimmed, and one that starts blank is dropped.
+  const std::array<std::string, 4> cases[] = {{"[S]\nKey = Value  \n", "S", "Key", "Value"},
+                                              {"[S]\r\nKey=Value\r\n", "S", "Key", "Value"},
+                                              {"[S]\nFlag\n", "S", "Flag", ""},
+                                              {"[S]\n  Key=1\n", "S", "  Key", "1"},
+                                              {"[S]\nKey=\t x y \t\n", "S", "Key", "x y"},
+                                              {"[S]\nKey=a=b\n", "S", "Key", "a=b"},
+                                              {"[ S ]\nK=v\n", " S ", "K", "v"},
+                                              {"[S] trailing\nK=v\n", "S", "K", "v"},
+                                              {"[S\nK=v\n", "S", "K", "v"},
+                                              {"top=1\n[S]\nK=v\n", "", "top", "1"},
+                                              {"[S]\nK=first\nK=second\n", "S", "K", "second"},
+                                              {"[s]\nk=v\n", "S", "k", "<missing>"},
+                                              {"[S]\n; note=1\nK=v\n", "S", "; note", "<missing>"},
+                                              {"[S]\nKey=Value  \r", "S", "Key", "Value  \r"},
+                                              {"[S]\n \tK=v", "S", " \tK", "<missing>"}};
+  for (const auto& [file, section, key, value] : cases) {
     IniStore store;
-    ASSERT_EQ(store.Open(Write(c.file), false), 0);
-    EXPECT_EQ(Get(store, c.section, c.key), c.value) << c.file;
+    ASSERT_EQ(store.Open(Write(file), false), 0);
+    EXPECT_EQ(Get(store, section, key), value) << file;
     EXPECT_EQ(store.Raw()->dirty, 0);
   }
 }

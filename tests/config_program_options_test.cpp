@@ -41,19 +41,17 @@ class ProgramOptionsTest : public ::testing::Test {
   RecordingFrontEnd view;
 };
 
-TEST_F(ProgramOptionsTest, AFreshFolderGetsTheKeyWithFourZeroOptions) {
+TEST_F(ProgramOptionsTest, LoadRepairsTheKeyAndSaveKeepsOtherKeys) {
+  // A fresh folder gets the key with the four options, zero and in their order.
   ASSERT_EQ(LoadProgramOptions(state), 0);
   EXPECT_EQ(state.ProgramOptions.Disposition, 1);
   for (const char* name : {"DEFAULTcfg", "MULTIinst", "AcquireHWbuttons", "DisableIcon"})
     EXPECT_EQ(Stored(name), 0u);
-  // Written in their order.
   std::string text = RegistryText();
   EXPECT_LT(text.find("DEFAULTcfg"), text.find("MULTIinst"));
   EXPECT_LT(text.find("AcquireHWbuttons"), text.find("DisableIcon"));
   EXPECT_TRUE(view.Boxes().empty());
-}
-
-TEST_F(ProgramOptionsTest, MissingAndUnreadableValuesAreRepairedWithTheDefault) {
+  // Missing and unreadable values are repaired with the default.
   WriteRegistry(
       "DEFAULTcfg=dword:zz\nMULTIinst=\"text\"\nAcquireHWbuttons=dword:00000001\n"
       "garbage line\nDisableIcon=dword:0000000100\n");
@@ -62,27 +60,22 @@ TEST_F(ProgramOptionsTest, MissingAndUnreadableValuesAreRepairedWithTheDefault) 
   EXPECT_EQ(o.DEFAULTcfg + o.MULTIinst + o.DisableIcon, 0u);
   EXPECT_EQ(o.AcquireHWbuttons, 1u);
   for (const char* name : {"DEFAULTcfg", "MULTIinst", "DisableIcon"}) EXPECT_EQ(Stored(name), 0u);
-  // A key holding only one option gains the others.
-  WriteRegistry("MULTIinst=dword:00000001\n");
-  core::AppState next;
-  next.RegistryFile = file;
-  ASSERT_EQ(LoadProgramOptions(next), 0);
-  EXPECT_EQ(next.ProgramOptions.MULTIinst, 1u);
+  WriteRegistry("MULTIinst=dword:00000001\n");  // one option: the others are added
+  state.ProgramOptions = {};
+  ASSERT_EQ(LoadProgramOptions(state), 0);
   for (const char* name : {"DEFAULTcfg", "AcquireHWbuttons", "DisableIcon"}) EXPECT_EQ(Stored(name), 0u);
-}
 
-TEST_F(ProgramOptionsTest, SavedOptionsComeBackOnTheNextLoadAndOtherKeysSurvive) {
+  // Saved options come back on the next load, and other keys survive.
   std::ofstream(file) << "[HKEY_CURRENT_USER\\Other]\nKeep=dword:0000002a\n";
-  state.ProgramOptions.DEFAULTcfg = 1;
-  state.ProgramOptions.DisableIcon = 1;
+  state.ProgramOptions = {};
+  state.ProgramOptions.DEFAULTcfg = state.ProgramOptions.DisableIcon = 1;
   ASSERT_EQ(SaveProgramOptions(state), 0);
   EXPECT_NE(RegistryText().find("Keep=dword:0000002a"), std::string::npos);
   core::AppState next;
   next.RegistryFile = file;
   ASSERT_EQ(LoadProgramOptions(next), 0);
-  EXPECT_EQ(next.ProgramOptions.DEFAULTcfg, 1u);
-  EXPECT_EQ(next.ProgramOptions.MULTIinst, 0u);
-  EXPECT_EQ(next.ProgramOptions.DisableIcon, 1u);
+  const auto& n = next.ProgramOptions;
+  EXPECT_EQ(n.DEFAULTcfg + 2 * n.MULTIinst + 4 * n.AcquireHWbuttons + 8 * n.DisableIcon, 9u);
 }
 
 TEST_F(ProgramOptionsTest, VersionTest) {

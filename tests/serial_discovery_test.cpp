@@ -90,25 +90,18 @@ TEST_F(DiscoveryTest, KindsOfDevicesAndTheirNames) {
 
   auto s = Discover();
   // Ordered by stable name: rfcomm0, ttyS0, usb-Acme, usb-FTDI, usb-Prolific, usb-u-blox.
-  struct Expect {
-    int slot;
-    std::string path;
-    std::u16string name;
+  const std::pair<std::string, std::u16string> expected[] = {
+      {"/dev/rfcomm0", u"Bluetooth Serial Port COM1:"},   {"/dev/ttyS0", u"Serial connection using COM2:"},
+      {"/dev/ttyACM1", u"GPS Serial Port COM3:"},         {"/dev/ttyUSB0", u"FT232R USB UART"},
+      {"/dev/ttyUSB1", u"Serial connection using COM5:"},  // a hyphen: not shown
+      {"/dev/ttyACM0", u"GPS Serial Port COM6:"},
   };
-  const Expect expected[] = {
-      {1, "/dev/rfcomm0", u"Bluetooth Serial Port COM1:"},
-      {2, "/dev/ttyS0", u"Serial connection using COM2:"},
-      {3, "/dev/ttyACM1", u"GPS Serial Port COM3:"},
-      {4, "/dev/ttyUSB0", u"FT232R USB UART"},
-      {5, "/dev/ttyUSB1", u"Serial connection using COM5:"},  // a hyphen: not shown
-      {6, "/dev/ttyACM0", u"GPS Serial Port COM6:"},
-  };
-  for (const auto& e : expected) {
-    EXPECT_EQ(s->Port.PortPresent[static_cast<size_t>(e.slot)], 1) << e.slot;
-    EXPECT_EQ(s->PortDevicePath[static_cast<size_t>(e.slot)], e.path) << e.slot;
-    EXPECT_EQ(Name(*s, e.slot), e.name) << e.slot;
+  for (size_t slot = 0; slot < 10; ++slot) {
+    EXPECT_EQ(s->Port.PortPresent[slot], slot >= 1 && slot <= 6 ? 1 : 0) << slot;
+    if (slot < 1 || slot > 6) continue;
+    EXPECT_EQ(s->PortDevicePath[slot], expected[slot - 1].first) << slot;
+    EXPECT_EQ(Name(*s, static_cast<int>(slot)), expected[slot - 1].second) << slot;
   }
-  for (int slot : {0, 7, 8, 9}) EXPECT_EQ(s->Port.PortPresent[static_cast<size_t>(slot)], 0) << slot;
 }
 
 TEST_F(DiscoveryTest, ADeviceKeepsItsNumberAcrossRunsAndReplugging) {
@@ -153,16 +146,14 @@ TEST_F(DiscoveryTest, MoreThanNineDevicesAndVirtualPorts) {
 }
 
 TEST(DisplayNames, Vetting) {
-  struct Case {
-    std::u16string name;
-    std::u16string shown;
-  };
-  for (const auto& c :
-       {Case{u"FT232R USB UART", u"FT232R USB UART"}, Case{u"USB-Serial", u""}, Case{u"Adapter (v2)", u""},
-        Case{u"caf\u00e9", u""}, Case{u"CP2102 Bridge", u"CP2102 Bridge"},
-        Case{u"under_score", u"under_score"}, Case{u"{x}", u""}}) {
-    EXPECT_EQ(VetDisplayName(c.name), c.shown) << core::WideToUtf8(c.name);
-  }
+  const std::pair<std::u16string, std::u16string> cases[] = {{u"FT232R USB UART", u"FT232R USB UART"},
+                                                             {u"USB-Serial", u""},
+                                                             {u"Adapter (v2)", u""},
+                                                             {u"caf\u00e9", u""},
+                                                             {u"CP2102 Bridge", u"CP2102 Bridge"},
+                                                             {u"under_score", u"under_score"},
+                                                             {u"{x}", u""}};
+  for (const auto& [name, shown] : cases) EXPECT_EQ(VetDisplayName(name), shown) << core::WideToUtf8(name);
 }
 
 TEST(Discovery, AMissingTreeFindsNothingAndDoesNotFail) {

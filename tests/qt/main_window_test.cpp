@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QRegularExpression>
 #include <QScrollBar>
 #include <QTextCursor>
 #include <thread>
@@ -24,6 +25,25 @@ bool ShowsModelText(MainWindowWidget& window, core::AppState& state) {
   return window.Receive()->ModelText() == state.Screen.RxText();
 }
 
+// Every menu item and button shows what the model says of its command.
+void ExpectControlsFollowTheModel(MainWindowWidget& window, const core::MainScreen& screen) {
+  int items = 0;
+  for (QAction* action : window.findChildren<QAction*>(QRegularExpression(QStringLiteral("^action\\d+$")))) {
+    int command = action->objectName().mid(6).toInt();
+    EXPECT_EQ(action, window.Action(command));
+    EXPECT_EQ(action->isEnabled(), !screen.IsMenuItemGrey(command)) << command;
+    ++items;
+  }
+  int buttons = 0;
+  for (auto* button : window.findChildren<QPushButton*>(QRegularExpression(QStringLiteral("^button\\d+$")))) {
+    int command = button->objectName().mid(6).toInt();
+    EXPECT_EQ(button->isEnabled(), screen.IsButtonEnabled(command)) << command;
+    ++buttons;
+  }
+  EXPECT_EQ(items, 27);
+  EXPECT_EQ(buttons, 9);
+}
+
 TEST(MainWindow, StartUpShowsTheWelcomeTextTitleStatusAndTheModelsControls) {
   GuiProgram program;
   EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
@@ -35,46 +55,8 @@ TEST(MainWindow, StartUpShowsTheWelcomeTextTitleStatusAndTheModelsControls) {
     core::ShowStatus(state, u"Port opened: COM1: 9600,8,N,1");
     EXPECT_TRUE(WaitUntil(
         [&] { return window.StatusLine()->text() == QStringLiteral("Port opened: COM1: 9600,8,N,1"); }));
-
-    for (int command : {cmd::kAbout,
-                        cmd::kExit,
-                        cmd::kHelp,
-                        cmd::kRunScript,
-                        cmd::kConfigLoad,
-                        cmd::kConfigSave,
-                        cmd::kConfigSaveAs,
-                        cmd::kConfigSetDefault,
-                        cmd::kProgramOptions,
-                        cmd::kCopy,
-                        cmd::kPaste,
-                        cmd::kClearReceiveWindow,
-                        cmd::kClearSendHistory,
-                        cmd::kReceiveOptions,
-                        cmd::kTransmitOptions,
-                        cmd::kCommProperties,
-                        cmd::kScreenOff,
-                        cmd::kFullscreen,
-                        cmd::kBacklightOnReceive,
-                        cmd::kDecimal,
-                        cmd::kHex,
-                        cmd::kOctal,
-                        cmd::kBinary,
-                        cmd::kPauseRxDisplay,
-                        cmd::kSoftwareButtons,
-                        cmd::kAsciiChart,
-                        cmd::kCommPinouts}) {
-      QAction* action = window.Action(command);
-      ASSERT_NE(action, nullptr) << command;
-      EXPECT_EQ(action->isEnabled(), !screen.IsMenuItemGrey(command)) << command;
-    }
-    EXPECT_EQ(window.Action(cmd::kAbout)->text(), QStringLiteral("About..."));
+    ExpectControlsFollowTheModel(window, screen);
     EXPECT_EQ(window.Action(cmd::kClearReceiveWindow)->text(), QStringLiteral("Received window"));
-    for (int command : {cmd::kPlay, cmd::kStop, cmd::kSend, cmd::kRepeat, cmd::kRecord, cmd::kRelay,
-                        cmd::kAsciiButton, cmd::kBinaryButton, cmd::kClearButton}) {
-      QPushButton* button = window.Button(command);
-      ASSERT_NE(button, nullptr) << command;
-      EXPECT_EQ(button->isEnabled(), screen.IsButtonEnabled(command)) << command;
-    }
 
     // Later changes of the model reach the window.
     screen.GreyMenuItem(cmd::kAbout, true);
@@ -86,24 +68,18 @@ TEST(MainWindow, StartUpShowsTheWelcomeTextTitleStatusAndTheModelsControls) {
     }));
     screen.SetButtonPressed(cmd::kRepeat, false);
     EXPECT_TRUE(WaitUntil([&] { return !window.Button(cmd::kRepeat)->isChecked(); }));
-  }),
-            0);
-}
 
-TEST(MainWindow, ChoosingTheCheckedRadixItemAgainKeepsItsMark) {
-  GuiProgram program;
-  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+    // Choosing the checked radix item again keeps its mark.
     auto checked = [&] {
       std::vector<int> items;
       for (int command : {cmd::kDecimal, cmd::kHex, cmd::kOctal, cmd::kBinary})
         if (window.Action(command)->isChecked()) items.push_back(command);
       return items;
     };
-    for (int command : {cmd::kDecimal, cmd::kDecimal, cmd::kOctal}) window.Action(command)->trigger();
-    EXPECT_TRUE(
-        WaitUntil([&] { return state.Data.Base == 8 && checked() == std::vector<int>{cmd::kOctal}; }));
-    window.Action(cmd::kOctal)->trigger();
-    EXPECT_TRUE(WaitUntil([&] { return checked() == std::vector<int>{cmd::kOctal}; }));
+    for (int command : {cmd::kDecimal, cmd::kDecimal, cmd::kOctal, cmd::kOctal}) {
+      window.Action(command)->trigger();
+      EXPECT_TRUE(WaitUntil([&] { return checked() == std::vector<int>{command}; })) << command;
+    }
   }),
             0);
 }
@@ -115,13 +91,12 @@ TEST(MainWindow, ReceiveWindowFollowsEditsWithoutReloading) {
     auto& screen = state.Screen;
     ASSERT_TRUE(WaitUntil([&] { return !receive->ModelText().empty() && ShowsModelText(window, state); }));
 
-    // The user's selection survives appends: the text is edited, not reloaded.
+    // The user's selection survives appends from a worker thread: the text is edited, not reloaded.
     QTextCursor selection(receive->document());
     selection.setPosition(4);
     selection.setPosition(11, QTextCursor::KeepAnchor);
     receive->setTextCursor(selection);
     ASSERT_EQ(receive->textCursor().selectedText(), QStringLiteral("Welcome"));
-    // Received text arrives from a worker thread.
     std::thread([&] { screen.RxInsertAtCaret(u"\r\nline A\r\nline B"); }).join();
     EXPECT_TRUE(WaitUntil([&] { return ShowsModelText(window, state); }));
     EXPECT_EQ(receive->textCursor().selectedText(), QStringLiteral("Welcome"));
@@ -148,13 +123,12 @@ TEST(MainWindow, ReceiveWindowFollowsEditsWithoutReloading) {
             0);
 }
 
-TEST(MainWindow, ButtonsAndTransmitFieldTalkToTheModel) {
+TEST(MainWindow, ButtonsFieldsClipboardAndFullscreenTalkToTheModel) {
   GuiProgram program;
   EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
     auto& screen = state.Screen;
     ASSERT_TRUE(WaitUntil([&] { return !screen.RxText().empty(); }));
-    // CLEAR posts its command; the main window empties the receive window.
-    // A click does not press the button by itself: that is the model's call.
+    // CLEAR posts its command; a click does not press the button by itself: that is the model's call.
     window.Button(cmd::kClearButton)->click();
     EXPECT_TRUE(WaitUntil([&] { return screen.RxText().empty() && window.Receive()->ModelText().empty(); }));
     EXPECT_FALSE(window.Button(cmd::kClearButton)->isChecked());
@@ -168,71 +142,51 @@ TEST(MainWindow, ButtonsAndTransmitFieldTalkToTheModel) {
     EXPECT_EQ(field->itemText(1), QStringLiteral("AT+GMR"));
     field->lineEdit()->setText(QStringLiteral("AT&V"));
     EXPECT_TRUE(WaitUntil([&] { return screen.TxText() == u"AT&V"; }));
-    screen.SetTxEnabled(false);
-    EXPECT_TRUE(WaitUntil([&] { return !field->isEnabled(); }));
-    // "Send history" empties the field and its list.
     window.Action(cmd::kClearSendHistory)->trigger();
     EXPECT_TRUE(WaitUntil([&] { return field->count() == 0 && field->currentText().isEmpty(); }));
-  }),
-            0);
-}
 
-TEST(MainWindow, CopyAndPasteFollowTheFocus) {
-  GuiProgram program;
-  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
-    auto& screen = state.Screen;
+    // Copy in the receive window takes the text with its line ends; paste there replaces the field,
+    // and with the focus in the field goes in at the caret.
     QClipboard* clipboard = QGuiApplication::clipboard();
     ReceiveView* receive = window.Receive();
-    QLineEdit* edit = window.TransmitField()->lineEdit();
-    screen.RxClear();
+    QLineEdit* edit = field->lineEdit();
     screen.RxInsertAtCaret(u"first\r\nsecond\r\n");
     screen.SetTxText(u"old text");
     ASSERT_TRUE(WaitUntil(
         [&] { return ShowsModelText(window, state) && edit->text() == QStringLiteral("old text"); }));
-
-    // Copy in the receive window takes the text with its line ends.
     receive->setFocus();
     ASSERT_TRUE(WaitUntil([&] { return QApplication::focusWidget() == receive; }));
     receive->selectAll();
     window.Action(cmd::kCopy)->trigger();
     EXPECT_EQ(clipboard->text(), QStringLiteral("first\r\nsecond\r\n"));
-    // Paste there replaces the transmit field...
     clipboard->setText(QStringLiteral("XYZ"));
     window.Action(cmd::kPaste)->trigger();
     EXPECT_TRUE(WaitUntil([&] { return screen.TxText() == u"XYZ"; }));
-    // ...and with the focus in the field goes in at the caret.
-    EXPECT_TRUE(window.TransmitField()->hasFocus());
+    EXPECT_TRUE(field->hasFocus());
     edit->setCursorPosition(1);
     window.Action(cmd::kPaste)->trigger();
     EXPECT_TRUE(WaitUntil([&] { return screen.TxText() == u"XXYZYZ"; }));
     edit->setSelection(1, 3);
     window.Action(cmd::kCopy)->trigger();
     EXPECT_EQ(clipboard->text(), QStringLiteral("XYZ"));
-
     EXPECT_EQ(core::CopyTextToClipboard(state, u"copied by the core"), 1);
     EXPECT_EQ(clipboard->text(), QStringLiteral("copied by the core"));
-  }),
-            0);
-}
 
-TEST(MainWindow, FullscreenAndFocusFollowTheModel) {
-  GuiProgram program;
-  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
-    ASSERT_TRUE(WaitUntil([&] { return window.Button(cmd::kClearButton)->isVisible(); }));
-    int normalHeight = window.Receive()->height();
+    int normalHeight = receive->height();
     window.Action(cmd::kFullscreen)->trigger();
     EXPECT_TRUE(WaitUntil([&] {
       return window.Action(cmd::kFullscreen)->isChecked() && !window.Button(cmd::kClearButton)->isVisible() &&
-             !window.TransmitField()->isVisible() && window.Receive()->height() > normalHeight;
+             !field->isVisible() && receive->height() > normalHeight;
     }));
     window.Action(cmd::kFullscreen)->trigger();
     EXPECT_TRUE(WaitUntil([&] { return window.Button(cmd::kClearButton)->isVisible(); }));
     EXPECT_FALSE(window.Action(cmd::kFullscreen)->isChecked());
-
-    state.Screen.SetFocus(core::control::kTransmitField);
-    EXPECT_TRUE(WaitUntil([&] { return window.TransmitField()->hasFocus(); }));
-    state.Screen.SetFocus(core::control::kReceiveWindow);
-    EXPECT_TRUE(WaitUntil([&] { return window.Receive()->hasFocus(); }));
+    screen.SetFocus(core::control::kTransmitField);
+    EXPECT_TRUE(WaitUntil([&] { return field->hasFocus(); }));
+    screen.SetFocus(core::control::kReceiveWindow);
+    EXPECT_TRUE(WaitUntil([&] { return receive->hasFocus(); }));
+    screen.SetTxEnabled(false);
+    EXPECT_TRUE(WaitUntil([&] { return !field->isEnabled(); }));
   }),
             0);
 }
@@ -252,8 +206,7 @@ TEST(MainWindow, ClosingTheWindowIsTheExitCommand) {
       },
       false);
   EXPECT_EQ(exitCode, 0);
-  EXPECT_TRUE(threadsRan);
-  EXPECT_TRUE(stayedOpen);
+  EXPECT_TRUE(threadsRan && stayedOpen);
   const core::AppState& state = program.State();
   EXPECT_FALSE(state.RxThread || state.TxThread || state.RxWndUpdate || state.LogIntervalThread);
   EXPECT_TRUE(state.ShuttingDown);

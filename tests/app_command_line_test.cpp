@@ -13,26 +13,22 @@ TEST(CommandLine, SwitchesAndTheirGnuForms) {
     int quiet, noGui, debug;
     bool help, version;
   };
-  const Case cases[] = {
-      {{}, "", 0, 0, 0, false, false},
-      {{"/SCRIPT::/home/me/run.txt"}, "/home/me/run.txt", 0, 0, 0, false, false},
-      {{"/script::a b.txt", "/q", "/NoGui", "/debugon"}, "a b.txt", 1, 1, 1, false, false},
-      {{"--script", "x.txt", "--quiet", "--nogui", "--debug"}, "x.txt", 1, 1, 1, false, false},
-      {{"--script=y.txt", "-q"}, "y.txt", 1, 0, 0, false, false},
-      {{"--help"}, "", 0, 0, 0, true, false},
-      {{"-h", "--version"}, "", 0, 0, 0, true, true},
-  };
-  for (const auto& c : cases) {
+  for (const auto& c :
+       {Case{{}, "", 0, 0, 0, false, false},
+        Case{{"/SCRIPT::/home/me/run.txt"}, "/home/me/run.txt", 0, 0, 0, false, false},
+        Case{{"/script::a b.txt", "/q", "/NoGui", "/debugon"}, "a b.txt", 1, 1, 1, false, false},
+        Case{{"--script", "x.txt", "--quiet", "--nogui", "--debug"}, "x.txt", 1, 1, 1, false, false},
+        Case{{"--script=y.txt", "-q"}, "y.txt", 1, 0, 0, false, false},
+        Case{{"--help"}, "", 0, 0, 0, true, false}, Case{{"-h", "--version"}, "", 0, 0, 0, true, true}}) {
     CommandLine line = ParseCommandLine(c.args);
     std::string joined;
     for (const auto& a : c.args) joined += a + " ";
     EXPECT_TRUE(line.Error.empty()) << joined << line.Error;
     EXPECT_EQ(core::WideToUtf8(line.Switches.ScriptPath), c.script) << joined;
-    EXPECT_EQ(line.Switches.Quiet, c.quiet) << joined;
-    EXPECT_EQ(line.Switches.NoGui, c.noGui) << joined;
-    EXPECT_EQ(line.Switches.Debug, c.debug) << joined;
-    EXPECT_EQ(line.ShowHelp, c.help) << joined;
-    EXPECT_EQ(line.ShowVersion, c.version) << joined;
+    EXPECT_EQ(std::tuple(line.Switches.Quiet, line.Switches.NoGui, line.Switches.Debug, line.ShowHelp,
+                         line.ShowVersion),
+              std::tuple(c.quiet, c.noGui, c.debug, c.help, c.version))
+        << joined;
   }
 }
 
@@ -52,25 +48,20 @@ TEST(CommandLine, LineSettingOptions) {
 TEST(CommandLine, RefusedLinesSayWhy) {
   const std::string baud = "--baud takes a line speed in bits per second, not '";
   const std::string dataBits = "--databits takes 5, 6, 7 or 8, not '";
-  const std::pair<std::vector<std::string>, std::string> cases[] = {
-      {{"--bogus"}, "unknown option '--bogus'"},
-      {{"/SCRIPT"}, "unknown option '/SCRIPT'"},
-      {{"/SCRIPT::"}, "option /SCRIPT:: needs a script file"},
-      {{"--script"}, "option --script needs a script file"},
-      {{"--nogui", "extra"}, "unknown option 'extra'"},
-      {{"/QUIET"}, "unknown option '/QUIET'"},
-      {{"--baud", "0"}, baud + "0'"},
-      {{"--baud", "fast"}, baud + "fast'"},
-      {{"--baud", "-9600"}, baud + "-9600'"},
-      {{"--baud", "99999999999"}, baud + "99999999999'"},
-      {{"--databits", "9"}, dataBits + "9'"},
-      {{"--databits", "4"}, dataBits + "4'"},
-      {{"--parity", "x"}, "--parity takes none, odd, even, mark or space (or N, O, E, M, S), not 'x'"},
-      {{"--stopbits", "3"}, "--stopbits takes 1, 1.5 or 2, not '3'"},
-      {{"--port", ""}, "option --port needs a port (COM3:, VSP0: or a device path)"},
-      {{"--port"}, "option --port needs a value"},
-  };
-  for (const auto& [args, error] : cases) EXPECT_EQ(ParseCommandLine(args).Error, error);
+  using Case = std::pair<std::vector<std::string>, std::string>;
+  for (const auto& [args, error] :
+       {Case{{"--bogus"}, "unknown option '--bogus'"}, Case{{"/SCRIPT"}, "unknown option '/SCRIPT'"},
+        Case{{"/SCRIPT::"}, "option /SCRIPT:: needs a script file"},
+        Case{{"--script"}, "option --script needs a script file"},
+        Case{{"--nogui", "extra"}, "unknown option 'extra'"}, Case{{"/QUIET"}, "unknown option '/QUIET'"},
+        Case{{"--baud", "0"}, baud + "0'"}, Case{{"--baud", "fast"}, baud + "fast'"},
+        Case{{"--baud", "-9600"}, baud + "-9600'"}, Case{{"--baud", "99999999999"}, baud + "99999999999'"},
+        Case{{"--databits", "9"}, dataBits + "9'"}, Case{{"--databits", "4"}, dataBits + "4'"},
+        Case{{"--parity", "x"}, "--parity takes none, odd, even, mark or space (or N, O, E, M, S), not 'x'"},
+        Case{{"--stopbits", "3"}, "--stopbits takes 1, 1.5 or 2, not '3'"},
+        Case{{"--port", ""}, "option --port needs a port (COM3:, VSP0: or a device path)"},
+        Case{{"--port"}, "option --port needs a value"}})
+    EXPECT_EQ(ParseCommandLine(args).Error, error);
 }
 
 }  // namespace

@@ -131,15 +131,11 @@ TEST(Headless, CommandLineAnswersWithoutStarting) {
   struct Case {
     std::vector<std::string> args;
     int exitCode;
-    std::string inOut;
-    std::string inErr;
+    std::string inOut, inErr;
   };
-  const Case cases[] = {
-      {{"--version"}, 0, "Rel. 2.71.3089 (11.2008)", ""},
-      {{"--help"}, 0, "--script FILE", ""},
-      {{"--frobnicate"}, 2, "", "unknown option '--frobnicate'"},
-  };
-  for (const auto& c : cases) {
+  for (const auto& c :
+       {Case{{"--version"}, 0, "Rel. 2.71.3089 (11.2008)", ""}, Case{{"--help"}, 0, "--script FILE", ""},
+        Case{{"--frobnicate"}, 2, "", "unknown option '--frobnicate'"}}) {
     Child child(c.args, folder.Path());
     EXPECT_EQ(child.WaitForExit(5000), c.exitCode) << c.args[0];
     EXPECT_NE(child.Out().find(c.inOut), std::string::npos) << c.args[0] << child.Out();

@@ -61,15 +61,13 @@ TEST(StartUp, TheVersionWarningAndTheRecordedRelease) {
   // A store without a release (none at all, one left by --list-ports, a
   // hand-written one) warns once and records this release; another release
   // (empty: a registry of 2.70) warns on every start.
-  const std::pair<const char*, uint32_t> cases[] = {
-      {nullptr, 0},
-      {"DEFAULTcfg=dword:00000000\nMULTIinst=dword:00000000\nAcquireHWbuttons=dword:00000000\n"
-       "DisableIcon=dword:00000000\n",
-       0},
-      {"MULTIinst=dword:00000001\n", 1},
-      {"", 0},
-  };
-  for (const auto& [store, multi] : cases) {
+  using Case = std::pair<const char*, uint32_t>;
+  for (const auto& [store, multi] :
+       {Case{nullptr, 0},
+        Case{"DEFAULTcfg=dword:00000000\nMULTIinst=dword:00000000\nAcquireHWbuttons=dword:00000000\n"
+             "DisableIcon=dword:00000000\n",
+             0},
+        Case{"MULTIinst=dword:00000001\n", 1}, Case{"", 0}}) {
     TempFolder folder;
     const bool otherRelease = store && !*store;
     if (otherRelease) {
@@ -210,19 +208,15 @@ TEST(StartUp, LoadsTheDefaultConfigurationThenTheOneAskedFor) {
       << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nBase=2\r\nmodeASCII=0\r\nmodeBINARY=1" << padding;
   std::ofstream(folder.Path() + "/night.cfg.txt")
       << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nBase=8" << padding;
-  const struct {
-    std::string options;
-    std::string config;
-    int base;
-    int checked;
+  struct Case {
+    std::string options, config;
+    int base, checked;
     bool binary;
-  } cases[] = {
-      {"", "", 2, cmd::kBinary, true},
-      {"DEFAULTcfg=dword:00000001\n", "", 16, cmd::kHex, false},
-      {"", "/night.cfg.txt", 8, cmd::kOctal, true},
-      {"DEFAULTcfg=dword:00000001\n", "/night.cfg.txt", 8, cmd::kOctal, false},
   };
-  for (const auto& c : cases) {
+  for (const auto& c :
+       {Case{"", "", 2, cmd::kBinary, true}, Case{"DEFAULTcfg=dword:00000001\n", "", 16, cmd::kHex, false},
+        Case{"", "/night.cfg.txt", 8, cmd::kOctal, true},
+        Case{"DEFAULTcfg=dword:00000001\n", "/night.cfg.txt", 8, cmd::kOctal, false}}) {
     WriteRegistry(folder.Path(), c.options);
     StartedProgram start(folder.Path());
     AppState& s = start.state;

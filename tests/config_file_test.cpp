@@ -128,18 +128,16 @@ TEST_F(ConfigFileTest, EverySettingSurvivesTheRoundTripInTheFileLayout) {
 
 TEST_F(ConfigFileTest, RefusedFilesChangeNothing) {
   const std::string tail = "\r\n[DATA_h]\r\nBase=2\r\n" + std::string(64, ';');
-  const struct {
+  struct Case {
     std::string contents;
     std::u16string status;  // # stands for the path
-  } cases[] = {
-      {std::string(63, 'x'), u"Invalid config file [#].  Size too small."},
-      {std::string(64, 'x'), u"Invalid config file [#]"},
-      {"[Wavetrace Pro]\r\nConfigFile=2" + tail, u"Invalid config file [#]"},
-      {"[Wavetrace Pro]\r\nConfigFile=yes" + tail, u"Invalid config file [#]"},
   };
   AppState before;
   SetEverything(before);
-  for (const auto& c : cases) {
+  for (const auto& c : {Case{std::string(63, 'x'), u"Invalid config file [#].  Size too small."},
+                        Case{std::string(64, 'x'), u"Invalid config file [#]"},
+                        Case{"[Wavetrace Pro]\r\nConfigFile=2" + tail, u"Invalid config file [#]"},
+                        Case{"[Wavetrace Pro]\r\nConfigFile=yes" + tail, u"Invalid config file [#]"}}) {
     AppState s;
     SetEverything(s);
     std::u16string path = Write("refused.cfg.txt", c.contents);
@@ -185,24 +183,21 @@ TEST_F(ConfigFileTest, AHandwrittenFileLoadsWithItsQuirks) {
 }
 
 TEST_F(ConfigFileTest, PostambleRulesAndDelimiterQuirks) {
-  const struct {
+  struct Case {
     std::string body;
     int32_t postambleLength, rules;
     uint8_t delimiter;
-  } cases[] = {
-      // The length always comes from parsing the text; without the text it is not read.
-      {"[POSTAMBLE]\r\nwcszPostambleKeysRX=[0D][00]\r\nPostambleLengthRX=9\r\n", 2, 0, ','},
-      {"[POSTAMBLE]\r\nPostambleLengthRX=9\r\n", 0, 0, ','},
-      // More rules than the table holds.
-      {"[SnR]\r\nSnR_count=7\r\n[SnR_01]\r\nwcszSearchFor=a\r\n[SnR_02]\r\nwcszSearchFor=b\r\n", 0, 2, ','},
-      // The first character decides, letters in upper case only.
-      {"[DataLog]\r\nDelimiter=X\r\n", 0, 0, ','},
-      {"[DataLog]\r\nDelimiter=T\r\n", 0, 0, '\t'},
-      {"[DataLog]\r\nDelimiter=semi\r\n", 0, 0, ','},
-      {"[DataLog]\r\nDelimiter=Semi\r\n", 0, 0, ' '},
-      {"[DataLog]\r\nDelimiter=S\r\n", 0, 0, ' '},
   };
-  for (const auto& c : cases) {
+  for (const auto& c :
+       {// The length always comes from parsing the text; without the text it is not read.
+        Case{"[POSTAMBLE]\r\nwcszPostambleKeysRX=[0D][00]\r\nPostambleLengthRX=9\r\n", 2, 0, ','},
+        Case{"[POSTAMBLE]\r\nPostambleLengthRX=9\r\n", 0, 0, ','},  // More rules than the table holds.
+        Case{"[SnR]\r\nSnR_count=7\r\n[SnR_01]\r\nwcszSearchFor=a\r\n[SnR_02]\r\nwcszSearchFor=b\r\n", 0, 2,
+             ','},  // The first character decides, letters in upper case only.
+        Case{"[DataLog]\r\nDelimiter=X\r\n", 0, 0, ','}, Case{"[DataLog]\r\nDelimiter=T\r\n", 0, 0, '\t'},
+        Case{"[DataLog]\r\nDelimiter=semi\r\n", 0, 0, ','},
+        Case{"[DataLog]\r\nDelimiter=Semi\r\n", 0, 0, ' '},
+        Case{"[DataLog]\r\nDelimiter=S\r\n", 0, 0, ' '}}) {
     auto s = Load(c.body);
     EXPECT_EQ(s->Data.PostambleLengthRX, c.postambleLength) << c.body;
     EXPECT_EQ(s->Data.SnR_count, c.rules) << c.body;
@@ -220,20 +215,18 @@ TEST_F(ConfigFileTest, HistoryLoadsBoundedShowsItsSelectionAndResetsTheCount) {
   for (int n = 0; n < 5; ++n) {
     entries += "[SentHistory_0" + std::to_string(n) + "]\r\nData=AT" + std::to_string(n) + "[0D][0A]\r\n";
   }
-  const struct {
+  struct Case {
     std::string sentHistory;
     size_t kept;
     std::u16string field;
-  } cases[] = {
-      {"LastSelection=0\r\nSentHistoryCount=1\r\n", 1, u"AT0[0D][0A]"},
-      {"LastSelection=1\r\nSentHistoryCount=3\r\n", 3, u"AT1[0D][0A]"},
-      {"LastSelection=-1\r\nSentHistoryCount=2\r\n", 2, u""},
-      // The drop-down holds three: larger counts, however large, read three.
-      {"LastSelection=2\r\nSentHistoryCount=5\r\n", 3, u"AT2[0D][0A]"},
-      {"LastSelection=0\r\nSentHistoryCount=2147483647\r\n", 3, u"AT0[0D][0A]"},
-      {"LastSelection=0\r\nSentHistoryCount=-4\r\n", 0, u""},
   };
-  for (const auto& c : cases) {
+  for (const auto& c : {Case{"LastSelection=0\r\nSentHistoryCount=1\r\n", 1, u"AT0[0D][0A]"},
+                        Case{"LastSelection=1\r\nSentHistoryCount=3\r\n", 3, u"AT1[0D][0A]"},
+                        Case{"LastSelection=-1\r\nSentHistoryCount=2\r\n", 2,
+                             u""},  // The drop-down holds three: larger counts, however large, read three.
+                        Case{"LastSelection=2\r\nSentHistoryCount=5\r\n", 3, u"AT2[0D][0A]"},
+                        Case{"LastSelection=0\r\nSentHistoryCount=2147483647\r\n", 3, u"AT0[0D][0A]"},
+                        Case{"LastSelection=0\r\nSentHistoryCount=-4\r\n", 0, u""}}) {
     auto s = Load("[SentHistory]\r\n" + c.sentHistory + entries, [](AppState& fresh) {
       fresh.Screen.SetTxText(u"typed before");
       fresh.SentHistoryCount = 2;

@@ -28,22 +28,16 @@ class IniStoreTest : public ::testing::Test {
 
 TEST_F(IniStoreTest, LoadingTrimsAndSplitsLines) {
   // File, section, key, value found. A last line is not trimmed, and one that starts blank is dropped.
-  const std::array<std::string, 4> cases[] = {{"[S]\nKey = Value  \n", "S", "Key", "Value"},
-                                              {"[S]\r\nKey=Value\r\n", "S", "Key", "Value"},
-                                              {"[S]\nFlag\n", "S", "Flag", ""},
-                                              {"[S]\n  Key=1\n", "S", "  Key", "1"},
-                                              {"[S]\nKey=\t x y \t\n", "S", "Key", "x y"},
-                                              {"[S]\nKey=a=b\n", "S", "Key", "a=b"},
-                                              {"[ S ]\nK=v\n", " S ", "K", "v"},
-                                              {"[S] trailing\nK=v\n", "S", "K", "v"},
-                                              {"[S\nK=v\n", "S", "K", "v"},
-                                              {"top=1\n[S]\nK=v\n", "", "top", "1"},
-                                              {"[S]\nK=first\nK=second\n", "S", "K", "second"},
-                                              {"[s]\nk=v\n", "S", "k", "<missing>"},
-                                              {"[S]\n; note=1\nK=v\n", "S", "; note", "<missing>"},
-                                              {"[S]\nKey=Value  \r", "S", "Key", "Value  \r"},
-                                              {"[S]\n \tK=v", "S", " \tK", "<missing>"}};
-  for (const auto& [file, section, key, value] : cases) {
+  using Case = std::array<std::string, 4>;
+  for (const auto& [file, section, key, value] :
+       {Case{"[S]\nKey = Value  \n", "S", "Key", "Value"}, Case{"[S]\r\nKey=Value\r\n", "S", "Key", "Value"},
+        Case{"[S]\nFlag\n", "S", "Flag", ""}, Case{"[S]\n  Key=1\n", "S", "  Key", "1"},
+        Case{"[S]\nKey=\t x y \t\n", "S", "Key", "x y"}, Case{"[S]\nKey=a=b\n", "S", "Key", "a=b"},
+        Case{"[ S ]\nK=v\n", " S ", "K", "v"}, Case{"[S] trailing\nK=v\n", "S", "K", "v"},
+        Case{"[S\nK=v\n", "S", "K", "v"}, Case{"top=1\n[S]\nK=v\n", "", "top", "1"},
+        Case{"[S]\nK=first\nK=second\n", "S", "K", "second"}, Case{"[s]\nk=v\n", "S", "k", "<missing>"},
+        Case{"[S]\n; note=1\nK=v\n", "S", "; note", "<missing>"},
+        Case{"[S]\nKey=Value  \r", "S", "Key", "Value  \r"}, Case{"[S]\n \tK=v", "S", " \tK", "<missing>"}}) {
     IniStore store;
     ASSERT_EQ(store.Open(Write(file), false), 0);
     EXPECT_EQ(Get(store, section, key), value) << file;

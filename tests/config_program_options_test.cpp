@@ -82,17 +82,12 @@ TEST_F(ProgramOptionsTest, VersionTest) {
   struct Case {
     std::string values;
     int expected;
-    uint32_t major;
-    uint32_t minor;
+    uint32_t major, minor;
   };
-  const Case cases[] = {
-      {"MajorVersion=dword:00000002\nMinorVersion=dword:00000047\n", 0, 2, 71},
-      {"MajorVersion=dword:00000002\nMinorVersion=dword:00000007\n", 1, 2, 7},
-      {"MajorVersion=dword:00000002\nMinorVersion=dword:00000046\n", 1, 2, 70},
-      {"MajorVersion=dword:00000002\n", 1, 0, 0},
-      {"", 1, 0, 0},
-  };
-  for (const auto& c : cases) {
+  for (const auto& c : {Case{"MajorVersion=dword:00000002\nMinorVersion=dword:00000047\n", 0, 2, 71},
+                        Case{"MajorVersion=dword:00000002\nMinorVersion=dword:00000007\n", 1, 2, 7},
+                        Case{"MajorVersion=dword:00000002\nMinorVersion=dword:00000046\n", 1, 2, 70},
+                        Case{"MajorVersion=dword:00000002\n", 1, 0, 0}, Case{"", 1, 0, 0}}) {
     WriteRegistry(c.values);
     state.ProgramOptions.MajorVersion = state.ProgramOptions.MinorVersion = 0;
     EXPECT_EQ(IsRegisteredVersionCurrent(state), c.expected) << c.values;

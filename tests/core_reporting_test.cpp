@@ -29,22 +29,20 @@ class ReportingTest : public ::testing::Test {
 TEST(FormatErrorCode, CodeInDecimalAndHexWithDescriptions) {
   using platform::kLockPortOperation;
   using platform::kOpenPortOperation;
-  const struct {
+  struct Case {
     platform::SysResult failure;
     std::u16string head;
     bool busy, dialoutHint;
-  } cases[] = {
-      {{ENOENT, kOpenPortOperation}, u": Error code=2 (0x2)", false, false},
-      {{EBUSY, kOpenPortOperation}, u": Error code=16 (0x10)", true, false},
-      {{EWOULDBLOCK, kLockPortOperation}, u": Error code=11 (0xb)", true, false},
-      {{EWOULDBLOCK, "read"}, u": Error code=11 (0xb)", false, false},
-      {{ENODEV, "read"}, u": Error code=19 (0x13)", true, false},
-      {{ENXIO, kOpenPortOperation}, u": Error code=6 (0x6)", true, false},
-      {{EIO, "read"}, u": Error code=5 (0x5)", true, false},
-      {{EACCES, kOpenPortOperation}, u": Error code=13 (0xd)", false, true},
-      {{EACCES, "rename"}, u": Error code=13 (0xd)", false, false},
   };
-  for (const auto& c : cases) {
+  for (const auto& c : {Case{{ENOENT, kOpenPortOperation}, u": Error code=2 (0x2)", false, false},
+                        Case{{EBUSY, kOpenPortOperation}, u": Error code=16 (0x10)", true, false},
+                        Case{{EWOULDBLOCK, kLockPortOperation}, u": Error code=11 (0xb)", true, false},
+                        Case{{EWOULDBLOCK, "read"}, u": Error code=11 (0xb)", false, false},
+                        Case{{ENODEV, "read"}, u": Error code=19 (0x13)", true, false},
+                        Case{{ENXIO, kOpenPortOperation}, u": Error code=6 (0x6)", true, false},
+                        Case{{EIO, "read"}, u": Error code=5 (0x5)", true, false},
+                        Case{{EACCES, kOpenPortOperation}, u": Error code=13 (0xd)", false, true},
+                        Case{{EACCES, "rename"}, u": Error code=13 (0xd)", false, false}}) {
     std::u16string text = FormatErrorCode(c.failure);
     std::string what = std::to_string(c.failure.Errno) + " " + c.failure.Operation;
     EXPECT_EQ(text.rfind(c.head, 0), 0u) << what;

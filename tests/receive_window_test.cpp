@@ -62,10 +62,7 @@ TEST_F(ReceiveWindowTest, OverflowMovesBytesNotCharacters) {
 
 TEST_F(ReceiveWindowTest, RefreshArithmetic) {
   struct Case {
-    int32_t shown;
-    int32_t waiting;
-    int32_t shownAfter;
-    int32_t droppedFromFront;
+    int32_t shown, waiting, shownAfter, droppedFromFront;
   };
   const Case cases[] = {
       {0, 100, 100, 0},           {16000, 384, 16384, 0},     {10000, 7000, 8808, 8192},

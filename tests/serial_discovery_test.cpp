@@ -146,14 +146,12 @@ TEST_F(DiscoveryTest, MoreThanNineDevicesAndVirtualPorts) {
 }
 
 TEST(DisplayNames, Vetting) {
-  const std::pair<std::u16string, std::u16string> cases[] = {{u"FT232R USB UART", u"FT232R USB UART"},
-                                                             {u"USB-Serial", u""},
-                                                             {u"Adapter (v2)", u""},
-                                                             {u"caf\u00e9", u""},
-                                                             {u"CP2102 Bridge", u"CP2102 Bridge"},
-                                                             {u"under_score", u"under_score"},
-                                                             {u"{x}", u""}};
-  for (const auto& [name, shown] : cases) EXPECT_EQ(VetDisplayName(name), shown) << core::WideToUtf8(name);
+  using Case = std::pair<std::u16string, std::u16string>;
+  for (const auto& [name, shown] :
+       {Case{u"FT232R USB UART", u"FT232R USB UART"}, Case{u"USB-Serial", u""}, Case{u"Adapter (v2)", u""},
+        Case{u"caf\u00e9", u""}, Case{u"CP2102 Bridge", u"CP2102 Bridge"},
+        Case{u"under_score", u"under_score"}, Case{u"{x}", u""}})
+    EXPECT_EQ(VetDisplayName(name), shown) << core::WideToUtf8(name);
 }
 
 TEST(Discovery, AMissingTreeFindsNothingAndDoesNotFail) {

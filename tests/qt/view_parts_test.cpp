@@ -43,17 +43,16 @@ TEST(ReceiveText, LineEndsBecomeOneBreakAndCopyBack) {
 }
 
 TEST(ScreenFit, ScalesInHalfStepsUpToTheLargest) {
-  const struct {
+  struct Case {
     QSize screen;
     double scale;
     QSize window;
-  } cases[] = {
-      {QSize(480, 640), 2.0, QSize(480, 640)},   {QSize(800, 570), 1.5, QSize(360, 480)},
-      {QSize(1920, 1050), 2.5, QSize(600, 800)}, {QSize(320, 240), 1.0, QSize(320, 240)},
-      {QSize(480, 320), 1.0, QSize(480, 320)},   {QSize(240, 320), 1.0, QSize(240, 320)},
-      {QSize(), 1.0, QSize(240, 320)},
   };
-  for (const auto& c : cases) {
+  for (const auto& c :
+       {Case{QSize(480, 640), 2.0, QSize(480, 640)}, Case{QSize(800, 570), 1.5, QSize(360, 480)},
+        Case{QSize(1920, 1050), 2.5, QSize(600, 800)}, Case{QSize(320, 240), 1.0, QSize(320, 240)},
+        Case{QSize(480, 320), 1.0, QSize(480, 320)}, Case{QSize(240, 320), 1.0, QSize(240, 320)},
+        Case{QSize(), 1.0, QSize(240, 320)}}) {
     ScreenFit fit = FitToScreen(c.screen);
     EXPECT_EQ(fit.Scale, c.scale) << c.screen.width() << "x" << c.screen.height();
     EXPECT_EQ(fit.WindowSize, c.window) << c.screen.width() << "x" << c.screen.height();

@@ -110,8 +110,8 @@ class StartUpTest : public testing::ProgramFixture {};
 TEST_F(StartUpTest, NormalStartShowsTheClosedStateAndExitEndsEveryThread) {
   auto& s = state;
   EXPECT_EQ(s.WindowTitle, u"Wavetrace Pro ");
-  EXPECT_EQ(s.g_RxWindowBuf.Size(), 16384u);
-  EXPECT_EQ(s.DataLogCache.Size(), 65535u);
+  EXPECT_EQ(std::pair(s.g_RxWindowBuf.Size(), s.DataLogCache.Size()),
+            std::pair(size_t{16384}, size_t{65535}));
   EXPECT_EQ(s.CurrentConfigPath, core::Utf8ToWide(folder.Path()) + u"/Default.cfg.txt");
   ASSERT_TRUE(s.RxThread && s.TxThread && s.RxWndUpdate && s.LogIntervalThread);
   EXPECT_EQ(s.FirstPaintState, 2);
@@ -124,10 +124,8 @@ TEST_F(StartUpTest, NormalStartShowsTheClosedStateAndExitEndsEveryThread) {
   EXPECT_FALSE(s.Screen.IsButtonEnabled(cmd::kSend) || s.Screen.IsButtonEnabled(cmd::kStop));
   EXPECT_FALSE(s.Screen.IsMenuItemGrey(cmd::kAbout) || s.Screen.IsMenuItemGrey(cmd::kExit) ||
                s.Screen.IsMenuItemGrey(cmd::kConfigLoad));
-  EXPECT_TRUE(s.Screen.IsMenuItemGrey(cmd::kRunScript));
-  EXPECT_TRUE(s.Screen.IsMenuItemChecked(cmd::kHex));
-  EXPECT_EQ(s.Screen.TrayState(), 1);
-  EXPECT_TRUE(s.Screen.WindowShown());
+  EXPECT_TRUE(s.Screen.IsMenuItemGrey(cmd::kRunScript) && s.Screen.IsMenuItemChecked(cmd::kHex));
+  EXPECT_TRUE(s.Screen.TrayState() == 1 && s.Screen.WindowShown());
   s.Queue.SendCommand(cmd::kAbout);
   EXPECT_EQ(view.about, u"Rel. 2.71.3089  (11.2008)");
 
@@ -135,17 +133,15 @@ TEST_F(StartUpTest, NormalStartShowsTheClosedStateAndExitEndsEveryThread) {
   std::this_thread::sleep_for(std::chrono::milliseconds(20));
   s.Queue.PostCommand(cmd::kExit);
   EXPECT_EQ(s.Queue.RunLoop(), 0);
-  EXPECT_TRUE(s.ShuttingDown);
   EXPECT_FALSE(s.RxThread || s.TxThread || s.RxWndUpdate || s.LogIntervalThread);
-  EXPECT_TRUE(s.g_RxWindowBuf.Empty() && s.DataLogCache.Empty());
+  EXPECT_TRUE(s.ShuttingDown && s.g_RxWindowBuf.Empty() && s.DataLogCache.Empty());
   EXPECT_EQ(s.Screen.Status(), u"Shutting down...");
-  EXPECT_EQ(s.Screen.TrayState(), 0);
-  EXPECT_EQ(s.Queue.NextTimerDelayMs(), -1);
+  EXPECT_TRUE(s.Screen.TrayState() == 0 && s.Queue.NextTimerDelayMs() == -1);
 }
 
-TEST(StartUp, WithoutADisplayToSwitchOffScreenOffIsGrey) {
+TEST(StartUp, WithoutADisplayScreenOffIsGreyAndDisableIconKeepsTheNotificationOff) {
   TempFolder folder;
-  WriteRegistry(folder.Path());
+  WriteRegistry(folder.Path(), "DisableIcon=dword:00000001\n");
   const char* display = std::getenv("DISPLAY");
   std::string saved = display ? display : "";
   unsetenv("DISPLAY");
@@ -153,21 +149,14 @@ TEST(StartUp, WithoutADisplayToSwitchOffScreenOffIsGrey) {
   int result = start.Start();
   if (!saved.empty()) setenv("DISPLAY", saved.c_str(), 1);
   ASSERT_EQ(result, 0);
-  EXPECT_FALSE(start.state.Screen.IsMenuItemGrey(cmd::kScreenOff));
-  OnFirstPaint(start.state);
-  EXPECT_TRUE(start.state.Screen.IsMenuItemGrey(cmd::kScreenOff));
-  start.state.Queue.SendCommand(cmd::kScreenOff);  // then changes nothing
-  EXPECT_EQ(start.state.DisplayPower.PowerState, 0);
-}
-
-TEST(StartUp, DisableIconKeepsTheNotificationOff) {
-  TempFolder folder;
-  WriteRegistry(folder.Path(), "DisableIcon=dword:00000001\n");
-  StartedProgram start(folder.Path());
-  ASSERT_EQ(start.Start(), 0);
-  EXPECT_FALSE(ShellNotification(start.state, kNotifyActive));
-  EXPECT_FALSE(ShellNotification(start.state, kNotifyIdle));
-  EXPECT_EQ(start.state.Screen.TrayState(), 0);
+  auto& s = start.state;
+  EXPECT_FALSE(s.Screen.IsMenuItemGrey(cmd::kScreenOff));
+  OnFirstPaint(s);
+  EXPECT_TRUE(s.Screen.IsMenuItemGrey(cmd::kScreenOff));
+  s.Queue.SendCommand(cmd::kScreenOff);  // then changes nothing
+  EXPECT_EQ(s.DisplayPower.PowerState, 0);
+  EXPECT_FALSE(ShellNotification(s, kNotifyActive) || ShellNotification(s, kNotifyIdle));
+  EXPECT_EQ(s.Screen.TrayState(), 0);
 }
 
 TEST(StartUp, AutomationModeAndAScriptThatCannotBeRead) {
@@ -208,15 +197,18 @@ TEST(StartUp, LoadsTheDefaultConfigurationThenTheOneAskedFor) {
       << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nBase=2\r\nmodeASCII=0\r\nmodeBINARY=1" << padding;
   std::ofstream(folder.Path() + "/night.cfg.txt")
       << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nBase=8" << padding;
+  // A configuration asked for that is missing is reported; the default stays current.
   struct Case {
-    std::string options, config;
+    std::string options, config, current;
     int base, checked;
     bool binary;
   };
   for (const auto& c :
-       {Case{"", "", 2, cmd::kBinary, true}, Case{"DEFAULTcfg=dword:00000001\n", "", 16, cmd::kHex, false},
-        Case{"", "/night.cfg.txt", 8, cmd::kOctal, true},
-        Case{"DEFAULTcfg=dword:00000001\n", "/night.cfg.txt", 8, cmd::kOctal, false}}) {
+       {Case{"", "", "/Default.cfg.txt", 2, cmd::kBinary, true},
+        Case{"DEFAULTcfg=dword:00000001\n", "", "/Default.cfg.txt", 16, cmd::kHex, false},
+        Case{"", "/night.cfg.txt", "/night.cfg.txt", 8, cmd::kOctal, true},
+        Case{"DEFAULTcfg=dword:00000001\n", "/night.cfg.txt", "/night.cfg.txt", 8, cmd::kOctal, false},
+        Case{"", "/gone.cfg.txt", "/Default.cfg.txt", 2, cmd::kBinary, true}}) {
     WriteRegistry(folder.Path(), c.options);
     StartedProgram start(folder.Path());
     AppState& s = start.state;
@@ -226,17 +218,11 @@ TEST(StartUp, LoadsTheDefaultConfigurationThenTheOneAskedFor) {
     EXPECT_TRUE(s.Screen.IsMenuItemChecked(c.checked)) << c.options << c.config;
     EXPECT_EQ(s.Data.modeBINARY, c.binary ? 1 : 0) << c.options << c.config;
     EXPECT_FALSE(s.Screen.IsButtonEnabled(c.binary ? cmd::kBinaryButton : cmd::kAsciiButton));
-    if (!c.config.empty()) {
-      EXPECT_EQ(s.CurrentConfigPath, s.Switches.ConfigPath);
-    }
+    EXPECT_EQ(s.CurrentConfigPath, core::Utf8ToWide(folder.Path() + c.current));
+    const bool gone = c.config == "/gone.cfg.txt";
+    EXPECT_EQ(s.Screen.Status().rfind(u"Config file not found [", 0) == 0, gone);
+    EXPECT_EQ(s.Screen.Status().find(u"Error code=2 (0x2)") != std::u16string::npos, gone);
   }
-  // One asked for that is missing is reported; the default stays current.
-  StartedProgram start(folder.Path());
-  start.state.Switches.ConfigPath = core::Utf8ToWide(folder.Path() + "/gone.cfg.txt");
-  ASSERT_EQ(start.Start(), 0);
-  EXPECT_EQ(start.state.Screen.Status().rfind(u"Config file not found [", 0), 0u);
-  EXPECT_NE(start.state.Screen.Status().find(u"Error code=2 (0x2)"), std::u16string::npos);
-  EXPECT_EQ(start.state.CurrentConfigPath, core::Utf8ToWide(folder.Path()) + u"/Default.cfg.txt");
 }
 
 TEST(Instances, ASecondStartBringsTheFirstToTheFront) {

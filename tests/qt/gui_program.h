@@ -66,8 +66,6 @@ class ConfigHome {
   ConfigHome(const ConfigHome&) = delete;
   ConfigHome& operator=(const ConfigHome&) = delete;
 
-  [[nodiscard]] QString FilePath(const QString& name) const { return dir_.filePath(name); }
-
  private:
   QTemporaryDir dir_;
 };
@@ -122,7 +120,6 @@ class GuiProgram {
 
   core::AppState& State() { return state_; }
   QtView& View() { return view_; }
-  const ConfigHome& Home() const { return home_; }
 
  private:
   QApplication& application_ = TestApplication();

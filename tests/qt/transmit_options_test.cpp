@@ -89,65 +89,37 @@ TEST(TransmitOptions, ThroughTheMenuCancelKeepsAndOkStores) {
             0);
 }
 
-// Chooses path in the file dialog that opens next; an empty path cancels it.
-class FilePicker {
- public:
-  FilePicker(const QString& path, const MainWindowWidget& window)
-      : handler_([path, &window](QFileDialog& dialog) {
-          testing::ExpectFitsTheWindow(dialog, window);
-          // Typed as a user does: selectFile() depends on how far the
-          // dialog's folder listing has loaded.
-          auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-          if (path.isEmpty() || !name) {
-            EXPECT_TRUE(path.isEmpty()) << "the file dialog has no file name field";
-            dialog.reject();
-            return;
-          }
-          name->setText(path);
-          // The file dialog's own accept, which checks the file exists.
-          static_cast<QDialog&>(dialog).accept();
-        }) {}
-  [[nodiscard]] bool Handled() const { return handler_.Handled(); }
-
- private:
-  testing::ModalHandler<QFileDialog> handler_;
-};
-
 TEST(TransmitOptions, FilePickerPutsTheFileIntoTheTransmitField) {
   QTemporaryDir folder;
-  ASSERT_TRUE(folder.isValid());
   const QString first = folder.filePath(QStringLiteral("firmware image.bin"));
   const QString second = folder.filePath(QStringLiteral("setup.txt"));
-  for (const QString& path : {first, second}) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("0123456789");
-  }
+  for (const QString& path : {first, second}) ASSERT_TRUE(QFile(path).open(QIODevice::WriteOnly));
   testing::GuiProgram program;
   EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
-    auto& screen = state.Screen;
-    // The button beside the field and the Edit menu's item; cancelling
-    // leaves the field as it is.
-    const struct {
-      QString path;
-      QString expected;
+    // The button beside the field and the Edit menu's item; cancelling leaves the field as it is.
+    struct Pick {
+      QString path, expected;
       bool button;
-    } picks[] = {{first, first, true}, {QString(), first, false}, {second, second, false}};
-    for (const auto& pick : picks) {
-      FilePicker picker(pick.path, window);
-      if (pick.button) {
-        window.SendFileButton()->click();
-      } else {
-        window.SendFileAction()->trigger();
-      }
+    };
+    for (const auto& pick :
+         {Pick{first, first, true}, Pick{QString(), first, false}, Pick{second, second, false}}) {
+      testing::ModalHandler<QFileDialog> picker([&](QFileDialog& dialog) {
+        testing::ExpectFitsTheWindow(dialog, window);
+        // Typed as a user does: selectFile() depends on how far the folder listing has loaded.
+        auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        if (pick.path.isEmpty() || !name) return dialog.reject();
+        name->setText(pick.path);
+        static_cast<QDialog&>(dialog).accept();  // the file dialog's own, which checks the file exists
+      });
+      pick.button ? window.SendFileButton()->click() : window.SendFileAction()->trigger();
       EXPECT_TRUE(picker.Handled());
       const std::u16string field = u"[File::" + pick.expected.toStdU16String() + u"]";
-      EXPECT_EQ(screen.TxText(), field);
+      EXPECT_EQ(state.Screen.TxText(), field);
       EXPECT_TRUE(WaitUntil([&] { return window.TransmitField()->currentText().toStdU16String() == field; }));
     }
     // While the field is locked there is no file to choose either.
     for (bool enabled : {false, true}) {
-      screen.SetTxEnabled(enabled);
+      state.Screen.SetTxEnabled(enabled);
       EXPECT_TRUE(WaitUntil([&] {
         return window.SendFileButton()->isEnabled() == enabled &&
                window.SendFileAction()->isEnabled() == enabled;

@@ -93,50 +93,37 @@ TEST_F(ReportingTest, StatusErrorErrorBoxAndErrorBlock) {
   EXPECT_EQ(state.Screen.Status(), u"before");
 }
 
-TEST_F(ReportingTest, AllocationZeroFillsAndKeepsTwoSpareElements) {
+TEST_F(ReportingTest, AllocationZeroFillsAndAFailureWritesBothBlocksWithTheCountAsked) {
   CharBuffer bytes;
   WideBuffer wide;
-  ASSERT_EQ(AllocCharBuffer(state, bytes, 10), 0);
-  ASSERT_EQ(AllocWideBuffer(state, wide, 5), 0);
+  ASSERT_EQ(AllocCharBuffer(state, bytes, 10) + AllocWideBuffer(state, wide, 5), 0);
   EXPECT_EQ(bytes.Size(), 10u);
-  for (size_t i = 0; i < 12; ++i) EXPECT_EQ(bytes[i] + (i < 7 ? wide[i] : 0), 0) << i;
+  for (size_t i = 0; i < 12; ++i) EXPECT_EQ(bytes[i] + (i < 7 ? wide[i] : 0), 0) << i;  // two spare elements
   FreeBuffer(state, bytes);
   FreeBuffer(state, wide);
   EXPECT_TRUE(bytes.Empty() && wide.Empty());
-}
-
-TEST_F(ReportingTest, AllocationFailureWritesBothBlocksWithTheCountAsked) {
+  // A failed request leaves the buffer empty; a wide one reports characters, not bytes.
   struct Case {
     bool wide;
     int64_t count;
     std::u16string requested;
   };
-  // A wide request reports characters, not bytes.
+  const std::u16string code = FormatErrorCode(platform::OutOfMemory()) + u"\r\n***\r\n";
   for (const Case& c : {Case{false, -1, u"Requested Cbytes=[-1]"},
                         Case{false, kMaxAllocationBytes + 1, u"Requested Cbytes=[268435457]"},
                         Case{true, kMaxAllocationBytes / 2 + 1, u"Requested Tbytes=[134217729]"}}) {
     state.Screen.RxClear();
-    CharBuffer bytes;
-    WideBuffer wide;
-    ASSERT_EQ(AllocCharBuffer(state, bytes, 4), 0);
-    ASSERT_EQ(AllocWideBuffer(state, wide, 4), 0);
-    int rc = c.wide ? AllocWideBuffer(state, wide, c.count) : AllocCharBuffer(state, bytes, c.count);
-    EXPECT_EQ(rc, 1);
+    ASSERT_EQ(AllocCharBuffer(state, bytes, 4) + AllocWideBuffer(state, wide, 4), 0);
+    EXPECT_EQ(c.wide ? AllocWideBuffer(state, wide, c.count) : AllocCharBuffer(state, bytes, c.count), 1);
     EXPECT_TRUE(c.wide ? wide.Empty() : bytes.Empty());
-    std::u16string text = state.Screen.RxText();
-    std::u16string first = u"\r\n***\r\nError allocating memory space. Possibly low on memory." +
-                           FormatErrorCode(platform::OutOfMemory()) + u"\r\n***\r\n";
-    std::u16string second =
-        u"\r\n***\r\n" + c.requested + FormatErrorCode(platform::OutOfMemory()) + u"\r\n***\r\n";
-    EXPECT_EQ(text, first + second) << testing::Narrow(text);
+    EXPECT_EQ(state.Screen.RxText(), u"\r\n***\r\nError allocating memory space. Possibly low on memory." +
+                                         code + u"\r\n***\r\n" + c.requested + code);
   }
 }
 
 TEST_F(ReportingTest, ErrorBoxHoldsTheMemoryLockUntilDismissed) {
-  std::promise<void> boxUp;
-  std::promise<void> dismiss;
-  auto dismissed = dismiss.get_future().share();
-  view.onBox = [&] {
+  std::promise<void> boxUp, dismiss;
+  view.onBox = [&, dismissed = dismiss.get_future().share()] {
     boxUp.set_value();
     dismissed.wait();
   };

@@ -48,49 +48,36 @@ TEST(LineSettingText, ParsedAndFormatted) {
 
 TEST(TermiosMapping, CharacterFormat) {
   struct Case {
-    int dataBits;
-    Parity parity;
-    StopBits stop;
-    tcflag_t size;
-    tcflag_t parityFlags;
+    LineSettings settings;
+    tcflag_t size, parityFlags;
     bool cstopb;
   };
-  const Case cases[] = {
-      {8, Parity::kNone, StopBits::kOne, CS8, 0, false},
-      {7, Parity::kEven, StopBits::kOne, CS7, PARENB, false},
-      {7, Parity::kOdd, StopBits::kTwo, CS7, PARENB | PARODD, true},
-      {6, Parity::kMark, StopBits::kOne, CS6, PARENB | PARODD | CMSPAR, false},
-      {5, Parity::kSpace, StopBits::kOneAndHalf, CS5, PARENB | CMSPAR, true},
-      {8, Parity::kNone, StopBits::kTwo, CS8, 0, true},
-  };
-  for (const auto& c : cases) {
-    LineSettings s;
-    s.DataBits = c.dataBits;
-    s.ParityMode = c.parity;
-    s.Stop = c.stop;
-    tcflag_t cflag = Map(s).Tio.c_cflag;
-    EXPECT_EQ(cflag & CSIZE, c.size) << c.dataBits;
-    EXPECT_EQ(cflag & (PARENB | PARODD | CMSPAR), c.parityFlags) << static_cast<int>(c.parity);
-    EXPECT_EQ((cflag & CSTOPB) != 0, c.cstopb) << static_cast<int>(c.stop);
-    EXPECT_TRUE(cflag & CREAD);
-    EXPECT_TRUE(cflag & CLOCAL);
+  for (const auto& c :
+       {Case{{.DataBits = 8}, CS8, 0, false},
+        Case{{.DataBits = 7, .ParityMode = Parity::kEven}, CS7, PARENB, false},
+        Case{{.DataBits = 7, .ParityMode = Parity::kOdd, .Stop = StopBits::kTwo}, CS7, PARENB | PARODD, true},
+        Case{{.DataBits = 6, .ParityMode = Parity::kMark}, CS6, PARENB | PARODD | CMSPAR, false},
+        Case{{.DataBits = 5, .ParityMode = Parity::kSpace, .Stop = StopBits::kOneAndHalf},
+             CS5,
+             PARENB | CMSPAR,
+             true},
+        Case{{.DataBits = 8, .Stop = StopBits::kTwo}, CS8, 0, true}}) {
+    tcflag_t cflag = Map(c.settings).Tio.c_cflag;
+    EXPECT_EQ(cflag & CSIZE, c.size) << c.settings.DataBits;
+    EXPECT_EQ(cflag & (PARENB | PARODD | CMSPAR), c.parityFlags) << static_cast<int>(c.settings.ParityMode);
+    EXPECT_EQ((cflag & CSTOPB) != 0, c.cstopb) << static_cast<int>(c.settings.Stop);
+    EXPECT_EQ(cflag & (CREAD | CLOCAL), static_cast<tcflag_t>(CREAD | CLOCAL));
   }
 }
 
 TEST(TermiosMapping, RawModeAndFlowControl) {
-  LineSettings plain;
-  TermiosRecord r = Map(plain);
+  TermiosRecord r = Map(LineSettings{});
   EXPECT_EQ(r.Tio.c_iflag & (ICRNL | IXON | IXOFF | ISTRIP), 0u);
   EXPECT_EQ(r.Tio.c_oflag & OPOST, 0u);
   EXPECT_EQ(r.Tio.c_lflag & (ECHO | ICANON | ISIG), 0u);
   EXPECT_EQ(r.Tio.c_cflag & CRTSCTS, 0u);
-  EXPECT_EQ(r.Tio.c_cc[VMIN], 0);
-  EXPECT_EQ(r.Tio.c_cc[VTIME], 0);
-
-  LineSettings flow;
-  flow.XonXoff = true;
-  flow.CtsFlow = true;
-  r = Map(flow);
+  EXPECT_EQ(r.Tio.c_cc[VMIN] + r.Tio.c_cc[VTIME], 0);
+  r = Map({.XonXoff = true, .CtsFlow = true});
   EXPECT_EQ(r.Tio.c_iflag & (IXON | IXOFF), static_cast<tcflag_t>(IXON | IXOFF));
   EXPECT_NE(r.Tio.c_cflag & CRTSCTS, 0u);
   EXPECT_EQ(r.Tio.c_cc[VSTART], 17);
@@ -105,15 +92,11 @@ TEST(TermiosMapping, StandardAndCustomRates) {
   for (const auto& c :
        {Case{50, B50}, Case{9600, B9600}, Case{115200, B115200}, Case{921600, B921600},
         Case{4000000, B4000000}, Case{7200, 0}, Case{14400, 0}, Case{31250, 0}, Case{250000, 0}}) {
-    LineSettings s;
-    s.Baud = c.baud;
-    TermiosRecord r = Map(s);
+    TermiosRecord r = Map({.Baud = c.baud});
     EXPECT_EQ(r.StandardSpeed, c.speed) << c.baud;
     EXPECT_EQ(r.Custom, c.speed == 0) << c.baud;
     EXPECT_EQ(r.Rate, c.baud);
-    if (c.speed != 0) {
-      EXPECT_EQ(cfgetospeed(&r.Tio), c.speed) << c.baud;
-    }
+    EXPECT_TRUE(c.speed == 0 || cfgetospeed(&r.Tio) == c.speed) << c.baud;
   }
 }
 
@@ -122,16 +105,9 @@ TEST(TermiosMapping, ImpossibleRequestsAreRefusedInWords) {
     LineSettings settings;
     std::string text;
   };
-  LineSettings zero;
-  zero.Baud = 0;
-  LineSettings nine;
-  nine.DataBits = 9;
-  LineSettings four;
-  four.DataBits = 4;
-  LineSettings dsr;
-  dsr.DsrFlow = true;
-  for (const auto& c : {Case{zero, "0 baud"}, Case{nine, "9 data bits"}, Case{four, "4 data bits"},
-                        Case{dsr, "flow control by DSR is not available on Linux"}}) {
+  for (const auto& c : {Case{{.Baud = 0}, "0 baud"}, Case{{.DataBits = 9}, "9 data bits"},
+                        Case{{.DataBits = 4}, "4 data bits"},
+                        Case{{.DsrFlow = true}, "flow control by DSR is not available on Linux"}}) {
     TermiosRecord record;
     EXPECT_NE(MakeTermios(c.settings, termios{}, record).find(c.text), std::string::npos) << c.text;
   }
@@ -145,9 +121,7 @@ class PtyPortTest : public ::testing::Test {
     port = OpenTermiosPort(pty.SlavePath(), opened);
     ASSERT_TRUE(port) << opened.Errno;
     std::string error;
-    LineSettings settings;
-    settings.Baud = 115200;
-    ASSERT_TRUE(port->Configure(settings, error)) << error;
+    ASSERT_TRUE(port->Configure({.Baud = 115200}, error)) << error;
   }
   PtyPair pty;
   std::unique_ptr<SerialPort> port;
@@ -164,10 +138,7 @@ TEST_F(PtyPortTest, ASecondOpenerIsRefusedAsBusy) {
 
 TEST_F(PtyPortTest, CustomRatesAndModemLinesAreAcceptedOnAPty) {
   std::string error;
-  LineSettings custom;
-  custom.Baud = 31250;
-  custom.Rts = true;
-  custom.Dtr = true;
+  LineSettings custom{.Baud = 31250, .Rts = true, .Dtr = true};
   EXPECT_TRUE(port->Configure(custom, error)) << error;
   custom.DsrFlow = true;
   SysResult refused = port->Configure(custom, error);
@@ -200,25 +171,18 @@ TEST_F(PtyPortTest, EventsBurstsAndWrites) {
   EXPECT_EQ(pty.Read(reply.size(), 2000), reply);
 }
 
-TEST_F(PtyPortTest, AZeroMaskWakesAPendingWait) {
-  std::atomic<uint32_t> result{999};
-  std::thread waiter([&] { result = port->WaitEvent(); });
-  std::this_thread::sleep_for(20ms);
-  EXPECT_EQ(result, 999u);
-  port->SetEventMask(0);
-  waiter.join();
-  EXPECT_EQ(result, 0u);
-  EXPECT_FALSE(port->HungUp());
-}
-
-TEST_F(PtyPortTest, TheDeviceGoingAwayEndsTheWait) {
-  std::atomic<uint32_t> result{999};
-  std::thread waiter([&] { result = port->WaitEvent(); });
-  std::this_thread::sleep_for(20ms);
-  pty.CloseMaster();
-  waiter.join();
-  EXPECT_EQ(result, 0u);
-  EXPECT_TRUE(port->HungUp());
+TEST_F(PtyPortTest, AZeroMaskOrTheDeviceGoingAwayEndsAPendingWait) {
+  for (bool deviceGoes : {false, true}) {
+    std::atomic<uint32_t> result{999};
+    std::thread waiter([&] { result = port->WaitEvent(); });
+    std::this_thread::sleep_for(20ms);
+    EXPECT_EQ(result, 999u);
+    deviceGoes ? pty.CloseMaster() : port->SetEventMask(0);
+    waiter.join();
+    EXPECT_EQ(result, 0u);
+    EXPECT_EQ(port->HungUp(), deviceGoes);
+    port->SetEventMask(event::kDefaultMask);
+  }
   // Later waits return at once instead of spinning on the dead device.
   EXPECT_EQ(port->WaitEvent(), 0u);
 }

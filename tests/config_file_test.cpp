@@ -30,9 +30,9 @@ void SetEverything(AppState& s) {
   p.CustomBaud_01 = 250000;
   auto& d = s.Data;
   d.modeASCII = d.Relay_SocketType_TCP = d.SnR[2].Rall = 0;
-  d.modeBINARY = d.PauseRxDisplay = d.RxFullScreen = d.RxBacklightEvent = 1;
-  d.BinBrackets = d.NonChars = d.FilterNP = d.TxClrRCVEtxt = d.ShowClassNames = d.EnableTCPIPrelay =
-      d.Relay_SocketType_UDP = d.TRANSLATE_KEYBOARD_CODES = d.DisableSnR = d.SnR[2].Rlo = 1;
+  d.modeBINARY = d.PauseRxDisplay = d.RxFullScreen = d.RxBacklightEvent = d.SnR[2].Rlo = 1;
+  d.BinBrackets = d.NonChars = d.FilterNP = d.TxClrRCVEtxt = d.TxSendWholeFile = d.ShowClassNames =
+      d.EnableTCPIPrelay = d.Relay_SocketType_UDP = d.TRANSLATE_KEYBOARD_CODES = d.DisableSnR = 1;
   d.Base = 8;
   d.TxRepeatNum = 3000000000u;
   d.TxRepeatDelay = 250;

@@ -22,22 +22,20 @@ TEST(ReceiveWindow, EditingLikeAnEditControl) {
   screen.SetEventsEnabled(true);
   screen.RxInsertAtCaret(u"Hello");
   screen.RxSetCaretToEnd();
-  screen.RxReplaceSelection(u" world");
-  EXPECT_EQ(screen.RxText(), u"Hello world");
-  screen.RxSetSelection(0, 5);
-  screen.RxReplaceSelection(u"");
-  EXPECT_EQ(screen.RxText(), u" world");
-  EXPECT_EQ(screen.RxSelection(), (std::pair<int32_t, int32_t>{0, 0}));
-  // A reversed selection and an end beyond the text.
-  screen.RxSetSelection(3, 1);
-  screen.RxReplaceSelection(u"-");
-  EXPECT_EQ(screen.RxText(), u" -rld");
-  screen.RxSetSelection(2, 999);
-  screen.RxReplaceSelection(u"!");
-  EXPECT_EQ(screen.RxText(), u" -!");
-  screen.RxSelectAll();
-  screen.RxReplaceSelection(u"all new");
-  EXPECT_EQ(screen.RxText(), u"all new");
+  // The caret, a selection (reversed, or ending beyond the text) or all (-1) is replaced; the caret
+  // then stands after the new text.
+  struct Edit {
+    int32_t from, to, caret;
+    std::u16string text, expected;
+  };
+  for (const auto& e : {Edit{5, 5, 11, u" world", u"Hello world"}, Edit{0, 5, 0, u"", u" world"},
+                        Edit{3, 1, 2, u"-", u" -rld"}, Edit{2, 999, 3, u"!", u" -!"},
+                        Edit{-1, 0, 7, u"all new", u"all new"}}) {
+    if (e.from != 5) e.from < 0 ? screen.RxSelectAll() : screen.RxSetSelection(e.from, e.to);
+    screen.RxReplaceSelection(e.text);
+    EXPECT_EQ(screen.RxText(), e.expected) << e.from << "," << e.to;
+    EXPECT_EQ(screen.RxSelection(), (std::pair{e.caret, e.caret})) << e.from << "," << e.to;
+  }
   // Insert at caret clears a selection first.
   screen.RxSetSelection(0, 3);
   screen.RxInsertAtCaret(u"+");

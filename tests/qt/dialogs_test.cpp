@@ -65,17 +65,15 @@ TEST(Dialogs, ProgramOptionsPageShowsAndReturnsTheFourValues) {
 TEST(Dialogs, ProgramOptionsThroughTheMenuOkSavesAndCancelDoesNot) {
   testing::GuiProgram program;
   EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
-    for (uint32_t ok : {0u, 1u}) {
-      ASSERT_TRUE(testing::RunDialog<ProgramOptionsDialog>(window, core::cmd::kProgramOptions,
-                                                           [ok](ProgramOptionsDialog& dialog) {
-                                                             dialog.MultipleInstances()->setChecked(true);
-                                                             ok ? dialog.accept() : dialog.reject();
-                                                           }));
-      core::AppState saved;
-      saved.RegistryFile = state.RegistryFile;
-      ASSERT_EQ(config::LoadProgramOptions(saved), 0);
-      EXPECT_EQ(state.ProgramOptions.MULTIinst + saved.ProgramOptions.MULTIinst, 2 * ok);
-    }
+    testing::CancelThenOk<ProgramOptionsDialog>(
+        window, core::cmd::kProgramOptions,
+        [](ProgramOptionsDialog& dialog) { dialog.MultipleInstances()->setChecked(true); },
+        [&](bool ok) {
+          core::AppState saved;
+          saved.RegistryFile = state.RegistryFile;
+          ASSERT_EQ(config::LoadProgramOptions(saved), 0);
+          EXPECT_EQ(state.ProgramOptions.MULTIinst + saved.ProgramOptions.MULTIinst, ok ? 2u : 0u);
+        });
     EXPECT_TRUE(
         WaitUntil([&] { return window.StatusLine()->text() == QStringLiteral("Program Options saved."); }));
   }),

@@ -155,20 +155,8 @@ class ModalHandler {
 };
 
 // Presses the dialog's OK or Cancel button, as a tap does.
-inline void ClickOk(QDialog& dialog) {
-  dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
-}
-inline void ClickCancel(QDialog& dialog) {
-  dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Cancel)->click();
-}
-
-// Opens a dialog of type T through the menu item of command and lets act work
-// on it; true once it has closed again and the queue was served.
-template <typename T>
-bool RunDialog(MainWindowWidget& window, int command, const std::function<void(T&)>& act) {
-  ModalHandler<T> handler(act);
-  window.Action(command)->trigger();
-  return WaitUntil([&] { return handler.Handled() && !QApplication::activeModalWidget(); });
+inline void Click(QDialog& dialog, QDialogButtonBox::StandardButton which) {
+  dialog.findChild<QDialogButtonBox*>()->button(which)->click();
 }
 
 // A dialog sheet is as large as the window at most and takes its font.
@@ -176,6 +164,23 @@ inline void ExpectFitsTheWindow(const QWidget& sheet, const MainWindowWidget& wi
   EXPECT_EQ(sheet.font().pixelSize(), window.font().pixelSize());
   EXPECT_LE(sheet.width(), window.width());
   EXPECT_LE(sheet.height(), window.height());
+}
+
+// Opens the sheet of command through its menu item twice, edits it and
+// presses Cancel, then OK; check(ok) follows each once the sheet has closed.
+template <typename T>
+void CancelThenOk(MainWindowWidget& window, int command, const std::function<void(T&)>& edit,
+                  const std::function<void(bool)>& check) {
+  for (bool ok : {false, true}) {
+    ModalHandler<T> handler([&](T& dialog) {
+      ExpectFitsTheWindow(dialog, window);
+      edit(dialog);
+      Click(dialog, ok ? QDialogButtonBox::Ok : QDialogButtonBox::Cancel);
+    });
+    window.Action(command)->trigger();
+    ASSERT_TRUE(WaitUntil([&] { return handler.Handled() && !QApplication::activeModalWidget(); }));
+    check(ok);
+  }
 }
 
 }  // namespace wavetrace::ui::testing

@@ -17,8 +17,6 @@
 namespace wavetrace::ui {
 namespace {
 
-using testing::ClickCancel;
-using testing::ClickOk;
 using testing::WaitUntil;
 
 // Chooses the named key from the "Add..." menu, as a tap on it does.
@@ -74,17 +72,16 @@ TEST(TransmitOptions, PagesShowAndReturnTheValuesAndAddAppendsWhileTheFieldHasRo
 TEST(TransmitOptions, ThroughTheMenuCancelKeepsAndOkStores) {
   testing::GuiProgram program;
   EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
-    for (bool ok : {false, true}) {
-      ASSERT_TRUE(testing::RunDialog<TransmitOptionsDialog>(
-          window, core::cmd::kTransmitOptions, [&](TransmitOptionsDialog& dialog) {
-            testing::ExpectFitsTheWindow(dialog, window);
-            dialog.RepeatDelayField()->setValue(1500);
-            dialog.PostambleField()->setText(QStringLiteral("[0D][0A]"));
-            ok ? ClickOk(dialog) : ClickCancel(dialog);
-          }));
-      EXPECT_EQ(state.Data.TxRepeatDelay, ok ? 1500u : 0u);
-      EXPECT_EQ(state.Data.PostambleLengthTX, ok ? 2 : 0);
-    }
+    testing::CancelThenOk<TransmitOptionsDialog>(
+        window, core::cmd::kTransmitOptions,
+        [](TransmitOptionsDialog& dialog) {
+          dialog.RepeatDelayField()->setValue(1500);
+          dialog.PostambleField()->setText(QStringLiteral("[0D][0A]"));
+        },
+        [&](bool ok) {
+          EXPECT_EQ(state.Data.TxRepeatDelay, ok ? 1500u : 0u);
+          EXPECT_EQ(state.Data.PostambleLengthTX, ok ? 2 : 0);
+        });
   }),
             0);
 }

@@ -22,24 +22,14 @@ using testing::TempFolder;
 using testing::WriteRegistry;
 namespace cmd = core::cmd;
 
-platform::OsInfo Linux() {
-  return {true, "Linux", 6, 1};
-}
-
 TEST(OperatingSystem, OnlyLinuxIsSupported) {
   struct Case {
     platform::OsInfo os;
     bool supported;
   };
-  const Case cases[] = {
-      {Linux(), true},
-      {{true, "Linux", 2, 6}, true},
-      {{true, "FreeBSD", 14, 0}, false},
-      {{true, "linux", 6, 1}, false},
-      {{false, "Linux", 6, 1}, false},
-      {{false, "", 0, 0}, false},
-  };
-  for (const auto& c : cases) {
+  for (const auto& c : {Case{{true, "Linux", 6, 1}, true}, Case{{true, "Linux", 2, 6}, true},
+                        Case{{true, "FreeBSD", 14, 0}, false}, Case{{true, "linux", 6, 1}, false},
+                        Case{{false, "Linux", 6, 1}, false}, Case{{false, "", 0, 0}, false}}) {
     EXPECT_EQ(IsSupportedPlatform(c.os), c.supported) << c.os.Valid << c.os.SystemName << c.os.Major;
   }
 }

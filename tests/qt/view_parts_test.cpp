@@ -15,18 +15,13 @@ namespace {
 TEST(ReceiveText, EveryCharacterKeepsItsPosition) {
   std::string bytes;
   for (int byte = 1; byte < 256; ++byte) bytes.push_back(static_cast<char>(byte));
+  const std::u16string model = core::BytesToWide(bytes);
+  EXPECT_EQ(static_cast<size_t>(ToDocumentText(model).size()), model.size());
+  EXPECT_EQ(FromDocumentText(ToDocumentText(model)), model);
   // Characters that would make a paragraph or vanish cannot shift positions.
-  for (const std::u16string& model :
-       {core::BytesToWide(bytes), std::u16string{u'a', 0, 0x2029, 0x2028, 0xFDD0}}) {
-    QString document = ToDocumentText(model);
-    ASSERT_EQ(static_cast<size_t>(document.size()), model.size());
-    if (model.size() == 5) {
-      EXPECT_EQ(document.at(1).unicode(), 0xFFFD);
-      EXPECT_EQ(document.at(2).unicode(), 0xFFFD);
-    } else {
-      EXPECT_EQ(FromDocumentText(document), model);
-    }
-  }
+  QString odd = ToDocumentText(std::u16string{u'a', 0, 0x2029, 0x2028, 0xFDD0});
+  ASSERT_EQ(odd.size(), 5);
+  EXPECT_EQ(odd.mid(1, 2), QString(2, QChar(0xFFFD)));
 }
 
 TEST(ReceiveText, LineEndsBecomeOneBreakAndCopyBack) {

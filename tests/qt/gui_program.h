@@ -9,19 +9,18 @@
 #include <QAction>
 #include <QApplication>
 #include <QDialogButtonBox>
-#include <QFile>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <functional>
-#include <string>
 #include <utility>
 
 #include "app/program.h"
 #include "core/app_state.h"
 #include "core/messages.h"
+#include "tests/program_fixture.h"
 #include "ui/main_window_widget.h"
 #include "ui/qt_view.h"
 
@@ -51,15 +50,7 @@ inline bool WaitUntil(const std::function<bool()>& condition, int timeoutMs = 50
 class ConfigHome {
  public:
   ConfigHome() {
-    QFile registry(dir_.filePath(QStringLiteral("registry.txt")));
-    if (registry.open(QIODevice::WriteOnly)) {
-      // The release as a registry export writes it (quoted names) and as the
-      // program's own store writes it, so that either reading finds it.
-      registry.write(
-          "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\r\n"
-          "\"MajorVersion\"=dword:00000002\r\n\"MinorVersion\"=dword:00000047\r\n"
-          "MajorVersion=dword:00000002\r\nMinorVersion=dword:00000047\r\n");
-    }
+    wavetrace::testing::WriteRegistry(dir_.path().toStdString());
     setenv("WAVETRACE_HOME", dir_.path().toLocal8Bit().constData(), 1);
   }
   ~ConfigHome() { unsetenv("WAVETRACE_HOME"); }

@@ -1,6 +1,7 @@
 // The Transmit Options sheet, and the file picker of the transmit field.
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFile>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMenu>

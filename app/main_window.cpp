@@ -45,11 +45,17 @@ void SetRadix(core::AppState& state, int base) {
   }
 }
 
+void ShowViewMode(core::AppState& state) {
+  bool ascii = state.Data.modeASCII != 0;
+  bool binary = state.Data.modeBINARY != 0;
+  state.Screen.EnableButton(kAsciiButton, !(ascii && !binary));
+  state.Screen.EnableButton(kBinaryButton, !(binary && !ascii));
+}
+
 void SetViewMode(core::AppState& state, bool ascii) {
   state.Data.modeASCII = ascii ? 1 : 0;
   state.Data.modeBINARY = ascii ? 0 : 1;
-  state.Screen.EnableButton(kAsciiButton, !ascii);
-  state.Screen.EnableButton(kBinaryButton, ascii);
+  ShowViewMode(state);
 }
 
 namespace {

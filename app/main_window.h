@@ -27,5 +27,9 @@ void ShowClosedControls(core::AppState& state);
 // setting with its check marks and buttons.
 void SetRadix(core::AppState& state, int base);
 void SetViewMode(core::AppState& state, bool ascii);
+// The ASCII and BINARY buttons follow the two view flags: a button is greyed
+// while its view is the only one on. A loaded file may have both off (or
+// both on); showing it never rewrites what it holds.
+void ShowViewMode(core::AppState& state);
 
 }  // namespace wavetrace::app

@@ -42,7 +42,7 @@ void LoadStartConfiguration(core::AppState& state) {
 }  // namespace
 
 void ApplySettingsToScreen(core::AppState& state) {
-  SetViewMode(state, state.Data.modeASCII != 0);
+  ShowViewMode(state);
   SetRadix(state, state.Data.Base);
   state.Screen.CheckMenuItem(kPauseRxDisplay, state.Data.PauseRxDisplay != 0);
   state.Screen.CheckMenuItem(kFullscreen, state.Data.RxFullScreen != 0);

@@ -187,18 +187,22 @@ TEST(StartUp, LoadsTheDefaultConfigurationThenTheOneAskedFor) {
       << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nBase=2\r\nmodeASCII=0\r\nmodeBINARY=1" << padding;
   std::ofstream(folder.Path() + "/night.cfg.txt")
       << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nBase=8" << padding;
+  // Both views off is a valid file: the data is shown as it comes.
+  std::ofstream(folder.Path() + "/plain.cfg.txt")
+      << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nmodeASCII=0\r\nmodeBINARY=0" << padding;
   // A configuration asked for that is missing is reported; the default stays current.
   struct Case {
     std::string options, config, current;
     int base, checked;
-    bool binary;
+    int ascii, binary;
   };
   for (const auto& c :
-       {Case{"", "", "/Default.cfg.txt", 2, cmd::kBinary, true},
-        Case{"DEFAULTcfg=dword:00000001\n", "", "/Default.cfg.txt", 16, cmd::kHex, false},
-        Case{"", "/night.cfg.txt", "/night.cfg.txt", 8, cmd::kOctal, true},
-        Case{"DEFAULTcfg=dword:00000001\n", "/night.cfg.txt", "/night.cfg.txt", 8, cmd::kOctal, false},
-        Case{"", "/gone.cfg.txt", "/Default.cfg.txt", 2, cmd::kBinary, true}}) {
+       {Case{"", "", "/Default.cfg.txt", 2, cmd::kBinary, 0, 1},
+        Case{"DEFAULTcfg=dword:00000001\n", "", "/Default.cfg.txt", 16, cmd::kHex, 1, 0},
+        Case{"", "/night.cfg.txt", "/night.cfg.txt", 8, cmd::kOctal, 0, 1},
+        Case{"DEFAULTcfg=dword:00000001\n", "/night.cfg.txt", "/night.cfg.txt", 8, cmd::kOctal, 1, 0},
+        Case{"DEFAULTcfg=dword:00000001\n", "/plain.cfg.txt", "/plain.cfg.txt", 16, cmd::kHex, 0, 0},
+        Case{"", "/gone.cfg.txt", "/Default.cfg.txt", 2, cmd::kBinary, 0, 1}}) {
     WriteRegistry(folder.Path(), c.options);
     StartedProgram start(folder.Path());
     AppState& s = start.state;
@@ -206,8 +210,11 @@ TEST(StartUp, LoadsTheDefaultConfigurationThenTheOneAskedFor) {
     ASSERT_EQ(start.Start(), 0);
     EXPECT_EQ(s.Data.Base, c.base) << c.options << c.config;
     EXPECT_TRUE(s.Screen.IsMenuItemChecked(c.checked)) << c.options << c.config;
-    EXPECT_EQ(s.Data.modeBINARY, c.binary ? 1 : 0) << c.options << c.config;
-    EXPECT_FALSE(s.Screen.IsButtonEnabled(c.binary ? cmd::kBinaryButton : cmd::kAsciiButton));
+    EXPECT_EQ(s.Data.modeASCII, c.ascii) << c.options << c.config;
+    EXPECT_EQ(s.Data.modeBINARY, c.binary) << c.options << c.config;
+    // A button is greyed only while its view is the only one on.
+    EXPECT_EQ(s.Screen.IsButtonEnabled(cmd::kAsciiButton), !(c.ascii && !c.binary)) << c.config;
+    EXPECT_EQ(s.Screen.IsButtonEnabled(cmd::kBinaryButton), !(c.binary && !c.ascii)) << c.config;
     EXPECT_EQ(s.CurrentConfigPath, core::Utf8ToWide(folder.Path() + c.current));
     const bool gone = c.config == "/gone.cfg.txt";
     EXPECT_EQ(s.Screen.Status().rfind(u"Config file not found [", 0) == 0, gone);

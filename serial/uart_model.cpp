@@ -85,7 +85,15 @@ double BitsPerFrame(const LineSettings& line) {
 }
 
 std::string TranscodeUart(std::string_view bytes, const LineSettings& sender, const LineSettings& receiver) {
-  if (SameFraming(sender, receiver)) return std::string(bytes);
+  if (SameFraming(sender, receiver)) {
+    // A line of 5, 6 or 7 data bits carries only those bits of each byte.
+    std::string out(bytes);
+    if (receiver.DataBits < 8) {
+      auto mask = static_cast<char>((1u << receiver.DataBits) - 1);
+      for (char& c : out) c &= mask;
+    }
+    return out;
+  }
   if (sender.Baud == 0 || receiver.Baud == 0) return {};
   Waveform wave = Send(bytes, sender);
   const double bit = 1.0 / receiver.Baud;

@@ -11,7 +11,8 @@ namespace wavetrace::serial {
 // these bytes back to back: the frames are laid out in time at the sender's
 // rate and sampled at the receiver's, as a UART does (start-bit edge, mid-bit
 // samples). A failed stop bit or parity check reads as a zero byte, as Linux
-// delivers it. Equal settings give the bytes unchanged. Deterministic.
+// delivers it. Equal settings give the bytes unchanged but for the data bits
+// the line does not carry. Deterministic.
 std::string TranscodeUart(std::string_view bytes, const platform::LineSettings& sender,
                           const platform::LineSettings& receiver);
 

@@ -54,9 +54,16 @@ TEST(UartModel, MatchingSettingsPassBytesAndMismatchesGarbleThem) {
     EXPECT_EQ(read != text, c.garbled) << platform::FormatLineSetting(c.receiver);
     EXPECT_EQ(read, TranscodeUart(text, device, c.receiver)) << "deterministic";
   }
-  // Other framings carry their own bytes unchanged.
+  // Other framings carry their own bytes, as many bits of each as the line has.
   const LineSettings sevenEven = Line(1200, 7, Parity::kEven, StopBits::kTwo);
   EXPECT_EQ(TranscodeUart("AT\r", sevenEven, sevenEven), "AT\r");
+  for (auto [bits, expected] : {std::pair{5, "\x1F\x01\x14"}, std::pair{6, "\x3F\x01\x14"},
+                                std::pair{7, "\x7F\x41\x54"}, std::pair{8, "\xFF\xC1\x54"}}) {
+    for (auto parity : {Parity::kNone, Parity::kOdd}) {
+      const LineSettings narrow = Line(4800, bits, parity, StopBits::kOne);
+      EXPECT_EQ(TranscodeUart("\xFF\xC1\x54", narrow, narrow), expected) << bits;
+    }
+  }
   // A receiver twice as fast sees each frame as a byte and a bit more.
   EXPECT_GT(TranscodeUart(text, device, Line(9600, 8, Parity::kNone, StopBits::kOne)).size(), text.size());
 }

@@ -46,8 +46,7 @@ void Stop(core::AppState& state) {
 void Send(core::AppState& state) {
   if (state.DisplayPower.PowerState == core::kDisplayPowerOff)
     state.Queue.Send(core::MakeMessage(core::kWmChar, 13));
-  // With the port closed the transmit thread would find nothing to send to
-  // and end; it stays parked instead.
+  // With the port closed there is nothing to send to.
   if (!state.PortOpen) return;
   state.TxActive = true;
   if (!state.TxThread || !state.TxThread->Resume()) {

@@ -145,7 +145,16 @@ int SendTransmitText(core::AppState& state) {
 
 void TxThread(core::AppState& state, platform::SuspendableThread& self) {
   state.TxShowSent = false;
-  while (CurrentPort(state) && !state.ShuttingDown) {
+  // The thread lives until shutdown. A resume can be left over from a SEND
+  // pressed during a repeat run and be taken after STOP: with no port then
+  // there is nothing to send, and the thread parks again for the next SEND.
+  for (;;) {
+    if (state.ShuttingDown || self.StopRequested()) return;
+    if (!CurrentPort(state)) {
+      state.TxActive = false;
+      if (!self.Park()) return;
+      continue;
+    }
     LockTransmitControls(state);
     state.TxShowSent = true;
     if (state.TxRepeat) {

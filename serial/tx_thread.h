@@ -34,7 +34,8 @@ struct RepeatPause {
 };
 RepeatPause RepeatPauseOf(uint32_t delayMs);
 
-// The transmit thread: one send (or a repeat run) per SEND, then it parks.
+// The transmit thread: one send (or a repeat run) per SEND, then it parks;
+// it ends only at shutdown.
 void TxThread(core::AppState& state, platform::SuspendableThread& self);
 
 }  // namespace wavetrace::serial

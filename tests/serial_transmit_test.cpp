@@ -142,10 +142,24 @@ TEST_F(TransmitTest, RepeatRunsAndStop) {
   state.Screen.SetTxText(u"x");
   state.Queue.SendCommand(core::cmd::kSend);
   EXPECT_EQ(device.Read(3, 3000), "xxx");
+  // SEND stays enabled during the run; pressing it leaves a resume behind
+  // that the thread only takes after STOP, with no port.
+  ASSERT_TRUE(state.Screen.IsButtonEnabled(core::cmd::kSend));
+  state.Queue.SendCommand(core::cmd::kSend);
   state.Queue.SendCommand(core::cmd::kStop);
   EXPECT_TRUE(PumpUntil([&] { return !state.TxActive && state.Screen.IsButtonEnabled(core::cmd::kPlay); }));
   state.Queue.SendCommand(core::cmd::kRepeat);
   EXPECT_EQ(state.Screen.Status(), u"REPEAT Send deactivated.");
+
+  // The transmit thread is still there for the next connection (once it has
+  // finished the run's last pause and parked).
+  ASSERT_TRUE(PumpUntil([&] { return state.TxThread->IsParked() || state.TxThread->HasEnded(); }));
+  ASSERT_FALSE(state.TxThread->HasEnded());
+  state.Queue.SendCommand(core::cmd::kPlay);
+  ASSERT_TRUE(PumpUntil([&] { return state.Screen.IsButtonEnabled(core::cmd::kStop); }));
+  ASSERT_TRUE(Send(u"again"));
+  EXPECT_EQ(device.Read(5, 2000), "again");
+  EXPECT_EQ(state.Screen.Status().find(u"Error"), std::u16string::npos);
 }
 
 TEST_F(TransmitTest, Files) {

@@ -16,20 +16,21 @@ void SetBaud(core::PortSettings& port, uint32_t baud) {
 }
 
 int ApplyPortPages(core::AppState& state, const core::PortSettings& edited) {
-  bool portChanged = edited.SelectedPort != state.Port.SelectedPort;
+  const core::PortSettings shown = state.Port;  // what the pages opened with
   state.Port = edited;
   const core::PortSettings& loaded = state.Snapshot.Port;
-  if (portChanged && edited.SelectedPort == loaded.SelectedPort) {
-    state.Port.SelectedBaud = loaded.SelectedBaud;
-    state.Port.SelectedDataBits = loaded.SelectedDataBits;
-    state.Port.Parity = loaded.Parity;
-    state.Port.StopBits = loaded.StopBits;
-    state.Port.XON = loaded.XON;
-    state.Port.RTS = loaded.RTS;
-    state.Port.CtsFlow = loaded.CtsFlow;
-    state.Port.DTR = loaded.DTR;
-    state.Port.DsrFlow = loaded.DsrFlow;
-  }
+  if (edited.SelectedPort == shown.SelectedPort || edited.SelectedPort != loaded.SelectedPort) return 1;
+  // The port chosen again brings its loaded line setting back, except what
+  // the user changed on the other pages in the same visit.
+  auto restore = [&](auto member) {
+    if (edited.*member == shown.*member) state.Port.*member = loaded.*member;
+  };
+  using P = core::PortSettings;
+  restore(&P::SelectedBaud);
+  restore(&P::SelectedDataBits);
+  restore(&P::Parity);
+  restore(&P::StopBits);
+  for (auto flag : {&P::XON, &P::RTS, &P::CtsFlow, &P::DTR, &P::DsrFlow}) restore(flag);
   return 1;
 }
 

@@ -4,9 +4,11 @@
 
 namespace wavetrace::app {
 
-// Applies what the communication properties pages hold. When the port was
-// changed back to the one the last configuration load named, its line
-// setting (speed, format and the flow flags) returns with it. Always 1.
+// Applies what the communication properties pages hold; state.Port is still
+// what they opened with. When the port was changed back to the one the last
+// configuration load named, its line setting (speed, format and the flow
+// flags) returns with it, except the values changed in the same visit.
+// Always 1.
 int ApplyPortPages(core::AppState& state, const core::PortSettings& edited);
 
 // Sets the line speed; a rate the baud list does not offer becomes the one

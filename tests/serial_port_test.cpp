@@ -168,13 +168,26 @@ TEST(CommProperties, ChangingBackToTheLoadedPortBringsItsLineSettingBack) {
   EXPECT_EQ(ApplyPortPages(state, edited), 1);
   EXPECT_EQ(state.Port.SelectedBaud, 115200u);
 
-  // Back on COM3: the loaded line setting returns, whatever the pages held.
+  // Back on COM3: the loaded line setting returns...
   edited = state.Port;
   edited.SelectedPort = u"COM3:";
-  edited.SelectedBaud = 9600;
   ApplyPortPages(state, edited);
   EXPECT_EQ(state.Port.SelectedPort, u"COM3:");
   EXPECT_EQ(state.Port.SelectedBaud, 4800u);
+  EXPECT_EQ(state.Port.Parity, u"Even");
+  EXPECT_EQ(state.Port.XON, 1);
+
+  // ...except what was typed on the other pages in the same visit.
+  state.Port.SelectedPort = u"COM5:";
+  state.Port.Parity = u"None";
+  state.Port.XON = 0;
+  edited = state.Port;
+  edited.SelectedPort = u"COM3:";
+  edited.SelectedBaud = 9600;
+  edited.DTR = 1;
+  ApplyPortPages(state, edited);
+  EXPECT_EQ(state.Port.SelectedBaud, 9600u);
+  EXPECT_EQ(state.Port.DTR, 1);
   EXPECT_EQ(state.Port.Parity, u"Even");
   EXPECT_EQ(state.Port.XON, 1);
 

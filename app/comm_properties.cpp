@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "core/code_page.h"
+
 namespace wavetrace::app {
 
 bool IsStandardBaud(uint32_t baud) {
@@ -13,6 +15,15 @@ void SetBaud(core::PortSettings& port, uint32_t baud) {
   if (IsStandardBaud(baud)) return;
   port.CustomBaud_01 = baud;
   port.CustomBauds_count = 1;
+}
+
+std::u16string PortListLine(int slot, const std::u16string& friendlyName, const std::string& devicePath) {
+  std::u16string line = core::PortSlotName(slot);
+  if (!friendlyName.empty()) line += u"  " + friendlyName;
+  if (devicePath.empty()) return line;
+  std::u16string path = core::Utf8ToWide(devicePath);
+  bool bracketed = path.front() == u'(' && path.back() == u')';
+  return line + u"  " + (bracketed ? path : u"(" + path + u")");
 }
 
 int ApplyPortPages(core::AppState& state, const core::PortSettings& edited) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "core/app_state.h"
 
 namespace wavetrace::app {
@@ -10,6 +12,10 @@ namespace wavetrace::app {
 // flags) returns with it, except the values changed in the same visit.
 // Always 1.
 int ApplyPortPages(core::AppState& state, const core::PortSettings& edited);
+
+// One line of the port list: "COM3:  USB Serial  (/dev/ttyUSB0)". A port
+// inside the program has a bracketed name for a path and keeps its one pair.
+std::u16string PortListLine(int slot, const std::u16string& friendlyName, const std::string& devicePath);
 
 // Sets the line speed; a rate the baud list does not offer becomes the one
 // custom rate.

@@ -6,6 +6,7 @@
 #include "core/code_page.h"
 #include "platform/pty.h"
 #include "serial/port.h"
+#include "serial/simulated_device.h"
 #include "test_support.h"
 
 namespace wavetrace::serial {
@@ -150,6 +151,22 @@ TEST(CommProperties, SlotNamesAndTheCustomRate) {
   EXPECT_EQ(port.CustomBauds_count, 1);
   SetBaud(port, 9600);  // a standard rate leaves the custom one in its slot
   EXPECT_EQ(port.CustomBaud_01, 31250u);
+}
+
+TEST(CommProperties, PortListLines) {
+  struct Case {
+    int slot;
+    std::u16string name;
+    std::string path;
+    std::u16string line;
+  };
+  for (const auto& c :
+       {Case{10, u"Simulated device", serial::kSimulatedDevicePath,
+             u"VSP0:  Simulated device  (simulated device)"},
+        Case{3, u"USB Serial", "/dev/ttyUSB0", u"COM3:  USB Serial  (/dev/ttyUSB0)"},
+        Case{11, u"", "/dev/pts/4", u"VSP1:  (/dev/pts/4)"}, Case{1, u"Serial", "", u"COM1:  Serial"}}) {
+    EXPECT_EQ(PortListLine(c.slot, c.name, c.path), c.line) << c.path;
+  }
 }
 
 TEST(CommProperties, ChangingBackToTheLoadedPortBringsItsLineSettingBack) {

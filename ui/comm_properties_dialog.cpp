@@ -25,13 +25,6 @@ QString SlotName(int slot) {
   return QString::fromStdU16String(core::PortSlotName(slot));
 }
 
-QString PortLine(int slot, const std::u16string& friendlyName, const std::string& devicePath) {
-  QString line = SlotName(slot);
-  if (!friendlyName.empty()) line += QStringLiteral("  ") + QString::fromStdU16String(friendlyName);
-  if (!devicePath.empty()) line += QStringLiteral("  (%1)").arg(QString::fromStdString(devicePath));
-  return line;
-}
-
 QComboBox* ChoiceField(const QStringList& items, const QString& current, QWidget* parent) {
   auto* field = new QComboBox(parent);
   field->addItems(items);
@@ -80,8 +73,9 @@ QWidget* CommPropertiesDialog::BuildPortPage(const core::PortSettings& port,
   for (int slot = 0; slot < core::kPortSlots; ++slot) {
     const std::string& path = devicePaths[static_cast<size_t>(slot)];
     if (port.PortPresent[static_cast<size_t>(slot)] == 0 && path.empty()) continue;
-    auto* item =
-        new QListWidgetItem(PortLine(slot, port.FriendlyName[static_cast<size_t>(slot)], path), portList_);
+    auto* item = new QListWidgetItem(QString::fromStdU16String(app::PortListLine(
+                                         slot, port.FriendlyName[static_cast<size_t>(slot)], path)),
+                                     portList_);
     item->setData(kSlotRole, SlotName(slot));
     if (SlotName(slot) == selected) current = item;
   }

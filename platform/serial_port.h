@@ -59,8 +59,9 @@ class SerialPort {
   virtual int Write(const uint8_t* data, int count, int timeoutMs, SysResult& failure) = 0;
   // Throws away both queues.
   virtual void Purge() = 0;
-  // Sets or clears the RTS and DTR lines; ports without modem lines ignore it.
-  virtual void SetModemLines(bool rts, bool dtr) = 0;
+  // Clears the lines named (RTS, DTR); the other keeps its level. Ports
+  // without modem lines ignore it.
+  virtual void ClearModemLines(bool rts, bool dtr) = 0;
   // Asks the far side to stop sending (XOFF).
   virtual void SendXoff() = 0;
   // True once the device went away (hang-up) while open.

@@ -142,9 +142,11 @@ class TermiosPort : public SerialPort {
     if (fd_ >= 0) tcflush(fd_, TCIOFLUSH);
   }
 
-  void SetModemLines(bool rts, bool dtr) override {
+  void ClearModemLines(bool rts, bool dtr) override {
     std::shared_lock lock(closing_);
-    if (fd_ >= 0) ApplyModemLines(rts, dtr);
+    int lines = (rts ? TIOCM_RTS : 0) | (dtr ? TIOCM_DTR : 0);
+    // Best effort, as when they were set: a port without them has none.
+    if (fd_ >= 0 && lines) ioctl(fd_, TIOCMBIC, &lines);
   }
 
   void ApplyModemLines(bool rts, bool dtr) {

@@ -113,7 +113,7 @@ void ClosePort(core::AppState& state) {
   if (!port) return;
   port->SetEventMask(0);
   if (state.Port.XON == 1) port->SendXoff();
-  if (state.Port.RTS == 1 || state.Port.DTR == 1) port->SetModemLines(false, false);
+  port->ClearModemLines(state.Port.RTS == 1, state.Port.DTR == 1);
   port->Close();
   SetPort(state, nullptr);
   core::ShowStatus(state, u"Port closed.");

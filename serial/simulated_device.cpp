@@ -103,7 +103,7 @@ class SimulatedPort : public platform::SerialPort {
     readable_.clear();
     bursts_.clear();
   }
-  void SetModemLines(bool, bool) override {}
+  void ClearModemLines(bool, bool) override {}
   void SendXoff() override {}
   [[nodiscard]] bool HungUp() const override { return false; }
 

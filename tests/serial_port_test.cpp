@@ -65,6 +65,43 @@ TEST(PortNames, SelectedPortResolution) {
   }
 }
 
+// A port that records what a close does to it.
+class RecordingPort : public platform::SerialPort {
+ public:
+  platform::SysResult Configure(const platform::LineSettings&, std::string&) override { return {}; }
+  uint32_t WaitEvent() override { return 0; }
+  void SetEventMask(uint32_t) override {}
+  int Read(uint8_t*, int, platform::SysResult&) override { return 0; }
+  int Write(const uint8_t*, int count, int, platform::SysResult&) override { return count; }
+  void Purge() override {}
+  void ClearModemLines(bool rts, bool dtr) override {
+    rtsCleared |= rts;
+    dtrCleared |= dtr;
+  }
+  void SendXoff() override {}
+  [[nodiscard]] bool HungUp() const override { return false; }
+  void Close() override { closed = true; }
+
+  bool rtsCleared = false, dtrCleared = false, closed = false;
+};
+
+TEST(ClosePort, ClearsTheLinesThatAreOn) {
+  for (auto [rts, dtr] :
+       {std::pair{0, 0}, std::pair{1, 0}, std::pair{0, 1}, std::pair{1, 1}, std::pair{2, 1}}) {
+    core::AppState state;
+    state.Port.RTS = rts;
+    state.Port.DTR = dtr;
+    auto port = std::make_shared<RecordingPort>();
+    state.PortHandle = port;
+    state.PortOpen = true;
+    ClosePort(state);
+    EXPECT_EQ(port->rtsCleared, rts == 1) << rts << dtr;
+    EXPECT_EQ(port->dtrCleared, dtr == 1) << rts << dtr;
+    EXPECT_TRUE(port->closed);
+    EXPECT_FALSE(state.PortOpen);
+  }
+}
+
 class PortOnPtyTest : public ::testing::Test {
  protected:
   void SetUp() override {

@@ -59,6 +59,12 @@ class SerialPort {
   virtual int Write(const uint8_t* data, int count, int timeoutMs, SysResult& failure) = 0;
   // Throws away both queues.
   virtual void Purge() = 0;
+  // Waits until what was written has left the port (the driver's output
+  // queue is empty), at most timeoutMs. False on a time-out, and at once
+  // once the port is closing.
+  virtual bool DrainOutput(int timeoutMs) = 0;
+  // Throws away what was written but has not left yet.
+  virtual void DiscardOutput() = 0;
   // Clears the lines named (RTS, DTR); the other keeps its level. Ports
   // without modem lines ignore it.
   virtual void ClearModemLines(bool rts, bool dtr) = 0;
@@ -66,7 +72,8 @@ class SerialPort {
   virtual void SendXoff() = 0;
   // True once the device went away (hang-up) while open.
   [[nodiscard]] virtual bool HungUp() const = 0;
-  // Wakes a pending wait, waits for it to leave, and releases the device.
+  // Wakes a pending wait, waits for it to leave, throws away unsent output
+  // and releases the device without making the caller wait for the line.
   // Every later call fails quietly (reads and writes -1, waits 0).
   virtual void Close() = 0;
 };

@@ -7,8 +7,11 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <future>
+#include <memory>
 #include <mutex>
 #include <shared_mutex>
+#include <thread>
 
 #include "platform/custom_rate.h"
 #include "platform/serial_port.h"
@@ -18,6 +21,28 @@
 
 namespace wavetrace::platform {
 namespace {
+
+// A terminal's close waits for the output still queued to leave, up to the
+// driver's closing wait (30 s by default), and flow control can hold the line
+// that long. The caller has thrown the output away just before, which ends
+// that wait on most drivers; what a driver may still hold (a USB adapter's
+// own buffer, a UART whose CTS stays low) is waited for on a thread of its
+// own: the caller goes on after a short grace and the close finishes by
+// itself. Within the grace (every close of a pseudo-terminal, for one) the
+// device is released when this returns.
+void CloseWithoutWaiting(int fd) {
+  try {
+    auto done = std::make_shared<std::promise<void>>();
+    std::future<void> closed = done->get_future();
+    std::thread([fd, done] {
+      close(fd);
+      done->set_value();
+    }).detach();
+    closed.wait_for(std::chrono::milliseconds(200));
+  } catch (const std::system_error&) {
+    close(fd);  // no thread to be had: close here
+  }
+}
 
 class TermiosPort : public SerialPort {
  public:
@@ -130,11 +155,33 @@ class TermiosPort : public SerialPort {
         return done > 0 ? done : -1;
       }
       auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
-      if (left <= 0) break;
-      pollfd pfd{fd_, POLLOUT, 0};
-      poll(&pfd, 1, static_cast<int>(left));
+      if (left <= 0 || closeRequested_) break;
+      pollfd fds[2] = {{fd_, POLLOUT, 0}, {closeWake_.Fd(), POLLIN, 0}};
+      poll(fds, 2, static_cast<int>(left));
     }
     return done;
+  }
+
+  bool DrainOutput(int timeoutMs) override {
+    std::shared_lock lock(closing_);
+    auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
+    // TIOCOUTQ rather than tcdrain: the wait has to end when the port closes.
+    for (;;) {
+      int queued = 0;
+      if (fd_ < 0 || closeRequested_ || ioctl(fd_, TIOCOUTQ, &queued) != 0) return false;
+      if (queued == 0) return true;
+      auto left =
+          std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now())
+              .count();
+      if (left <= 0) return false;
+      // A byte takes about 1 ms at 9600 baud: look again every few.
+      closeWake_.Wait(static_cast<int>(std::min<long long>(left, kDrainPollMs)));
+    }
+  }
+
+  void DiscardOutput() override {
+    std::shared_lock lock(closing_);
+    if (fd_ >= 0) tcflush(fd_, TCOFLUSH);
   }
 
   void Purge() override {
@@ -163,9 +210,15 @@ class TermiosPort : public SerialPort {
   }
 
   void Close() override {
+    // Writes and drains in progress leave first, or the lock below would
+    // wait for their time-outs.
+    closeRequested_ = true;
+    closeWake_.Signal();
     SetEventMask(0);
     std::unique_lock lock(closing_);
-    if (fd_ >= 0) close(fd_);
+    if (fd_ < 0) return;
+    tcflush(fd_, TCOFLUSH);
+    CloseWithoutWaiting(fd_);
     fd_ = -1;
   }
 
@@ -184,6 +237,9 @@ class TermiosPort : public SerialPort {
   std::atomic<uint32_t> mask_{event::kDefaultMask};
   std::atomic<bool> hungUp_{false};
   WakeEvent wake_;
+  std::atomic<bool> closeRequested_{false};
+  WakeEvent closeWake_;  // signalled once, by Close
+  static constexpr long long kDrainPollMs = 5;
 };
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "core/reporting.h"
 #include "core/shared_field.h"
 #include "platform/clock.h"
+#include "serial/port.h"
 #include "serial/tx_thread.h"
 
 namespace wavetrace::serial {
@@ -33,6 +34,14 @@ void ShowProgress(core::AppState& state, int percent) {
 
 bool StillSending(const core::AppState& state) {
   return state.PlayFlag && state.TxActive;
+}
+
+// A chunk counts as sent once it has left the port, not when the driver took
+// it: the progress then follows the line, and STOP finds little queued. The
+// wait ends early when the port closes; on a time-out (flow control holding
+// the line) the next write finds the queue still full and times out itself.
+void WaitForTheLine(core::AppState& state, uint32_t count) {
+  if (auto port = CurrentPort(state)) port->DrainOutput(WriteTimeoutMs(state, count));
 }
 
 }  // namespace
@@ -120,6 +129,7 @@ int TransmitFile(core::AppState& state, const std::u16string& path) {
     }
     result = WriteToPort(state, chunk, plan.ChunkSize);
     if (result != 0) break;
+    WaitForTheLine(state, plan.ChunkSize);
     if (whole) chunk += plan.ChunkSize;
     ShowProgress(state, FileProgressPercent(i, plan.ChunkCount));
     platform::SleepMs(50);
@@ -133,6 +143,7 @@ int TransmitFile(core::AppState& state, const std::u16string& path) {
       return kFileError;
     }
     result = WriteToPort(state, chunk, plan.TailBytes);
+    if (result == 0) WaitForTheLine(state, plan.TailBytes);
     if (result == 0) {
       ShowProgress(state, 100);
       platform::SleepMs(100);

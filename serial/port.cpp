@@ -112,6 +112,8 @@ void ClosePort(core::AppState& state) {
   std::shared_ptr<platform::SerialPort> port = CurrentPort(state);
   if (!port) return;
   port->SetEventMask(0);
+  // What a send left queued is thrown away: STOP stops the line too.
+  port->DiscardOutput();
   if (state.Port.XON == 1) port->SendXoff();
   port->ClearModemLines(state.Port.RTS == 1, state.Port.DTR == 1);
   port->Close();

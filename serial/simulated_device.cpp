@@ -70,38 +70,52 @@ class SimulatedPort : public platform::SerialPort {
     return n;
   }
 
-  int Write(const uint8_t* data, int count, int, platform::SysResult& failure) override {
-    std::lock_guard lock(mutex_);
+  // Like a terminal: the bytes go into an output queue of its size and leave
+  // at the port's line rate; a full queue makes the write wait for room.
+  int Write(const uint8_t* data, int count, int timeoutMs, platform::SysResult& failure) override {
+    std::unique_lock lock(mutex_);
     if (closed_) {
       failure = {0, "closed port"};
       return -1;
     }
-    // The device hears the program's bytes through its own UART.
-    std::string heard =
-        TranscodeUart(std::string_view(reinterpret_cast<const char*>(data), static_cast<size_t>(count)),
-                      portLine_, profile_.SimulatedSetting);
-    for (char c : heard) {
-      if (c != '\r' && c != '\n') {
-        if (line_.size() < 256) line_ += c;
-        continue;
-      }
-      if (line_.empty()) continue;
-      std::string upper = line_;
-      for (auto& u : upper) u = static_cast<char>(std::toupper(static_cast<unsigned char>(u)));
-      if (upper.rfind("AT", 0) == 0) {
-        Emit("OK\r\n");
-      } else if (profile_.SimulatedEcho) {
-        Emit(line_ + "\r\n");
-      }
-      line_.clear();
+    auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
+    int done = 0;
+    while (done < count) {
+      if (!wake_.wait_until(lock, deadline,
+                            [this] { return closed_ || outgoing_.size() < kOutputQueueBytes; }) ||
+          closed_)
+        break;
+      size_t n = std::min(kOutputQueueBytes - outgoing_.size(), static_cast<size_t>(count - done));
+      if (outgoing_.empty()) nextByteOut_ = Clock::now() + ByteTime();
+      outgoing_.insert(outgoing_.end(), data + done, data + done + n);
+      done += static_cast<int>(n);
     }
-    return count;
+    return done;
+  }
+
+  bool DrainOutput(int timeoutMs) override {
+    std::unique_lock lock(mutex_);
+    wake_.wait_for(lock, std::chrono::milliseconds(timeoutMs),
+                   [this] { return closed_ || outgoing_.empty(); });
+    return !closed_ && outgoing_.empty();
+  }
+
+  void DiscardOutput() override {
+    {
+      std::lock_guard lock(mutex_);
+      outgoing_.clear();
+    }
+    wake_.notify_all();
   }
 
   void Purge() override {
-    std::lock_guard lock(mutex_);
-    readable_.clear();
-    bursts_.clear();
+    {
+      std::lock_guard lock(mutex_);
+      readable_.clear();
+      bursts_.clear();
+      outgoing_.clear();
+    }
+    wake_.notify_all();
   }
   void ClearModemLines(bool, bool) override {}
   void SendXoff() override {}
@@ -125,6 +139,46 @@ class SimulatedPort : public platform::SerialPort {
     Clock::duration length;
     size_t released = 0;
   };
+
+  // With the lock held: the time one byte takes on the line at the port's setting.
+  [[nodiscard]] Clock::duration ByteTime() const {
+    return std::chrono::duration_cast<Clock::duration>(
+        std::chrono::duration<double>(BitsPerFrame(portLine_) / portLine_.Baud));
+  }
+
+  // With the lock held: the bytes that have left the port by now reach the
+  // device. True when any did.
+  bool Transmit(Clock::time_point now) {
+    std::string sent;
+    while (!outgoing_.empty() && now >= nextByteOut_) {
+      sent.push_back(static_cast<char>(outgoing_.front()));
+      outgoing_.pop_front();
+      nextByteOut_ += ByteTime();
+    }
+    if (!sent.empty()) Hear(sent);
+    return !sent.empty();
+  }
+
+  // With the lock held: the device hears the program's bytes through its own
+  // UART and answers complete lines.
+  void Hear(const std::string& sent) {
+    std::string heard = TranscodeUart(sent, portLine_, profile_.SimulatedSetting);
+    for (char c : heard) {
+      if (c != '\r' && c != '\n') {
+        if (line_.size() < 256) line_ += c;
+        continue;
+      }
+      if (line_.empty()) continue;
+      std::string upper = line_;
+      for (auto& u : upper) u = static_cast<char>(std::toupper(static_cast<unsigned char>(u)));
+      if (upper.rfind("AT", 0) == 0) {
+        Emit("OK\r\n");
+      } else if (profile_.SimulatedEcho) {
+        Emit(line_ + "\r\n");
+      }
+      line_.clear();
+    }
+  }
 
   // With the lock held: queues what the device sends now.
   void Emit(const std::string& bytes) {
@@ -171,7 +225,8 @@ class SimulatedPort : public platform::SerialPort {
         Emit(SimulatedSentences(second++));
         nextSentence += std::chrono::milliseconds(std::max(profile_.SimulatedSentenceMs, 10));
       }
-      if (Release(now)) {
+      bool sent = Transmit(now);
+      if (Release(now) || sent) {
         lock.unlock();
         wake_.notify_all();
         lock.lock();
@@ -188,6 +243,10 @@ class SimulatedPort : public platform::SerialPort {
   bool closed_ = false;
   std::deque<uint8_t> readable_;
   std::deque<Burst> bursts_;
+  // Written by the program, not yet on the line; the head leaves at nextByteOut_.
+  static constexpr size_t kOutputQueueBytes = 4096;
+  std::deque<uint8_t> outgoing_;
+  Clock::time_point nextByteOut_;
   std::string line_;
   std::thread thread_;
 };

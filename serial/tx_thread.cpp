@@ -71,15 +71,18 @@ uint32_t PrepareTxData(core::AppState& state, core::DataBlock& block, uint32_t l
   return static_cast<uint32_t>(parsed);
 }
 
+int WriteTimeoutMs(const core::AppState& state, uint32_t count) {
+  uint64_t timeout = uint64_t{state.WriteTotalTimeoutMultiplier} * count + state.WriteTotalTimeoutConstant;
+  return static_cast<int>(std::min<uint64_t>(timeout, INT32_MAX));
+}
+
 int WriteToPort(core::AppState& state, const uint8_t* bytes, uint32_t count) {
   if (!state.PlayFlag) return 0;
   if (!state.TxActive) return kWriteSkipped;
   auto port = CurrentPort(state);
-  uint64_t timeout = uint64_t{state.WriteTotalTimeoutMultiplier} * count + state.WriteTotalTimeoutConstant;
   platform::SysResult failure{0, "closed port"};
-  int written = port ? port->Write(bytes, static_cast<int>(count),
-                                   static_cast<int>(std::min<uint64_t>(timeout, INT32_MAX)), failure)
-                     : -1;
+  int written =
+      port ? port->Write(bytes, static_cast<int>(count), WriteTimeoutMs(state, count), failure) : -1;
   if (written != static_cast<int>(count)) {
     // A write that ran out of time has no system code.
     if (written >= 0) failure = {0, "write time-out"};

@@ -21,6 +21,8 @@ uint32_t PrepareTxData(core::AppState& state, core::DataBlock& block, uint32_t l
 // 0 written, 1 the write failed (reported), 99 no send under way. Nothing is
 // written while the PLAY flag is clear.
 int WriteToPort(core::AppState& state, const uint8_t* bytes, uint32_t count);
+// The total write time-out of count bytes at the port's line speed.
+int WriteTimeoutMs(const core::AppState& state, uint32_t count);
 // After a successful send: the sent text on the status line (once per run)
 // and in the history drop-down, which keeps three. With reset set, only the
 // count of added entries starts over.

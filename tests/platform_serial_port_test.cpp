@@ -187,6 +187,37 @@ TEST_F(PtyPortTest, AZeroMaskOrTheDeviceGoingAwayEndsAPendingWait) {
   EXPECT_EQ(port->WaitEvent(), 0u);
 }
 
+// A pty has no output queue that drains at a line rate (TIOCOUTQ reads 0,
+// TCOFLUSH does not reach bytes already at the far side, and its close never
+// waits for the line), so pacing and throwing output away are shown on the
+// simulated device. What a pty does show: a write held up by a far side that
+// does not read ends when the port closes, so a close never waits for it.
+TEST_F(PtyPortTest, AClosingPortEndsAHeldWriteAndDrainsReturnAtOnce) {
+  const std::string small = "AT\r";
+  SysResult failure;
+  ASSERT_EQ(port->Write(reinterpret_cast<const uint8_t*>(small.data()), 3, 1000, failure), 3);
+  EXPECT_TRUE(port->DrainOutput(1000));
+  EXPECT_EQ(pty.Read(3, 2000), small);
+
+  const std::string big(4 << 20, 'x');  // far more than a pty holds
+  constexpr int kWriteTimeoutMs = 20000;
+  std::atomic<int> written{-2};
+  auto start = std::chrono::steady_clock::now();
+  std::thread writer([&] {
+    SysResult writeFailure;
+    written = port->Write(reinterpret_cast<const uint8_t*>(big.data()), static_cast<int>(big.size()),
+                          kWriteTimeoutMs, writeFailure);
+  });
+  std::this_thread::sleep_for(100ms);
+  port->Close();
+  writer.join();
+  auto took = std::chrono::steady_clock::now() - start;
+  EXPECT_GT(written, 0);
+  EXPECT_LT(written, static_cast<int>(big.size()));
+  EXPECT_LT(took, std::chrono::milliseconds(kWriteTimeoutMs / 2));
+  EXPECT_FALSE(port->DrainOutput(1000));
+}
+
 TEST(TermiosPort, MissingDevicesAndNonTerminals) {
   SysResult failure;
   EXPECT_FALSE(OpenTermiosPort("/dev/does-not-exist-wavetrace", failure));

@@ -74,6 +74,8 @@ class RecordingPort : public platform::SerialPort {
   int Read(uint8_t*, int, platform::SysResult&) override { return 0; }
   int Write(const uint8_t*, int count, int, platform::SysResult&) override { return count; }
   void Purge() override {}
+  bool DrainOutput(int) override { return true; }
+  void DiscardOutput() override { discardedWhileOpen = !closed; }
   void ClearModemLines(bool rts, bool dtr) override {
     rtsCleared |= rts;
     dtrCleared |= dtr;
@@ -82,10 +84,10 @@ class RecordingPort : public platform::SerialPort {
   [[nodiscard]] bool HungUp() const override { return false; }
   void Close() override { closed = true; }
 
-  bool rtsCleared = false, dtrCleared = false, closed = false;
+  bool rtsCleared = false, dtrCleared = false, discardedWhileOpen = false, closed = false;
 };
 
-TEST(ClosePort, ClearsTheLinesThatAreOn) {
+TEST(ClosePort, ClearsTheLinesThatAreOnAndThrowsAwayUnsentOutput) {
   for (auto [rts, dtr] :
        {std::pair{0, 0}, std::pair{1, 0}, std::pair{0, 1}, std::pair{1, 1}, std::pair{2, 1}}) {
     core::AppState state;
@@ -97,6 +99,7 @@ TEST(ClosePort, ClearsTheLinesThatAreOn) {
     ClosePort(state);
     EXPECT_EQ(port->rtsCleared, rts == 1) << rts << dtr;
     EXPECT_EQ(port->dtrCleared, dtr == 1) << rts << dtr;
+    EXPECT_TRUE(port->discardedWhileOpen);
     EXPECT_TRUE(port->closed);
     EXPECT_FALSE(state.PortOpen);
   }

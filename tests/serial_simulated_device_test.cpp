@@ -68,6 +68,48 @@ TEST(UartModel, MatchingSettingsPassBytesAndMismatchesGarbleThem) {
   EXPECT_GT(TranscodeUart(text, device, Line(9600, 8, Parity::kNone, StopBits::kOne)).size(), text.size());
 }
 
+// The device plays a UART's transmit side too: what the program writes waits
+// in an output queue and reaches the device at the line rate.
+TEST(SimulatedDevice, OutputLeavesAtTheLineRateAndCanBeThrownAway) {
+  core::SimulatedProfile profile;  // 4800,8,N,1: about 2 ms a byte
+  profile.SimulatedSentenceMs = 600000;
+  auto port = OpenSimulatedDevice(profile);
+  std::string error;
+  ASSERT_TRUE(port->Configure(profile.SimulatedSetting, error).Ok()) << error;
+  auto write = [&](const std::string& bytes) {
+    platform::SysResult failure;
+    return port->Write(reinterpret_cast<const uint8_t*>(bytes.data()), static_cast<int>(bytes.size()), 1000,
+                       failure);
+  };
+  auto readFor = [&](std::chrono::milliseconds span) {
+    std::string text;
+    uint8_t buffer[512];
+    for (auto end = std::chrono::steady_clock::now() + span; std::chrono::steady_clock::now() < end;) {
+      platform::SysResult failure;
+      int n = port->Read(buffer, sizeof buffer, failure);
+      text.append(reinterpret_cast<char*>(buffer), static_cast<size_t>(std::max(n, 0)));
+      std::this_thread::sleep_for(10ms);
+    }
+    return text;
+  };
+
+  // A second of line time is queued at once, and is still on its way.
+  const std::string command = "AT" + std::string(478, 'x') + "\r";
+  ASSERT_EQ(write(command), static_cast<int>(command.size()));
+  EXPECT_FALSE(port->DrainOutput(50));
+  // Thrown away, it never reaches the device: no answer comes.
+  port->DiscardOutput();
+  EXPECT_TRUE(port->DrainOutput(0));
+  EXPECT_EQ(readFor(1500ms).find("OK"), std::string::npos);
+
+  // Left alone, it arrives whole once the line has carried it.
+  ASSERT_EQ(write(command), static_cast<int>(command.size()));
+  EXPECT_TRUE(port->DrainOutput(5000));
+  EXPECT_NE(readFor(300ms).find("OK\r\n"), std::string::npos);
+  port->Close();
+  EXPECT_FALSE(port->DrainOutput(0));
+}
+
 TEST(SimulatedDevice, SentencesCarryTheirChecksums) {
   std::string sentences = SimulatedSentences(61);
   EXPECT_EQ(sentences.rfind("$GPGGA,120101.00,", 0), 0u);
@@ -116,6 +158,28 @@ TEST_F(SimulatedPortTest, FoundByDiscoveryAndReadExactlyWithItsSetting) {
   state.Screen.SetTxText(u"hello[0D]");
   state.Queue.SendCommand(core::cmd::kSend);
   EXPECT_TRUE(PumpUntil([&] { return state.Screen.RxText().find(u"hello\r\n") != std::u16string::npos; }));
+}
+
+TEST_F(SimulatedPortTest, AFileIsPacedByTheLine) {
+  ASSERT_TRUE(Play(4800, 8, u"None", u"1"));
+  // Five chunks of 96 bytes: a second of line time at 4800 baud, where
+  // writing them takes a quarter of that.
+  std::string text;
+  for (int i = 0; i < 48; ++i) text += "ATI" + std::to_string(100000 + i) + "\r";
+  const std::string path = folder.Path() + "/commands.txt";
+  std::ofstream(path, std::ios::binary) << text;
+  state.Screen.SetTxText(u"[File::" + core::Utf8ToWide(path) + u"]");
+  state.Queue.SendCommand(core::cmd::kSend);
+  ASSERT_TRUE(PumpUntil([&] { return !state.TxActive && state.Screen.TxEnabled(); }));
+  // The transfer ended only once the line had carried the file.
+  EXPECT_TRUE(CurrentPort(state)->DrainOutput(0));
+  auto answers = [&] {
+    std::u16string rx = state.Screen.RxText();
+    size_t count = 0;
+    for (size_t at = rx.find(u"OK\r\n"); at != std::u16string::npos; at = rx.find(u"OK\r\n", at + 1)) ++count;
+    return count;
+  };
+  EXPECT_TRUE(PumpUntil([&] { return answers() == 48; }));
 }
 
 TEST_F(SimulatedPortTest, SurvivesManyOpensAndClosesAndAnExitWhileOpen) {

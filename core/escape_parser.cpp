@@ -55,34 +55,39 @@ int32_t MaxEscapeDigits(int32_t radix) {
 int32_t ParseBracketEscapes(std::span<uint8_t> text, int32_t radix) {
   uint8_t* const data = text.data();
   const auto terminator = std::find(text.begin(), text.end(), uint8_t{0});
-  size_t length = static_cast<size_t>(terminator - text.begin());
+  const size_t length = static_cast<size_t>(terminator - text.begin());
   if (radix < 2 || radix > 36) return static_cast<int32_t>(length);
 
+  // One pass: the text read so far, with its escapes replaced, is
+  // data[0, to); what is still to read is data[from, length) as written. Each
+  // byte is looked at and moved once, so a long line of escapes takes time
+  // in proportion to its length.
   size_t from = 0;
+  size_t to = 0;
+  auto keep = [&](size_t end) {
+    if (to != from) std::memmove(data + to, data + from, end - from);
+    to += end - from;
+    from = end;
+  };
   while (from < length) {
     const auto* open = static_cast<const uint8_t*>(std::memchr(data + from, '[', length - from));
     if (!open) break;
     const size_t openAt = static_cast<size_t>(open - data);
     const auto* close = static_cast<const uint8_t*>(std::memchr(data + openAt + 1, ']', length - openAt - 1));
-    if (!close) {
-      from = openAt + 1;
-      continue;
-    }
+    if (!close) break;  // no "[" further on has a "]" after it either
     const size_t closeAt = static_cast<size_t>(close - data);
-    const auto k = static_cast<int32_t>(closeAt - openAt - 1);
-    const int value = EscapeValue(data + openAt + 1, k, radix);
+    const int value = EscapeValue(data + openAt + 1, static_cast<int32_t>(closeAt - openAt - 1), radix);
     if (value < 0) {
-      from = closeAt;
+      keep(closeAt);  // left as written; the search goes on from its "]"
       continue;
     }
-    data[openAt] = static_cast<uint8_t>(value);
-    std::memmove(data + openAt + 1, data + closeAt + 1, length - closeAt - 1);
-    const size_t removed = static_cast<size_t>(k) + 1;
-    std::memset(data + length - removed, 0, removed);
-    length -= removed;
-    from = openAt + 1;
+    keep(openAt);
+    data[to++] = static_cast<uint8_t>(value);
+    from = closeAt + 1;
   }
-  return static_cast<int32_t>(length);
+  keep(length);
+  if (to < length) std::memset(data + to, 0, length - to);
+  return static_cast<int32_t>(to);
 }
 
 }  // namespace wavetrace::core

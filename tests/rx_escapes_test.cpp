@@ -76,6 +76,29 @@ TEST(ParseBracketEscapesTest, TableOfEscapes) {
   }
 }
 
+TEST(ParseBracketEscapesTest, LongLines) {
+  struct Case {
+    const char* name;
+    std::string unit;      // repeated to make the line
+    std::string expected;  // what each unit becomes
+  };
+  const Case cases[] = {
+      {"escapes only", "[41]", "A"},
+      {"escapes and invalid ones", "[41]x[ZZ][0D]", "Ax[ZZ]\r"},
+      {"results that look like escapes", "[5B]41]", "[41]"},
+      {"openings without a close", "[", "["},
+  };
+  for (const auto& c : cases) {
+    std::string text, expected;
+    for (int i = 0; i < (1 << 20) / static_cast<int>(c.unit.size()); ++i) {
+      text += c.unit;
+      expected += c.expected;
+    }
+    int32_t length = 0;
+    EXPECT_EQ(Parse(text, 16, length), expected) << c.name;
+  }
+}
+
 TEST(ParseBracketEscapesTest, StopsAtTheTerminator) {
   std::vector<uint8_t> text = {'[', '4', '1', ']', 0, '[', '4', '2', ']'};
   EXPECT_EQ(core::ParseBracketEscapes(text, 16), 1);

@@ -66,6 +66,22 @@ std::string SetLineOption(core::CommandLineSwitches& sw, const std::string& opti
   return {};
 }
 
+// "tcp://HOST:PORT" or "udp://HOST:PORT".
+std::string SetRelayOption(core::CommandLineSwitches& sw, const std::string& value) {
+  std::string refused = "--relay takes tcp://HOST:PORT or udp://HOST:PORT, not '" + value + "'";
+  std::string scheme = value.substr(0, 6);
+  size_t colon = value.rfind(':');
+  if ((scheme != "tcp://" && scheme != "udp://") || colon == std::string::npos || colon <= 6) return refused;
+  std::string port = value.substr(colon + 1);
+  char* end = nullptr;
+  unsigned long number = std::strtoul(port.c_str(), &end, 10);
+  if (port.empty() || *end || port[0] == '-' || number > 65535) return refused;
+  sw.RelayHost = value.substr(6, colon - 6);
+  sw.RelayPort = static_cast<uint32_t>(number);
+  sw.RelayTcp = scheme == "tcp://" ? 1 : 0;
+  return {};
+}
+
 }  // namespace
 
 CommandLine ParseCommandLine(const std::vector<std::string>& args) {
@@ -118,6 +134,12 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args) {
       } else {
         sw.SimSetting = args[++i];
       }
+    } else if (arg == "--relay") {
+      if (i + 1 >= args.size()) {
+        result.Error = "option --relay needs tcp://HOST:PORT or udp://HOST:PORT";
+      } else {
+        result.Error = SetRelayOption(sw, args[++i]);
+      }
     } else if (arg == "--list-ports") {
       result.ListPorts = true;
     } else if (IsLineOption(arg)) {
@@ -150,6 +172,8 @@ std::string HelpText(const std::string& program, bool guiProgram) {
       "  --baud N, --databits 5..8, --parity none|odd|even|mark|space, --stopbits 1|1.5|2\n"
       "                                the line setting for it\n"
       "  --send TEXT                   send TEXT once the port is open ([0D] is a carriage return)\n"
+      "  --relay tcp://HOST:PORT       relay received data to a TCP server (udp://HOST:PORT: UDP)\n"
+      "                                once the port is open; the relay's messages go to standard error\n"
       "  --list-ports                  list the serial ports found and exit\n"
       "  --sim-setting B,D,P,S         the simulated device's own line setting (VSP0:), e.g. 9600,7,E,1\n"
       "  --nogui, /NOGUI               no window: run headless in this terminal\n"

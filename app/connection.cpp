@@ -6,6 +6,7 @@
 #include "app/tray_notification.h"
 #include "core/messages.h"
 #include "core/reporting.h"
+#include "relay/network_relay.h"
 #include "serial/port.h"
 
 namespace wavetrace::app {
@@ -66,6 +67,17 @@ void ToggleRepeat(core::AppState& state) {
   if (state.Screen.IsButtonEnabled(kSend)) state.Screen.SetFocus(kSend);
 }
 
+void ToggleRelay(core::AppState& state) {
+  bool on = !state.RelayActive;
+  state.RelayActive = on;
+  state.Screen.SetButtonPressed(kRelay, on);
+  if (on) {
+    relay::RelayActivate(state);
+  } else {
+    relay::RelayDeactivate(state);
+  }
+}
+
 void ShowOpenedState(core::AppState& state) {
   auto& screen = state.Screen;
   screen.EnableButton(kMenuBarPlay, false);
@@ -81,6 +93,11 @@ void ShowOpenedState(core::AppState& state) {
     screen.SetTxText(state.PendingSendText);
     state.PendingSendText.clear();
     Send(state);
+  }
+  // --relay: received data goes to the server from the first block on.
+  if (state.PendingRelay) {
+    state.PendingRelay = false;
+    if (!state.RelayActive) ToggleRelay(state);
   }
 }
 

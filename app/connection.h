@@ -15,6 +15,8 @@ void Stop(core::AppState& state);
 void Send(core::AppState& state);
 // REPEAT (6003): switches repeat sending on or off.
 void ToggleRepeat(core::AppState& state);
+// RELAY (6005): switches the relays on or off.
+void ToggleRelay(core::AppState& state);
 // WM_RX_ACTIVE: the opened state.
 void ShowOpenedState(core::AppState& state);
 // WM_RX_SUSPENDED: the closed state. A port whose device went away is

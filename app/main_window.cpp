@@ -14,6 +14,7 @@
 #include "core/reporting.h"
 #include "core/shared_field.h"
 #include "platform/display_control.h"
+#include "relay/network_relay.h"
 #include "rx/log_cache.h"
 #include "serial/port.h"
 #include "serial/tx_thread.h"
@@ -26,7 +27,7 @@ using namespace core::cmd;
 // Commands whose features are not part of the program yet: their menu items
 // and buttons stay grey and the window ignores them.
 constexpr std::array kUnavailable = {
-    kReceiveOptions, kAsciiChart, kSoftwareButtons, kCommPinouts, kHelp, kRunScript, kRecord, kRelay,
+    kReceiveOptions, kAsciiChart, kSoftwareButtons, kCommPinouts, kHelp, kRunScript, kRecord,
 };
 
 bool IsUnavailable(int command) {
@@ -123,6 +124,9 @@ int64_t OnCommand(core::AppState& state, int command, int64_t source) {
     case kRepeat:
       ToggleRepeat(state);
       return 0;
+    case kRelay:
+      ToggleRelay(state);
+      return 0;
     case kAbout:
       if (state.View) state.View->ShowAbout(AboutReleaseLine(), state.AutomationMode != 0);
       return 0;
@@ -205,7 +209,8 @@ int CreateMainWindow(core::AppState& state) {
   state.Queue.SetHandler([&state](const core::Message& m) { return MainWindowProc(state, m); });
   state.Screen.SetListener([&state] { state.Queue.Post(core::MakeMessage(core::kWmScreenChanged)); });
 
-  // The create handler.
+  // The create handler. The relay is in place before the receive thread.
+  relay::InstallNetworkRelay(state);
   if (CreateWorkerThreads(state) != 0) {
     if (state.View) state.View->SetWaitCursor(false);
     EndWorkerThreads(state);
@@ -260,8 +265,12 @@ void Shutdown(core::AppState& state) {
   state.PlayFlag = false;
   state.TxActive = false;
   core::ShowStatus(state, u"Shutting down...");
+  // RELAY off before the receive thread is joined: closing the socket ends a
+  // send that a stalled server holds up.
+  if (state.RelayActive) ToggleRelay(state);
   DisplayOn(state);
   EndWorkerThreads(state);
+  state.NetworkRelay.reset();
   state.Queue.KillTimer(core::kKeepAliveTimerId);
   state.KeepAliveTimerRunning = false;
   ShellNotification(state, kNotifyRemove);

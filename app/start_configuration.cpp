@@ -3,15 +3,37 @@
 #include "app/main_window.h"
 #include "app/port_discovery.h"
 #include "config/config_file.h"
+#include "core/code_page.h"
 #include "core/messages.h"
 #include "core/reporting.h"
 #include "platform/line_setting_text.h"
+#include "platform/socket.h"
 #include "platform/system_error.h"
 
 namespace wavetrace::app {
 namespace {
 
 using namespace core::cmd;
+
+// --relay: the TCP_relay settings name the server (a name is looked up now,
+// as the octet fields hold an address), and RELAY goes on with the port.
+void ApplyRelaySwitch(core::AppState& state) {
+  const auto& sw = state.Switches;
+  if (sw.RelayHost.empty()) return;
+  uint32_t address = 0;
+  if (platform::SysResult failure = platform::ResolveIpv4(sw.RelayHost, address); !failure) {
+    core::ShowStatusError(state, u"Relay server not found [" + core::Utf8ToWide(sw.RelayHost) + u"]", failure);
+    return;
+  }
+  for (int i = 0; i < 4; ++i) {
+    state.Data.IP[i] = core::Utf8ToWide(std::to_string((address >> (24 - 8 * i)) & 0xff));
+  }
+  state.Data.RelayTCP_RemotePort = static_cast<int32_t>(sw.RelayPort);
+  state.Data.Relay_SocketType_TCP = sw.RelayTcp;
+  state.Data.Relay_SocketType_UDP = sw.RelayTcp ? 0 : 1;
+  state.Data.EnableTCPIPrelay = 1;
+  state.PendingRelay = true;
+}
 
 void LoadStartConfiguration(core::AppState& state) {
   if (state.ProgramOptions.DEFAULTcfg != 1) config::ConfigLoad(state, state.CurrentConfigPath);
@@ -33,6 +55,7 @@ void LoadStartConfiguration(core::AppState& state) {
   if (!sw.Parity.empty()) state.Port.Parity = sw.Parity;
   if (!sw.StopBits.empty()) state.Port.StopBits = sw.StopBits;
   state.PendingSendText = sw.SendText;
+  ApplyRelaySwitch(state);
   if (!sw.Port.empty()) {
     state.Port.SelectedPort = sw.Port;
     state.Queue.PostCommand(kPlay);

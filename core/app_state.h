@@ -7,6 +7,7 @@
 #include <mutex>
 #include <string>
 
+#include "core/block_sink.h"
 #include "core/buffer.h"
 #include "core/command_line_switches.h"
 #include "core/front_end.h"
@@ -63,6 +64,13 @@ struct AppState {
   std::unique_ptr<platform::InstanceLock> Instance;
   std::unique_ptr<platform::DisplayControl> Display;
 
+  // --- relays ----------------------------------------------------------------
+  std::atomic<bool> RelayActive{false};  // the RELAY toggle
+  // The network relay and its socket (relay/network_relay); the dispatcher
+  // hands it every block. Installed by the main window before the receive
+  // thread runs, removed after the thread has been joined
+  // (declared before the threads, so it also outlives them).
+  std::unique_ptr<BlockSink> NetworkRelay;
   // --- threads (null stands for the invalid handle) -----------------------
   std::unique_ptr<platform::SuspendableThread> RxThread;
   std::unique_ptr<platform::SuspendableThread> TxThread;
@@ -93,6 +101,7 @@ struct AppState {
   static constexpr int32_t kSentHistoryKept = 3;
   int32_t SentHistoryCount = 0;    // entries the transmit thread added to the history
   std::u16string PendingSendText;  // --send: sent once the port has opened
+  bool PendingRelay = false;       // --relay: RELAY goes on once the port has opened
   std::atomic<bool> PortScanMode{false};
   std::atomic<bool> PortOpen{false};  // the port handle is valid
   bool SoftwareButtonsShown = false;

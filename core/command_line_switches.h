@@ -26,6 +26,10 @@ struct CommandLineSwitches {
   std::u16string StopBits;
   std::u16string SendText;  // --send: sent once after the port opens
   std::string SimSetting;   // --sim-setting: the simulated device's own line setting
+  // --relay tcp://HOST:PORT or udp://HOST:PORT (empty host: none given).
+  std::string RelayHost;
+  uint32_t RelayPort = 0;
+  int32_t RelayTcp = 1;
 };
 
 }  // namespace wavetrace::core

@@ -1,0 +1,63 @@
+#include "relay/relay_page.h"
+
+#include <algorithm>
+
+namespace wavetrace::relay {
+namespace {
+
+constexpr size_t kOctetChars = 7;
+
+// The leading decimal digits, saturating; no digits read as 0.
+uint32_t UnsignedDecimal(std::u16string_view text) {
+  uint64_t value = 0;
+  for (char16_t ch : text) {
+    if (ch < u'0' || ch > u'9') break;
+    value = std::min<uint64_t>(value * 10 + (ch - u'0'), UINT32_MAX);
+  }
+  return static_cast<uint32_t>(value);
+}
+
+std::u16string Decimal(uint32_t value) {
+  std::string digits = std::to_string(value);
+  return {digits.begin(), digits.end()};
+}
+
+}  // namespace
+
+std::optional<std::u16string> ClampedFieldText(std::u16string_view text, uint32_t& lastSeen, uint32_t maximum) {
+  uint32_t value = UnsignedDecimal(text);
+  if (value == lastSeen) return std::nullopt;
+  value = std::min(value, maximum);
+  lastSeen = value;
+  return Decimal(value);
+}
+
+RelayPageControls NetworkRelayControls(bool enableTicked, bool relayActive) {
+  if (relayActive) return {false, false, false};
+  return {true, enableTicked, enableTicked};
+}
+
+IpRelayFields ReadIpRelayFields(const core::DataSettings& data) {
+  IpRelayFields fields;
+  fields.Octets = data.IP;
+  fields.Port = Decimal(static_cast<uint32_t>(data.RelayTCP_RemotePort));
+  fields.Tcp = data.Relay_SocketType_TCP == 1;
+  return fields;
+}
+
+void CopyTcpRelaySettings(const core::DataSettings& from, core::DataSettings& to) {
+  to.IP = from.IP;
+  to.EnableTCPIPrelay = from.EnableTCPIPrelay;
+  to.RelayTCP_RemotePort = from.RelayTCP_RemotePort;
+  to.Relay_SocketType_TCP = from.Relay_SocketType_TCP;
+  to.Relay_SocketType_UDP = from.Relay_SocketType_UDP;
+}
+
+void StoreIpRelayFields(const IpRelayFields& fields, core::DataSettings& data) {
+  for (size_t i = 0; i < data.IP.size(); ++i) data.IP[i] = fields.Octets[i].substr(0, kOctetChars);
+  data.RelayTCP_RemotePort = static_cast<int32_t>(UnsignedDecimal(fields.Port));
+  data.Relay_SocketType_TCP = fields.Tcp ? 1 : 0;
+  data.Relay_SocketType_UDP = fields.Tcp ? 0 : 1;
+}
+
+}  // namespace wavetrace::relay

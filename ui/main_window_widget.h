@@ -51,6 +51,7 @@ class MainWindowWidget : public QMainWindow {
   void TransmitTextEdited(const QString& text);
   void TransmitHistoryChosen(int index);
   void SendFileRequested();
+  void RelayOptionsRequested();
   void CloseRequested();
   void FirstShown();
 

@@ -20,6 +20,7 @@
 #include "core/messages.h"
 #include "core/reporting.h"
 #include "ui/about_dialog.h"
+#include "ui/relay_dialogs.h"
 #include "ui/comm_properties_dialog.h"
 #include "ui/main_window_widget.h"
 #include "ui/program_options_dialog.h"
@@ -73,6 +74,7 @@ QtView::QtView(core::AppState& state, QObject* parent) : QObject(parent), state_
   connect(window_.get(), &MainWindowWidget::TransmitHistoryChosen, this,
           [this](int index) { state_.Screen.SetTxSelection(index); });
   connect(window_.get(), &MainWindowWidget::SendFileRequested, this, &QtView::ChooseFileToSend);
+  connect(window_.get(), &MainWindowWidget::RelayOptionsRequested, this, &QtView::ShowRelayOptions);
   connect(window_.get(), &MainWindowWidget::FirstShown, this, &QtView::OnFirstShown);
 
   if (QSystemTrayIcon::isSystemTrayAvailable()) {
@@ -283,6 +285,12 @@ void QtView::ShowTransmitOptions() {
   dialog.resize(dialog.sizeHint().boundedTo(window_->size()));
   if (dialog.exec() != QDialog::Accepted) return;
   app::ApplyTransmitOptions(state_, dialog.Values());
+}
+
+void QtView::ShowRelayOptions() {
+  RelayPageDialog dialog(state_, BoxParent());
+  dialog.setFont(window_->font());
+  dialog.exec();
 }
 
 void QtView::ChooseFileToSend() {

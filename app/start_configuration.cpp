@@ -22,7 +22,8 @@ void ApplyRelaySwitch(core::AppState& state) {
   if (sw.RelayHost.empty()) return;
   uint32_t address = 0;
   if (platform::SysResult failure = platform::ResolveIpv4(sw.RelayHost, address); !failure) {
-    core::ShowStatusError(state, u"Relay server not found [" + core::Utf8ToWide(sw.RelayHost) + u"]", failure);
+    core::ShowStatusError(state, u"Relay server not found [" + core::Utf8ToWide(sw.RelayHost) + u"]",
+                          failure);
     return;
   }
   for (int i = 0; i < 4; ++i) {

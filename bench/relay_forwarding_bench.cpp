@@ -62,7 +62,9 @@ class Sink {
   [[nodiscard]] uint16_t Port() const { return local_.Port; }
   [[nodiscard]] bool Connected() const { return connected_; }
   [[nodiscard]] size_t Bytes() const { return bytes_; }
-  [[nodiscard]] Clock::time_point LastArrival() const { return Clock::time_point(Clock::duration(last_.load())); }
+  [[nodiscard]] Clock::time_point LastArrival() const {
+    return Clock::time_point(Clock::duration(last_.load()));
+  }
   std::string received;  // read after the sink has been taken down
 
  private:
@@ -115,12 +117,14 @@ void Forwarding(benchmark::State& state, bool socat) {
     Sink sink;
     std::string server = "127.0.0.1:" + std::to_string(sink.Port());
     std::vector<std::string> args =
-        socat ? std::vector<std::string>{"socat", "-u", "OPEN:" + pty.SlavePath() + ",raw,echo=0", "TCP:" + server}
-              : std::vector<std::string>{WAVETRACE_CLI_PATH, "--port", pty.SlavePath(), "--baud", "115200",
-                                         "--relay", "tcp://" + server, "--quiet"};
+        socat ? std::vector<std::string>{"socat", "-u", "OPEN:" + pty.SlavePath() + ",raw,echo=0",
+                                         "TCP:" + server}
+              : std::vector<std::string>{WAVETRACE_CLI_PATH, "--port",  pty.SlavePath(),   "--baud",
+                                         "115200",           "--relay", "tcp://" + server, "--quiet"};
     pid_t child = Spawn(args, home);
     auto deadline = Clock::now() + std::chrono::seconds(10);
-    while (!sink.Connected() && Clock::now() < deadline) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    while (!sink.Connected() && Clock::now() < deadline)
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
     if (!sink.Connected()) {
       kill(child, SIGKILL);
       waitpid(child, nullptr, 0);
@@ -150,6 +154,9 @@ void Forwarding(benchmark::State& state, bool socat) {
 
 }  // namespace
 
-BENCHMARK_CAPTURE(Forwarding, wavetrace_relay, false)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Forwarding, wavetrace_relay, false)
+    ->Iterations(1)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Forwarding, socat, true)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK_MAIN();

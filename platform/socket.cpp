@@ -52,7 +52,8 @@ SysResult SetBlocking(int fd, bool blocking) {
 
 SysResult OpenSocket(SocketKind kind, int& fd) {
   bool stream = kind == SocketKind::kStream;
-  fd = socket(AF_INET, (stream ? SOCK_STREAM : SOCK_DGRAM) | SOCK_CLOEXEC, stream ? IPPROTO_TCP : IPPROTO_UDP);
+  fd =
+      socket(AF_INET, (stream ? SOCK_STREAM : SOCK_DGRAM) | SOCK_CLOEXEC, stream ? IPPROTO_TCP : IPPROTO_UDP);
   if (fd < 0) {
     fd = kNoSocket;
     return FailedCall("socket");

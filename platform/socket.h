@@ -12,7 +12,7 @@ namespace wavetrace::platform {
 // returns (or fills) a SysResult with the errno of the failing call.
 
 inline constexpr int kNoSocket = -1;
-inline constexpr uint32_t kAnyAddress = 0;           // INADDR_ANY, host order
+inline constexpr uint32_t kAnyAddress = 0;                // INADDR_ANY, host order
 inline constexpr uint32_t kLoopbackAddress = 0x7f000001;  // 127.0.0.1, host order
 
 // An IPv4 address and port, both in host order.

@@ -110,10 +110,10 @@ void RelayActivate(core::AppState& state) {
     auto socket = std::make_shared<RelaySocket>();
     if (state.View) state.View->SetWaitCursor(true);
     if (!socket->Create(SocketType(data), 0)) {
-      ActivationFailed(state,
-                       u"Failed to create socket.  Try restarting Wavetrace Pro.  " +
-                           WsaErrorText(socket->LastError()),
-                       status);
+      ActivationFailed(
+          state,
+          u"Failed to create socket.  Try restarting Wavetrace Pro.  " + WsaErrorText(socket->LastError()),
+          status);
       return;
     }
     std::string host = RelayHost(data);
@@ -144,7 +144,8 @@ void RelayDeactivate(core::AppState& state) {
   std::u16string status = u"RELAY deactivated.\r\n";
   if (kWindowRelayEnabled && !network) status = u"Relay to WINDOW deactivated.\r\n";
   if (!kWindowRelayEnabled && network) status = u"TCP/IP relay deactivated.\r\n";
-  if (!kWindowRelayEnabled && !network) status += u"Nothing to do.\r\nGoto -> Edit : Receive Options : Relay tab";
+  if (!kWindowRelayEnabled && !network)
+    status += u"Nothing to do.\r\nGoto -> Edit : Receive Options : Relay tab";
   // The socket goes whatever the setting says now (a loaded configuration
   // may have changed it while RELAY was on); closing it on this thread ends
   // its worker and any send the receive thread has under way.
@@ -175,7 +176,8 @@ void TestRelayServer(core::AppState& state) {
   RelaySocket socket;
   std::u16string host = core::BytesToWide(RelayHost(data));
   if (!socket.Create(SocketType(data), 0)) {
-    core::ShowMessageBox(state, kRelayCaption, u"Failed to create socket.  " + WsaErrorText(socket.LastError()),
+    core::ShowMessageBox(state, kRelayCaption,
+                         u"Failed to create socket.  " + WsaErrorText(socket.LastError()),
                          core::BoxIcon::kStop);
     return;
   }
@@ -186,9 +188,10 @@ void TestRelayServer(core::AppState& state) {
     return;
   }
   if (socket.SendString("R U there?") == -1) {
-    core::ShowMessageBox(state, kRelayCaption,
-                         u"Failed to send string to server: [" + host + u"]  " + WsaErrorText(socket.LastError()),
-                         core::BoxIcon::kStop);
+    core::ShowMessageBox(
+        state, kRelayCaption,
+        u"Failed to send string to server: [" + host + u"]  " + WsaErrorText(socket.LastError()),
+        core::BoxIcon::kStop);
     return;
   }
   core::ShowMessageBox(state, kRelayCaption, u"CONNECTED !   Sent: \"R U there?\" message.",

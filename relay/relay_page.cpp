@@ -24,7 +24,8 @@ std::u16string Decimal(uint32_t value) {
 
 }  // namespace
 
-std::optional<std::u16string> ClampedFieldText(std::u16string_view text, uint32_t& lastSeen, uint32_t maximum) {
+std::optional<std::u16string> ClampedFieldText(std::u16string_view text, uint32_t& lastSeen,
+                                               uint32_t maximum) {
   uint32_t value = UnsignedDecimal(text);
   if (value == lastSeen) return std::nullopt;
   value = std::min(value, maximum);

@@ -18,7 +18,8 @@ inline constexpr uint32_t kPortMaximum = 65535;
 // becomes the new lastSeen and the field's new text ("%u" of the value
 // clamped to maximum) is returned, to be written back with the caret at its
 // end; otherwise nothing changes.
-std::optional<std::u16string> ClampedFieldText(std::u16string_view text, uint32_t& lastSeen, uint32_t maximum);
+std::optional<std::u16string> ClampedFieldText(std::u16string_view text, uint32_t& lastSeen,
+                                               uint32_t maximum);
 
 // The network half of the Relay page: which controls take clicks.
 struct RelayPageControls {

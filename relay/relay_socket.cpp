@@ -75,7 +75,8 @@ bool RelaySocket::Connect(const std::string& host, uint32_t port) {
     state_ = RelayStateConnected;
     return true;
   }
-  if (platform::SysResult r = platform::ConnectWithin(socket_, remote_, connectTimeoutMs_); !r) return Fail(r);
+  if (platform::SysResult r = platform::ConnectWithin(socket_, remote_, connectTimeoutMs_); !r)
+    return Fail(r);
   state_ = RelayStateConnected;
   StartWorker();
   return true;
@@ -198,6 +199,9 @@ bool RelaySocket::WaitForWorkers() {
 void RelaySocket::StartWorker() {
   bool accepting = state_ == RelayStateListening && type_ == kTcp;
   std::lock_guard lock(workerMutex_);
+  // A Close under way (from the other thread than a UDP Send) has already
+  // looked for workers: none may start behind it.
+  if (state_ < RelayStateConnected) return;
   std::thread& worker = accepting ? acceptWorker_ : receiveWorker_;
   // An earlier worker has ended (its run flag is 0); collect it.
   if (worker.joinable()) worker.join();

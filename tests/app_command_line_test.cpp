@@ -43,10 +43,19 @@ TEST(CommandLine, LineSettingOptions) {
   EXPECT_EQ(line.Switches.StopBits, u"1.5");
   EXPECT_TRUE(line.ListPorts);
   EXPECT_EQ(ParseCommandLine({"--parity", "SPACE"}).Switches.Parity, u"Space");
+  for (auto [arg, host, port, tcp] : {std::tuple{"tcp://10.0.0.7:5000", "10.0.0.7", 5000u, 1},
+                                      {"udp://relay.example:0", "relay.example", 0u, 0}}) {
+    CommandLine relay = ParseCommandLine({"--relay", arg});
+    EXPECT_TRUE(relay.Error.empty()) << relay.Error;
+    EXPECT_EQ(relay.Switches.RelayHost, host);
+    EXPECT_EQ(relay.Switches.RelayPort, port);
+    EXPECT_EQ(relay.Switches.RelayTcp, tcp);
+  }
 }
 
 TEST(CommandLine, RefusedLinesSayWhy) {
   const std::string baud = "--baud takes a line speed in bits per second, not '";
+  const std::string relay = "--relay takes tcp://HOST:PORT or udp://HOST:PORT, not '";
   const std::string dataBits = "--databits takes 5, 6, 7 or 8, not '";
   using Case = std::pair<std::vector<std::string>, std::string>;
   for (const auto& [args, error] :
@@ -60,7 +69,11 @@ TEST(CommandLine, RefusedLinesSayWhy) {
         Case{{"--parity", "x"}, "--parity takes none, odd, even, mark or space (or N, O, E, M, S), not 'x'"},
         Case{{"--stopbits", "3"}, "--stopbits takes 1, 1.5 or 2, not '3'"},
         Case{{"--port", ""}, "option --port needs a port (COM3:, VSP0: or a device path)"},
-        Case{{"--port"}, "option --port needs a value"}})
+        Case{{"--port"}, "option --port needs a value"},
+        Case{{"--relay"}, "option --relay needs tcp://HOST:PORT or udp://HOST:PORT"},
+        Case{{"--relay", "http://a:1"}, relay + "http://a:1'"}, Case{{"--relay", "tcp://:1"}, relay + "tcp://:1'"},
+        Case{{"--relay", "tcp://a"}, relay + "tcp://a'"}, Case{{"--relay", "udp://a:65536"}, relay + "udp://a:65536'"},
+        Case{{"--relay", "tcp://a:x"}, relay + "tcp://a:x'"}})
     EXPECT_EQ(ParseCommandLine(args).Error, error);
 }
 

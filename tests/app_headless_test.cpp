@@ -14,6 +14,7 @@
 #include "platform/files.h"
 #include "platform/pty.h"
 #include "platform/system_error.h"
+#include "loopback_server.h"
 #include "test_support.h"
 
 namespace wavetrace::app {
@@ -154,6 +155,27 @@ TEST(Headless, APortFromTheCommandLineReceivesAndSends) {
   EXPECT_NE(child.Err().find("Port opened!  Send/Receive active..."), std::string::npos);
   child.Signal(SIGTERM);
   EXPECT_EQ(child.WaitForExit(5000), 0) << child.Err();
+}
+
+TEST(Headless, RelayForwardsWhatThePortReceives) {
+  testing::TempFolder folder;
+  platform::PtyPair device;
+  testing::LoopbackServer server(platform::SocketKind::kStream);
+  std::string address = "[127.0.0.1:" + std::to_string(server.Port()) + "]";
+  Child child({"--port", device.SlavePath(), "--relay", "tcp://localhost:" + std::to_string(server.Port())},
+              folder.Path());
+  // RELAY goes on once the port is open; what arrives from then on is relayed.
+  auto deadline = Clock::now() + std::chrono::seconds(10);
+  while (child.Err().find("Connection opened") == std::string::npos && Clock::now() < deadline) {
+    child.WaitForOutput("\x01", 20);  // reads both pipes meanwhile
+  }
+  ASSERT_TRUE(device.Write("$GPRMC,1*00\r\n"));
+  ASSERT_TRUE(server.WaitFor(13)) << child.Err();
+  EXPECT_EQ(server.Received(), "$GPRMC,1*00\r\n");
+  child.Signal(SIGTERM);
+  EXPECT_EQ(child.WaitForExit(5000), 0) << child.Err();
+  EXPECT_NE(child.Err().find("TCP/IP relay. Connection opened to " + address), std::string::npos) << child.Err();
+  EXPECT_NE(child.Err().find("TCP/IP relay deactivated. Connection closed to " + address), std::string::npos);
 }
 
 TEST(Headless, ADeviceWithoutALineSettingIsNamedAsTheProgramNamesIt) {

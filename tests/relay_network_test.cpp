@@ -74,8 +74,8 @@ TEST(NetworkRelay, EveryBlockReachesTheServerInOrder) {
     }
     ASSERT_TRUE(server.WaitFor(kBytes)) << tcp;
     EXPECT_TRUE(server.Received() == stream) << "tcp " << tcp;
-    EXPECT_EQ(relayed.Status(), "TCP/IP relay.\r\nConnection opened to [127.0.0.1:" +
-                                    std::to_string(server.Port()) + "]");
+    EXPECT_EQ(relayed.Status(),
+              "TCP/IP relay.\r\nConnection opened to [127.0.0.1:" + std::to_string(server.Port()) + "]");
   }
 }
 
@@ -110,8 +110,8 @@ TEST(NetworkRelay, ActivationAndDeactivationTexts) {
     EXPECT_EQ(session != nullptr, c.stays) << c.what;
     if (!c.stays) continue;
     app::ToggleRelay(relayed.state);
-    EXPECT_EQ(relayed.Status(), "TCP/IP relay deactivated.\r\nConnection closed to [127.0.0.1:" +
-                                    std::to_string(c.port) + "]")
+    EXPECT_EQ(relayed.Status(),
+              "TCP/IP relay deactivated.\r\nConnection closed to [127.0.0.1:" + std::to_string(c.port) + "]")
         << c.what;
     EXPECT_EQ(NetworkRelayOf(relayed.state)->Load(), nullptr) << c.what;
     EXPECT_FALSE(session->Socket->IsConnected()) << c.what;
@@ -125,7 +125,8 @@ TEST(NetworkRelay, ServerClosingMidStreamLeavesRelayOnWithSendFailure) {
   ASSERT_TRUE(relayed.state.RelayActive);
   // One block larger than both ends' buffers: the server goes during it.
   const std::string big(32 << 20, 'b');
-  RelaySendBlock(relayed.state, reinterpret_cast<const uint8_t*>(big.data()), static_cast<uint32_t>(big.size()));
+  RelaySendBlock(relayed.state, reinterpret_cast<const uint8_t*>(big.data()),
+                 static_cast<uint32_t>(big.size()));
   std::string status = relayed.Status();
   std::string prefix = "Failed to send data to server: [127.0.0.1:" + std::to_string(server.Port()) +
                        "], nSentbytes=4294967295.  WSA error code=";
@@ -177,8 +178,8 @@ TEST(RelayPage, FieldsClampAndFollowTheirSettings) {
     const char16_t* written;  // null: left as typed
   };
   const Case cases[] = {
-      {u"300", 30, kOctetMaximum, u"255"},      {u"70000", 7000, kPortMaximum, u"65535"},
-      {u"12", 12, kOctetMaximum, nullptr},      {u"", 5, kOctetMaximum, u"0"},
+      {u"300", 30, kOctetMaximum, u"255"},        {u"70000", 7000, kPortMaximum, u"65535"},
+      {u"12", 12, kOctetMaximum, nullptr},        {u"", 5, kOctetMaximum, u"0"},
       {u"99999999999", 9, kOctetMaximum, u"255"}, {u"1a", 0, kOctetMaximum, u"1"},
   };
   for (const Case& c : cases) {
@@ -197,7 +198,8 @@ TEST(RelayPage, FieldsClampAndFollowTheirSettings) {
   EXPECT_EQ(data.Relay_SocketType_TCP * 10 + data.Relay_SocketType_UDP, 1);
   EXPECT_EQ(ReadIpRelayFields(data).Port, u"8080");
   EXPECT_FALSE(ReadIpRelayFields(data).Tcp);
-  for (auto [ticked, active, label] : {std::tuple{true, false, true}, {false, false, false}, {true, true, false}}) {
+  for (auto [ticked, active, label] :
+       {std::tuple{true, false, true}, {false, false, false}, {true, true, false}}) {
     RelayPageControls controls = NetworkRelayControls(ticked, active);
     EXPECT_EQ(controls.TcpIpButton, label);
     EXPECT_EQ(controls.Label, label);

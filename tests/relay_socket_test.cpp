@@ -204,6 +204,8 @@ TEST(RelaySocket, QueueStopsGrowingAtItsLimitAndLosesNothing) {
   ASSERT_TRUE(socket.Create(RelaySocket::kTcp, 16));
   socket.SetQueueLimit(64);  // four blocks of 16 bytes
   ASSERT_TRUE(socket.Connect(kLoopback, server.Port()));
+  ASSERT_EQ(socket.SendString("go"), 2);
+  ASSERT_TRUE(server.WaitFor(2));  // the server has its connection: it can answer
   std::string sent;
   for (int i = 0; i < 100; ++i) sent += "line " + std::to_string(i) + "\n";
   server.Reply(sent);

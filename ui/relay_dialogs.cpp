@@ -37,7 +37,8 @@ IpRelayDialog::IpRelayDialog(core::AppState& state, QWidget* parent)
   setWindowTitle(QStringLiteral("IP Relay"));
   const relay::IpRelayFields fields = relay::ReadIpRelayFields(state.Data);
   auto* layout = new QVBoxLayout(this);
-  layout->addWidget(Caption(QStringLiteral("Forward received data to the following server ip address:"), this));
+  layout->addWidget(
+      Caption(QStringLiteral("Forward received data to the following server ip address:"), this));
   auto* address = new QHBoxLayout;
   for (size_t i = 0; i < octets_.size(); ++i) {
     if (i != 0) address->addWidget(new QLabel(QStringLiteral("."), this));
@@ -162,7 +163,8 @@ RelayPageDialog::RelayPageDialog(core::AppState& state, QWidget* parent)
 }
 
 void RelayPageDialog::FollowEnableBox() {
-  relay::RelayPageControls controls = relay::NetworkRelayControls(networkEnable_->isChecked(), state_.RelayActive);
+  relay::RelayPageControls controls =
+      relay::NetworkRelayControls(networkEnable_->isChecked(), state_.RelayActive);
   networkEnable_->setEnabled(controls.EnableBox);
   networkLabel_->setEnabled(controls.Label);
   tcpIp_->setEnabled(controls.TcpIpButton);

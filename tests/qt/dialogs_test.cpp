@@ -1,11 +1,16 @@
-// The About screen and the Program Options page.
+// The About screen, the Program Options page and the relay pages.
 #include <QCheckBox>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTest>
 
 #include "config/program_options.h"
 #include "tests/qt/gui_program.h"
 #include "ui/about_dialog.h"
 #include "ui/program_options_dialog.h"
+#include "ui/relay_dialogs.h"
 
 namespace wavetrace::ui {
 namespace {
@@ -78,6 +83,54 @@ TEST(Dialogs, ProgramOptionsThroughTheMenuOkSavesAndCancelDoesNot) {
         WaitUntil([&] { return window.StatusLine()->text() == QStringLiteral("Program Options saved."); }));
   }),
             0);
+}
+
+TEST(Dialogs, IpRelayPageClampsWhatIsTypedAndCancelPutsTheSettingsBack) {
+  testing::TestApplication();
+  core::AppState state;
+  state.Data.IP = {u"10", u"0", u"0", u"1"};
+  state.Data.RelayTCP_RemotePort = 5000;
+  const core::DataSettings before = state.Data;
+  {
+    IpRelayDialog page(state);
+    EXPECT_EQ(page.OctetField(0)->text(), QStringLiteral("10"));
+    EXPECT_TRUE(page.TcpButton()->isChecked());
+    page.OctetField(1)->clear();
+    QTest::keyClicks(page.OctetField(1), QStringLiteral("300"));
+    EXPECT_EQ(page.OctetField(1)->text(), QStringLiteral("255"));
+    EXPECT_EQ(page.OctetField(1)->cursorPosition(), 3);
+    page.PortField()->clear();
+    QTest::keyClicks(page.PortField(), QStringLiteral("70000"));
+    EXPECT_EQ(page.PortField()->text(), QStringLiteral("65535"));
+    page.UdpButton()->click();
+    EXPECT_EQ(state.Data.Relay_SocketType_UDP, 1);
+    page.accept();
+    EXPECT_EQ(state.Data.IP[1], u"255");
+    EXPECT_EQ(state.Data.RelayTCP_RemotePort, 65535);
+  }
+  state.Data = before;
+  IpRelayDialog page(state);
+  page.UdpButton()->click();
+  page.OctetField(3)->setText(QStringLiteral("9"));
+  page.reject();
+  EXPECT_TRUE(state.Data == before);
+}
+
+TEST(Dialogs, RelayPageEnableBoxGovernsTheTcpIpButtonUnlessRelayIsOn) {
+  testing::TestApplication();
+  core::AppState state;
+  RelayPageDialog page(state);
+  EXPECT_FALSE(page.TcpIpButton()->isEnabled());
+  page.NetworkEnableBox()->click();
+  EXPECT_EQ(state.Data.EnableTCPIPrelay, 1);
+  EXPECT_TRUE(page.TcpIpButton()->isEnabled());
+  page.reject();
+  EXPECT_EQ(state.Data.EnableTCPIPrelay, 0);
+  state.RelayActive = true;
+  state.Data.EnableTCPIPrelay = 1;
+  RelayPageDialog locked(state);
+  EXPECT_FALSE(locked.NetworkEnableBox()->isEnabled());
+  EXPECT_FALSE(locked.TcpIpButton()->isEnabled());
 }
 
 }  // namespace

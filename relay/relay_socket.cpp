@@ -239,9 +239,11 @@ void RelaySocket::ReceiveLoop() {
       OnDataQueued();
       continue;
     }
-    lastError_ = n < 0 ? failure.Errno : 0;
+    // A clean end leaves the last error alone: a Send on the other thread
+    // may just have stored why it failed.
+    if (n < 0) lastError_ = failure.Errno;
     dataSeen_ = false;
-    bool reset = lastError_ == ECONNRESET || lastError_ == ECONNREFUSED;
+    bool reset = n < 0 && (failure.Errno == ECONNRESET || failure.Errno == ECONNREFUSED);
     if (udp && state_ == RelayStateListening && reset) {
       OnClosed(1);
       continue;

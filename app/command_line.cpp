@@ -21,6 +21,14 @@ bool StartsWithNoCase(const std::string& text, const std::string& prefix) {
   return text.size() >= prefix.size() && Upper(text.substr(0, prefix.size())) == prefix;
 }
 
+// Whether an argument is an option rather than a value: "-x", "--x" or one
+// of the slash switches (a path beginning with "/" is a value).
+bool IsOption(const std::string& arg) {
+  std::string upper = Upper(arg);
+  return arg.rfind('-', 0) == 0 || upper == "/Q" || upper == "/NOGUI" || upper == "/DEBUGON" ||
+         StartsWithNoCase(arg, "/SCRIPT::");
+}
+
 bool IsLineOption(const std::string& arg) {
   return arg == "--port" || arg == "--baud" || arg == "--databits" || arg == "--parity" ||
          arg == "--stopbits";
@@ -140,6 +148,21 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args) {
       } else {
         result.Error = SetRelayOption(sw, args[++i]);
       }
+    } else if (arg == "--record" || arg.rfind("--record=", 0) == 0) {
+      sw.Record = 1;
+      if (arg.size() > 9) {
+        sw.RecordPath = core::Utf8ToWide(arg.substr(9));
+      } else if (i + 1 < args.size() && !IsOption(args[i + 1])) {
+        sw.RecordPath = core::Utf8ToWide(args[++i]);
+      }
+    } else if (arg == "--log-timestamp") {
+      sw.LogTimestamp = 1;
+    } else if (arg == "--log-tx") {
+      sw.LogTransmit = 1;
+    } else if (arg == "--log-overwrite") {
+      sw.LogOverwrite = 1;
+    } else if (arg == "--never-drop") {
+      sw.NeverDrop = 1;
     } else if (arg == "--list-ports") {
       result.ListPorts = true;
     } else if (IsLineOption(arg)) {
@@ -174,6 +197,12 @@ std::string HelpText(const std::string& program, bool guiProgram) {
       "  --send TEXT                   send TEXT once the port is open ([0D] is a carriage return)\n"
       "  --relay tcp://HOST:PORT       relay received data to a TCP server (udp://HOST:PORT: UDP)\n"
       "                                once the port is open; the relay's messages go to standard error\n"
+      "  --record [FILE]               switch RECORD on once the port is open, into FILE when given\n"
+      "                                (a name without a folder goes to the documents folder)\n"
+      "  --log-timestamp               stamp each log record with the date and time\n"
+      "  --log-tx                      log transmitted data too, records tagged Rx and Tx\n"
+      "  --log-overwrite               start the log file anew instead of appending to it\n"
+      "  --never-drop                  never drop log data: a full log cache goes to the file\n"
       "  --list-ports                  list the serial ports found and exit\n"
       "  --sim-setting B,D,P,S         the simulated device's own line setting (VSP0:), e.g. 9600,7,E,1\n"
       "  --nogui, /NOGUI               no window: run headless in this terminal\n"

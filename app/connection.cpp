@@ -6,6 +6,7 @@
 #include "app/tray_notification.h"
 #include "core/messages.h"
 #include "core/reporting.h"
+#include "log/record_command.h"
 #include "relay/network_relay.h"
 #include "serial/port.h"
 
@@ -88,6 +89,11 @@ void ShowOpenedState(core::AppState& state) {
   screen.EnableButton(kStop, true);
   core::ShowStatus(state, u"Port opened!  Send/Receive active...");
   if (screen.IsButtonEnabled(kSend)) screen.SetFocus(kSend);
+  // --record: recording starts with the first opening, before any --send.
+  if (state.PendingRecord) {
+    state.PendingRecord = false;
+    if (!state.RecordFlag) log::RecordOn(state);
+  }
   // --send: the text goes out once, as soon as the port is open.
   if (!state.PendingSendText.empty()) {
     screen.SetTxText(state.PendingSendText);

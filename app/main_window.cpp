@@ -13,6 +13,8 @@
 #include "core/messages.h"
 #include "core/reporting.h"
 #include "core/shared_field.h"
+#include "log/log_file.h"
+#include "log/record_command.h"
 #include "platform/display_control.h"
 #include "relay/network_relay.h"
 #include "rx/log_cache.h"
@@ -27,7 +29,7 @@ using namespace core::cmd;
 // Commands whose features are not part of the program yet: their menu items
 // and buttons stay grey and the window ignores them.
 constexpr std::array kUnavailable = {
-    kReceiveOptions, kAsciiChart, kSoftwareButtons, kCommPinouts, kHelp, kRunScript, kRecord,
+    kReceiveOptions, kAsciiChart, kSoftwareButtons, kCommPinouts, kHelp, kRunScript,
 };
 
 bool IsUnavailable(int command) {
@@ -126,6 +128,9 @@ int64_t OnCommand(core::AppState& state, int command, int64_t source) {
       return 0;
     case kRelay:
       ToggleRelay(state);
+      return 0;
+    case kRecord:
+      log::ToggleRecord(state);
       return 0;
     case kAbout:
       if (state.View) state.View->ShowAbout(AboutReleaseLine(), state.AutomationMode != 0);
@@ -271,6 +276,8 @@ void Shutdown(core::AppState& state) {
   DisplayOn(state);
   EndWorkerThreads(state);
   state.NetworkRelay.reset();
+  // The update thread's last flush has written the cache.
+  log::CloseLogFile(state);
   state.Queue.KillTimer(core::kKeepAliveTimerId);
   state.KeepAliveTimerRunning = false;
   ShellNotification(state, kNotifyRemove);

@@ -6,6 +6,7 @@
 #include "core/code_page.h"
 #include "core/messages.h"
 #include "core/reporting.h"
+#include "log/log_names.h"
 #include "platform/line_setting_text.h"
 #include "platform/socket.h"
 #include "platform/system_error.h"
@@ -36,6 +37,18 @@ void ApplyRelaySwitch(core::AppState& state) {
   state.PendingRelay = true;
 }
 
+// Logging options of the command line go over the loaded configuration.
+void ApplyLogSwitches(core::AppState& state) {
+  const auto& sw = state.Switches;
+  core::LogSettings& log = state.Log;
+  if (sw.LogTimestamp) log.LOGtimestamp = 1;
+  if (sw.LogTransmit) log.LOGtransmitdata = 1;
+  if (sw.LogOverwrite) log.LOGoverwrite = 1;
+  if (sw.NeverDrop) log.NeverDropLogData = 1;
+  if (!sw.RecordPath.empty()) log::SplitLogPath(log, sw.RecordPath);
+  state.PendingRecord = sw.Record != 0;
+}
+
 void LoadStartConfiguration(core::AppState& state) {
   if (state.ProgramOptions.DEFAULTcfg != 1) config::ConfigLoad(state, state.CurrentConfigPath);
   const auto& sw = state.Switches;
@@ -57,6 +70,7 @@ void LoadStartConfiguration(core::AppState& state) {
   if (!sw.StopBits.empty()) state.Port.StopBits = sw.StopBits;
   state.PendingSendText = sw.SendText;
   ApplyRelaySwitch(state);
+  ApplyLogSwitches(state);
   if (!sw.Port.empty()) {
     state.Port.SelectedPort = sw.Port;
     state.Queue.PostCommand(kPlay);

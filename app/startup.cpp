@@ -8,6 +8,8 @@
 #include "core/messages.h"
 #include "core/reporting.h"
 #include "core/version.h"
+#include "log/log_names.h"
+#include "log/recorder.h"
 #include "platform/display_control.h"
 #include "platform/files.h"
 #include "platform/instance_lock.h"
@@ -188,6 +190,8 @@ int StartUp(core::AppState& state, const platform::OsInfo& os) {
     core::ShowErrorBox(state, u"Error allocating memory for DataLog Cache.", platform::OutOfMemory());
     return -1;
   }
+  log::InitLogSettings(state.Log);
+  log::InstallRecorder(state);
 
   // 10. The single-instance rule.
   if (!state.Instance) state.Instance = std::make_unique<platform::InstanceLock>(folder + "/instances");

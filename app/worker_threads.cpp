@@ -3,6 +3,8 @@
 #include <system_error>
 
 #include "core/reporting.h"
+#include "log/interval_recording.h"
+#include "platform/clock.h"
 #include "rx/receive_window.h"
 #include "serial/rx_thread.h"
 #include "serial/tx_thread.h"
@@ -13,7 +15,6 @@ namespace {
 using platform::SuspendableThread;
 
 constexpr int kUpdateCycleMs = 200;
-constexpr int kIntervalCheckMs = 100;
 
 // Every 200 ms for the life of the main window: refresh the receive window
 // six times, flush the log cache once. What the cache holds at the end is
@@ -27,12 +28,16 @@ void RxWndUpdateBody(core::AppState& state, SuspendableThread& self) {
   rx::FlushLogCache(state);
 }
 
-// The interval recorder wakes on its own short period until the quit flag.
-void CyclingThreadBody(core::AppState& state, SuspendableThread& self, int periodMs) {
-  while (!state.ShuttingDown) {
-    if (!self.SleepFor(periodMs)) return;
-  }
-}
+// The interval recorder on the tick count, its pauses ended by a stop request.
+class ThreadClock final : public log::IntervalClock {
+ public:
+  explicit ThreadClock(SuspendableThread& thread) : thread_(thread) {}
+  uint32_t Ticks() override { return platform::TickCount(); }
+  bool Sleep(int ms) override { return thread_.SleepFor(ms); }
+
+ private:
+  SuspendableThread& thread_;
+};
 
 std::unique_ptr<SuspendableThread> Create(const char* name, SuspendableThread::Body body, bool suspended) {
   try {
@@ -60,8 +65,11 @@ int CreateWorkerThreads(core::AppState& state) {
       {state.RxWndUpdate, "RxWndUpdate", [&state](SuspendableThread& t) { RxWndUpdateBody(state, t); }, false,
        u"Error creating RxWndUpdate Thread."},
       {state.LogIntervalThread, "LogIntervalThread",
-       [&state](SuspendableThread& t) { CyclingThreadBody(state, t, kIntervalCheckMs); }, false,
-       u"Error creating LogIntervalThread."},
+       [&state](SuspendableThread& t) {
+         ThreadClock clock(t);
+         log::LogIntervalThread(state, clock);
+       },
+       false, u"Error creating LogIntervalThread."},
   };
   for (auto& plan : plans) {
     plan.slot = Create(plan.name, std::move(plan.body), plan.suspended);

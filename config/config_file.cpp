@@ -207,6 +207,7 @@ void WalkLogSection(Io& io, Log& log) {
   io.Int("RecordDuration", log.RecordDuration, false);
   io.Delimiter(log.Delimiter);
   io.Int("TSremoveCRLF", log.TSremoveCRLF, false);
+  io.Int("NeverDropLogData", log.NeverDropLogData, false);
 }
 
 // The delimiter is stored as a letter for the blank and the tab.

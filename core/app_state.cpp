@@ -2,6 +2,7 @@
 
 #include "platform/display_control.h"
 #include "platform/instance_lock.h"
+#include "platform/log_file.h"
 
 namespace wavetrace::core {
 

@@ -11,6 +11,7 @@
 #include "core/buffer.h"
 #include "core/command_line_switches.h"
 #include "core/front_end.h"
+#include "core/log_sink.h"
 #include "core/main_screen.h"
 #include "core/memory_lock.h"
 #include "core/message_queue.h"
@@ -23,6 +24,7 @@
 namespace wavetrace::platform {
 class DisplayControl;
 class InstanceLock;
+class LogFile;
 }  // namespace wavetrace::platform
 
 namespace wavetrace::core {
@@ -102,6 +104,7 @@ struct AppState {
   int32_t SentHistoryCount = 0;    // entries the transmit thread added to the history
   std::u16string PendingSendText;  // --send: sent once the port has opened
   bool PendingRelay = false;       // --relay: RELAY goes on once the port has opened
+  bool PendingRecord = false;      // --record: RECORD goes on once the port has opened
   std::atomic<bool> PortScanMode{false};
   std::atomic<bool> PortOpen{false};  // the port handle is valid
   bool SoftwareButtonsShown = false;
@@ -112,6 +115,15 @@ struct AppState {
   WideBuffer g_RxWindowBuf;
   CharBuffer DataLogCache;
   uint32_t DataLogCacheCount = 0;
+
+  // --- recording (run-time; the file fields are guarded by RxDataLock) ----
+  std::atomic<bool> RecordFlag{false};               // RECORD is on
+  std::atomic<bool> LogOpen{false};                  // the log takes received data now
+  std::unique_ptr<platform::LogFile> LogFileHandle;  // null while closed
+  uint64_t LogFileSize = 0;                          // after the last open, write or close
+  bool LogWriteFailing = false;                      // the last write failed and was reported
+  // Where the receive and transmit paths hand their data for the log.
+  std::unique_ptr<LogSink> LogRecords;
 
   // --- start-bar notification and tray ------------------------------------
   bool NotificationEnabled = true;

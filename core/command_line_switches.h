@@ -30,6 +30,14 @@ struct CommandLineSwitches {
   std::string RelayHost;
   uint32_t RelayPort = 0;
   int32_t RelayTcp = 1;
+  // --record [FILE]: RECORD goes on once the port is open, into FILE when given.
+  int32_t Record = 0;
+  std::u16string RecordPath;
+  // Logging settings set over the loaded configuration (1: set).
+  int32_t LogTimestamp = 0;  // --log-timestamp
+  int32_t LogTransmit = 0;   // --log-tx
+  int32_t LogOverwrite = 0;  // --log-overwrite
+  int32_t NeverDrop = 0;     // --never-drop
 };
 
 }  // namespace wavetrace::core

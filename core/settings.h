@@ -141,12 +141,15 @@ struct LogSettings {
   // A one-character byte string: ',', TAB, ';' or ' '.
   std::array<uint8_t, 2> Delimiter{',', 0};
   int32_t DateFormat = 1;  // 1..4, see rx/time_stamp.h
-  int32_t TimeFormat = 6;  // 5..7
+  int32_t TimeFormat = 6;  // 5..7, or 8 for hh:mm:ss.mmm
   // Zero-terminated; readers compare the two to see whether the clock text
   // moved on since the previous stamp. Guarded by the receive-data lock.
   std::array<uint8_t, kTimeStampBytes> CurrentTimeStamp{};
   std::array<uint8_t, kTimeStampBytes> PreviousTimeStamp{};
   int32_t TSremoveCRLF = 0;  // 1: no CR LF before each stamped record
+  // 1: a full log cache goes to the file instead of being dropped, and
+  // records are cached whole, zero bytes included (saved as an extra key).
+  int32_t NeverDropLogData = 0;
 
   bool operator==(const LogSettings&) const = default;
 };

@@ -39,7 +39,10 @@ std::string DocumentsFolder() {
   if (std::string docs = Env("XDG_DOCUMENTS_DIR"); !docs.empty() && docs[0] == '/') {
     return WithoutTrailingSlash(docs);
   }
-  return WithoutTrailingSlash(Home());
+  std::string home = WithoutTrailingSlash(Home());
+  struct stat info {};
+  if (stat((home + "/Documents").c_str(), &info) == 0 && S_ISDIR(info.st_mode)) return home + "/Documents";
+  return home;
 }
 
 SysResult MakeFolders(const std::string& path) {

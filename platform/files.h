@@ -12,7 +12,8 @@ namespace wavetrace::platform {
 // else $XDG_CONFIG_HOME/wavetrace-pro, else ~/.config/wavetrace-pro.
 // Without trailing slash. Not created here.
 std::string ConfigFolder();
-// The user's documents folder ($XDG_DOCUMENTS_DIR, else the home folder).
+// The user's documents folder: $XDG_DOCUMENTS_DIR, else ~/Documents when it
+// exists, else the home folder.
 std::string DocumentsFolder();
 
 // Creates the folder and its parents; succeeds when it exists afterwards.

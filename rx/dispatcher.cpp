@@ -11,8 +11,9 @@ int DispatchReceivedData(core::AppState& state, const uint8_t* block, uint32_t n
   core::WideBuffer wide;
   if (core::AllocWideBuffer(state, wide, int64_t{n} + 2) != 0) return 1;
   for (uint32_t i = 0; i < n; ++i) wide[i] = core::ByteToWide(block[i]);
-  // Logging and the window relay take their turns here as they arrive: the
-  // log first, the window second, then the window relay and the network relay.
+  // The log first, the window second, then the window relay (when it
+  // arrives) and the network relay.
+  if (state.LogRecords) state.LogRecords->ReceivedData(block, n);
   AppendToRxWindowBuf(state, wide.Data());
   if (state.NetworkRelay) state.NetworkRelay->TakeBlock(block, n);
   core::FreeBuffer(state, wide);

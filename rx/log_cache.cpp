@@ -1,5 +1,6 @@
 #include "rx/log_cache.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "core/allocation.h"
@@ -19,24 +20,36 @@ void FreeLogCache(core::AppState& state) {
 }
 
 int AppendToLogCache(core::AppState& state, const uint8_t* bytes, uint32_t n) {
-  std::lock_guard lock(state.RxDataLock);
-  if (state.DataLogCache.Empty()) return 0;
-  uint8_t* cache = state.DataLogCache.Data();
-  if (state.DataLogCacheCount + n >= static_cast<uint32_t>(core::kDataLogCacheBytes)) {
-    core::ShowErrorBox(state, u"Warning!  MAXcachesize reached.", {});
+  {
+    std::lock_guard lock(state.RxDataLock);
+    if (state.DataLogCache.Empty()) return 0;
+    uint8_t* cache = state.DataLogCache.Data();
+    if (state.DataLogCacheCount + n < static_cast<uint32_t>(core::kDataLogCacheBytes)) {
+      // A bounded string append: the copy stops at a zero byte in the data
+      // while the count still grows by n.
+      size_t end = strnlen(reinterpret_cast<const char*>(cache), core::kDataLogCacheBytes);
+      for (uint32_t i = 0; i < n && bytes[i] != 0 && end + i < core::kDataLogCacheBytes; ++i) {
+        cache[end + i] = bytes[i];
+        cache[end + i + 1] = 0;
+      }
+      state.DataLogCacheCount += n;
+      return 0;
+    }
     std::memset(cache, 0, 4);
     state.DataLogCacheCount = 0;
-    return 1;
   }
-  // A bounded string append: the copy stops at a zero byte in the data while
-  // the count still grows by n.
-  size_t end = strnlen(reinterpret_cast<const char*>(cache), core::kDataLogCacheBytes);
-  for (uint32_t i = 0; i < n && bytes[i] != 0 && end + i < core::kDataLogCacheBytes; ++i) {
-    cache[end + i] = bytes[i];
-    cache[end + i + 1] = 0;
-  }
+  // Reported once the lock is released: the box waits for the user, and the
+  // other threads must not wait with it.
+  core::ShowErrorBox(state, u"Warning!  MAXcachesize reached.", {});
+  return 1;
+}
+
+void AppendWholeToLogCache(core::AppState& state, const uint8_t* bytes, uint32_t n) {
+  std::lock_guard lock(state.RxDataLock);
+  if (state.DataLogCache.Empty()) return;
+  n = std::min<uint32_t>(n, core::kDataLogCacheBytes - state.DataLogCacheCount);
+  std::memcpy(state.DataLogCache.Data() + state.DataLogCacheCount, bytes, n);
   state.DataLogCacheCount += n;
-  return 0;
 }
 
 void ClearLogCache(core::AppState& state) {

@@ -16,6 +16,9 @@ void FreeLogCache(core::AppState& state);
 // Appends n bytes: 0, or 1 when the cache would overflow; then the warning
 // is shown and everything waiting is dropped, this block included.
 int AppendToLogCache(core::AppState& state, const uint8_t* bytes, uint32_t n);
+// Appends all n bytes, zero bytes included, at the count; the caller makes
+// room first (what does not fit is cut).
+void AppendWholeToLogCache(core::AppState& state, const uint8_t* bytes, uint32_t n);
 // Zeroes the filled part and sets the count to 0.
 void ClearLogCache(core::AppState& state);
 

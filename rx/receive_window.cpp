@@ -91,9 +91,11 @@ void RefreshReceiveWindow(core::AppState& state) {
 }
 
 void FlushLogCache(core::AppState& state) {
-  std::lock_guard lock(state.RxDataLock);
-  if (state.DataLogCacheCount == 0) return;
-  // The log file arrives with recording; until then nothing fills the cache.
+  if (state.LogRecords) {
+    state.LogRecords->Flush();
+    return;
+  }
+  // Without a log behind it the cache has nowhere to go.
   ClearLogCache(state);
 }
 

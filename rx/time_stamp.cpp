@@ -33,6 +33,9 @@ void FormatTime(int32_t format, const platform::LocalTime& t, char (&out)[32]) {
     case 6:
       std::snprintf(out, sizeof out, "%02d:%02d:%02d", t.Hour, t.Minute, t.Second);
       break;
+    case 8:  // milliseconds, for fast lines
+      std::snprintf(out, sizeof out, "%02d:%02d:%02d.%03d", t.Hour, t.Minute, t.Second, t.Milliseconds);
+      break;
     default:
       out[0] = 0;
       break;

@@ -9,7 +9,7 @@
 namespace wavetrace::rx {
 
 // DateFormat: 1 "dd/mm/yyyy", 2 "mm/dd/yyyy", 3 "yyyy/mm/dd", 4 none.
-// TimeFormat: 5 "hh:mm", 6 "hh:mm:ss", 7 none. Any other value gives an
+// TimeFormat: 5 "hh:mm", 6 "hh:mm:ss", 7 none, 8 "hh:mm:ss.mmm". Any other value gives an
 // empty part. The Delimiter goes between date and time only when both exist.
 // The result is zero-filled and at most 31 bytes long.
 void FormatTimeStamp(const core::LogSettings& log, const platform::LocalTime& time,

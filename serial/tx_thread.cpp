@@ -64,7 +64,9 @@ uint32_t PrepareTxData(core::AppState& state, core::DataBlock& block, uint32_t l
     block.Buffer = std::move(grown);
     length += static_cast<uint32_t>(postambleLength);
   }
-  // Transmit logging takes its place here when recording arrives.
+  // The log holds the text as it stands: postamble appended, escapes not
+  // yet parsed.
+  if (state.LogRecords) state.LogRecords->TransmittedData(block.Buffer.Data(), length);
   block.Length = length;
   int32_t parsed =
       rx::ParseBracketEscapes(state, std::span<uint8_t>(block.Buffer.Data(), block.Buffer.Size() + 2), 0);

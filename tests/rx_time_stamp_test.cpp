@@ -27,6 +27,7 @@ platform::LocalTime At(int hour, int minute, int second) {
   time.Hour = hour;
   time.Minute = minute;
   time.Second = second;
+  time.Milliseconds = 45;
   return time;
 }
 
@@ -45,6 +46,7 @@ TEST(FormatTimeStampTest, DateAndTimeFormats) {
       {4, 6, ',', "17:08:37"},
       {3, 7, ',', "2026/11/05"},
       {4, 7, ',', ""},
+      {1, 8, ',', "05/11/2026,17:08:37.045"},
       // A value outside the tables is an empty part; the delimiter still
       // stands unless the other part is switched off.
       {0, 6, ',', ",17:08:37"},

@@ -30,6 +30,15 @@ class RecordingTest : public testing::ProgramFixture {
     state.Log.wszLogFile = core::Utf8ToWide(path);
     state.Queue.SendCommand(core::cmd::kRecord);
   }
+  // The cache and the failure flag belong to the receive-data lock.
+  uint32_t CacheCount() {
+    std::lock_guard lock(state.RxDataLock);
+    return state.DataLogCacheCount;
+  }
+  bool WriteFailing() {
+    std::lock_guard lock(state.RxDataLock);
+    return state.LogWriteFailing;
+  }
   std::string FileText(const std::string& path) { return platform::ReadWholeFile(path).value_or("<none>"); }
 
   platform::PtyPair pty;
@@ -66,12 +75,12 @@ TEST_F(RecordingTest, AFullDeviceIsReportedOnceAndRecordingGoesOn) {
   ASSERT_TRUE(state.RecordFlag);
   for (int flush = 0; flush < 2; ++flush) {
     ASSERT_TRUE(pty.Write("data"));
-    ASSERT_TRUE(PumpUntil([&] { return state.DataLogCacheCount == 0 && state.LogWriteFailing; }));
+    ASSERT_TRUE(PumpUntil([&] { return CacheCount() == 0 && WriteFailing(); }));
   }
   EXPECT_EQ(state.Screen.Status().rfind(u"Error writing to LogFile: /dev/full: Error code=28", 0), 0U);
   core::ShowStatus(state, u"");
   ASSERT_TRUE(pty.Write("more"));
-  ASSERT_TRUE(PumpUntil([&] { return state.DataLogCacheCount == 0; }));
+  ASSERT_TRUE(PumpUntil([&] { return CacheCount() == 0; }));
   EXPECT_EQ(state.Screen.Status(), u"") << "one report per run of failures";
   EXPECT_TRUE(state.RecordFlag);
 }
@@ -93,7 +102,7 @@ TEST_F(RecordingTest, NeverDropKeepsAFastBinaryStreamWhole) {
   std::thread device([&] { pty.Write(data); });
   bool whole = program.PumpUntil(
       [&] {
-        auto size = platform::ReadWholeFile(logPath).value_or("").size() + state.DataLogCacheCount;
+        auto size = platform::ReadWholeFile(logPath).value_or("").size() + CacheCount();
         return size >= data.size();
       },
       std::chrono::seconds(60));

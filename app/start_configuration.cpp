@@ -68,6 +68,7 @@ void LoadStartConfiguration(core::AppState& state) {
   if (sw.DataBits) state.Port.SelectedDataBits = static_cast<uint8_t>(sw.DataBits);
   if (!sw.Parity.empty()) state.Port.Parity = sw.Parity;
   if (!sw.StopBits.empty()) state.Port.StopBits = sw.StopBits;
+  core::PublishSettings(state);
   state.PendingSendText = sw.SendText;
   ApplyRelaySwitch(state);
   ApplyLogSwitches(state);

@@ -13,14 +13,15 @@
 #include <thread>
 #include <vector>
 
+#include "app/comm_properties.h"
 #include "app/main_window.h"
+#include "app/receive_options.h"
 #include "app/transmit_options.h"
 #include "config/config_file.h"
 #include "core/allocation.h"
 #include "core/code_page.h"
 #include "core/messages.h"
 #include "rx/dispatcher.h"
-#include "rx/postamble.h"
 #include "rx/receive_pipeline.h"
 #include "rx/receive_window.h"
 #include "rx/replace_rules.h"
@@ -47,9 +48,11 @@ std::string RunReceive(core::AppState& state, const std::string& bytes) {
   if (core::AllocCharBuffer(state, block.Buffer, static_cast<int64_t>(bytes.size())) != 0) return {};
   std::copy(bytes.begin(), bytes.end(), block.Buffer.Data());
   block.Length = static_cast<uint32_t>(bytes.size());
-  rx::ProcessReceivedData(state, block);
+  // As the receive thread does: one settings record for the whole block.
+  const auto settings = state.PublishedRx.Load();
+  rx::ProcessReceivedData(state, *settings, block);
   std::string out(block.Buffer.Data(), block.Buffer.Data() + block.Length);
-  rx::DispatchReceivedData(state, block.Buffer.Data(), block.Length);
+  rx::DispatchReceivedData(state, *settings, block.Buffer.Data(), block.Length);
   core::FreeBuffer(state, block.Buffer);
   return out;
 }
@@ -58,7 +61,8 @@ std::string RunTransmit(core::AppState& state, const std::string& text) {
   core::DataBlock block;
   if (core::AllocCharBuffer(state, block.Buffer, static_cast<int64_t>(text.size()) + 4) != 0) return {};
   std::copy(text.begin(), text.end(), block.Buffer.Data());
-  const uint32_t count = serial::PrepareTxData(state, block, static_cast<uint32_t>(text.size()));
+  const uint32_t count =
+      serial::PrepareTxData(state, *state.PublishedTx.Load(), block, static_cast<uint32_t>(text.size()));
   std::string out(block.Buffer.Data(), block.Buffer.Data() + count);
   core::FreeBuffer(state, block.Buffer);
   return out;
@@ -68,20 +72,16 @@ void Command(core::AppState& state, int command) {
   app::MainWindowProc(state, core::MakeMessage(core::kWmCommand, command));
 }
 
-// What the receive options pages do on apply: the filters, the postamble
-// field and the rule page together.
+// What the receive options sheet does on apply: the Filters page, then the
+// Replace page.
 void ApplyReceivePages(core::AppState& state, int32_t filter, int32_t nonChars, int32_t brackets,
-                       std::u16string_view postamble, std::u16string search, std::u16string replace) {
-  state.Data.FilterNP = filter;
-  state.Data.NonChars = nonChars;
-  state.Data.BinBrackets = brackets;
-  state.Data.DisableSnR = 0;
-  rx::ApplyPostambleField(state.Data, postamble);
+                       std::u16string postamble, std::u16string search, std::u16string replace) {
+  app::ApplyReceiveOptions(state, {filter, nonChars, brackets, 0, std::move(postamble)});
   state.Data.SnRCurrentRule = 1;
   rx::RuleFields fields;
   fields.SearchFor = std::move(search);
   fields.ReplaceWith = std::move(replace);
-  rx::ApplyRulePage(state.Data, fields);
+  app::ApplyReplacePage(state, fields);
 }
 
 void ApplyTransmitPage(core::AppState& state, std::u16string postamble, int32_t clear) {
@@ -170,6 +170,61 @@ TEST(SettingsHandOverTest, BlocksSeeOneWholeSettingWhileCommandsAndPagesChangeIt
                                     << (strayReceive.empty() ? "" : strayReceive.front().substr(0, 120));
   EXPECT_TRUE(strayTransmit.empty()) << strayTransmit.size() << " sends mixed two settings, e.g. "
                                      << (strayTransmit.empty() ? "" : strayTransmit.front());
+}
+
+// Every way the main thread changes a setting a worker reads ends in a
+// publish: after each, the published records match the settings blocks.
+TEST(SettingsHandOverTest, EveryChangePathPublishes) {
+  testing::TempFolder folder;
+  core::AppState state;
+  const std::u16string configPath = core::BytesToWide(folder.Path() + "/Other.cfg.txt");
+  state.Data.Base = 2;
+  state.Data.FilterNP = 1;
+  state.Data.PostambleLengthTX = 3;
+  state.Log.TimeFormat = 5;
+  ASSERT_EQ(config::ConfigSave(state, configPath), 0);
+  core::PublishSettings(state);
+  state.Data = {};
+  state.Log = {};
+  core::PublishSettings(state);
+
+  const struct {
+    const char* name;
+    std::function<void()> change;
+  } paths[] = {
+      {"radix", [&] { Command(state, kOctal); }},
+      {"binary view", [&] { Command(state, kBinaryButton); }},
+      {"text view", [&] { Command(state, kAsciiButton); }},
+      {"pause", [&] { Command(state, kPauseRxDisplay); }},
+      {"backlight", [&] { Command(state, kBacklightOnReceive); }},
+      {"receive filters",
+       [&] {
+         app::ApplyReceiveOptions(state, {1, 1, 1, 1, u"[0D]"});
+       }},
+      {"replace page",
+       [&] {
+         app::ApplyReplacePage(state, {u"a", u"b{TIME_STAMP}", 1, 0, 0});
+       }},
+      {"transmit options", [&] { ApplyTransmitPage(state, u"[0A]", 1); }},
+      {"port pages",
+       [&] {
+         core::PortSettings edited = state.Port;
+         edited.SelectedBaud = 57600;
+         app::ApplyPortPages(state, edited);
+       }},
+      {"configuration load", [&] { ASSERT_EQ(config::ConfigLoad(state, configPath), 0); }},
+  };
+  for (const auto& path : paths) {
+    const core::RxSettings rxBefore = *state.PublishedRx.Load();
+    const core::TxSettings txBefore = *state.PublishedTx.Load();
+    path.change();
+    EXPECT_TRUE(core::SettingsArePublished(state)) << path.name;
+    EXPECT_TRUE(!(*state.PublishedRx.Load() == rxBefore) || !(*state.PublishedTx.Load() == txBefore))
+        << path.name << " changed nothing a worker reads";
+  }
+  // A plain store without a publish is what the check is there to catch.
+  state.Data.NonChars = state.Data.NonChars ? 0 : 1;
+  EXPECT_FALSE(core::SettingsArePublished(state));
 }
 
 }  // namespace

@@ -72,16 +72,15 @@ void Command(core::AppState& state, int command) {
   app::MainWindowProc(state, core::MakeMessage(core::kWmCommand, command));
 }
 
-// What the receive options sheet does on apply: the Filters page, then the
-// Replace page.
-void ApplyReceivePages(core::AppState& state, int32_t filter, int32_t nonChars, int32_t brackets,
-                       std::u16string postamble, std::u16string search, std::u16string replace) {
+// The receive options sheet's two applies; each publishes once.
+void ApplyFiltersPage(core::AppState& state, int32_t filter, int32_t nonChars, int32_t brackets,
+                      std::u16string postamble) {
   app::ApplyReceiveOptions(state, {filter, nonChars, brackets, 0, std::move(postamble)});
+}
+
+void ApplyRulePage(core::AppState& state, std::u16string search, std::u16string replace) {
   state.Data.SnRCurrentRule = 1;
-  rx::RuleFields fields;
-  fields.SearchFor = std::move(search);
-  fields.ReplaceWith = std::move(replace);
-  app::ApplyReplacePage(state, fields);
+  app::ApplyReplacePage(state, {std::move(search), std::move(replace), 1, 0, 0});
 }
 
 void ApplyTransmitPage(core::AppState& state, std::u16string postamble, int32_t clear) {
@@ -101,22 +100,26 @@ TEST(SettingsHandOverTest, BlocksSeeOneWholeSettingWhileCommandsAndPagesChangeIt
   const std::u16string configPath = core::BytesToWide(folder.Path() + "/Race.cfg.txt");
   Command(state, kBinaryButton);
   Command(state, kBinary);
-  ApplyReceivePages(state, 1, 1, 1, u"<[0D]>", u"b", u"[41]Z");
+  ApplyFiltersPage(state, 1, 1, 1, u"<[0D]>");
+  ApplyRulePage(state, u"b", u"[41]Z");
   ApplyTransmitPage(state, u"[0D][0A]", 0);
   ASSERT_EQ(config::ConfigSave(state, configPath), 0);
 
   const std::vector<std::function<void()>> steps = {
       [&] { Command(state, kAsciiButton); },
-      [&] { ApplyReceivePages(state, 0, 0, 0, u"", u"", u""); },
+      [&] { ApplyFiltersPage(state, 0, 0, 0, u""); },
+      [&] { ApplyRulePage(state, u"", u""); },
       [&] { ApplyTransmitPage(state, u"", 0); },
       [&] { Command(state, kHex); },
       [&] { Command(state, kBinaryButton); },
       [&] { Command(state, kDecimal); },
-      [&] { ApplyReceivePages(state, 1, 0, 1, u"[0A]", u"ab", u"QQQ"); },
+      [&] { ApplyRulePage(state, u"ab", u"QQQ"); },
+      [&] { ApplyFiltersPage(state, 1, 0, 1, u"[0A]"); },
       [&] { Command(state, kOctal); },
       [&] { ApplyTransmitPage(state, u"!", 0); },
       [&] { Command(state, kBinary); },
-      [&] { ApplyReceivePages(state, 0, 1, 0, u"", u"[00]", u"-"); },
+      [&] { ApplyFiltersPage(state, 0, 1, 0, u""); },
+      [&] { ApplyRulePage(state, u"[00]", u"-"); },
       [&] { Command(state, kPauseRxDisplay); },
       [&] { Command(state, kHex); },
       [&] { Command(state, kPauseRxDisplay); },
@@ -127,7 +130,8 @@ TEST(SettingsHandOverTest, BlocksSeeOneWholeSettingWhileCommandsAndPagesChangeIt
   const std::string received = BlockBytes();
   const std::string sent = "send[41]";
 
-  // The same steps without a worker: what each setting makes of the blocks.
+  // The same steps without a worker: what each published setting makes of
+  // the blocks (every step publishes exactly once).
   std::set<std::string> receiveOutputs{RunReceive(state, received)};
   std::set<std::string> transmitOutputs{RunTransmit(state, sent)};
   for (const auto& step : steps) {

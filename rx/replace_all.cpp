@@ -139,22 +139,23 @@ PassResult ReplaceAllPass(core::BlockAllocator& memory, core::DataBlock& block, 
   StepKind kind = StepKind::None;
   int64_t length = startLength;
   uint8_t staleByte = 0;
-  bool replacementHasZero = false;
-  int64_t replacementChecked = -1;
+  // A plain rule's replacement is the same at every match; a stamped one is
+  // built afresh at each.
+  const bool stamped = replacement.Stamped();
+  const uint8_t* bytes = replacement.Bytes();
+  int64_t replaceLength = std::clamp<int64_t>(replacement.Length(), 0, core::SnRRule::kBytes);
+  bool replacementHasZero = HasZero(bytes, replaceLength);
   PassResult result;
   // j is the match's place in the pending bytes; the first match found above
   // is at their front.
   for (int64_t j = 0; j >= 0; j = pending.Find(pattern, searchLength)) {
     const int64_t p = out.Size() + j;
-    replacement.NextMatch();
-    const int64_t replaceLength = std::clamp<int64_t>(replacement.Length(), 0, core::SnRRule::kBytes);
-    const uint8_t* bytes = replacement.Bytes();
-    const StepKind stepKind = KindOf(searchLength, replaceLength);
-    // A plain rule's replacement is the same at every match.
-    if (replacement.Stamped() || replacementChecked != replaceLength) {
+    if (stamped) {
+      replacement.NextMatch();
+      replaceLength = std::clamp<int64_t>(replacement.Length(), 0, core::SnRRule::kBytes);
       replacementHasZero = HasZero(bytes, replaceLength);
-      replacementChecked = replaceLength;
     }
+    const StepKind stepKind = KindOf(searchLength, replaceLength);
     if ((kind != StepKind::None && stepKind != kind) ||
         (stepKind == StepKind::Grow && (!plainInsertions || replacementHasZero))) {
       pending.MoveTo(out, j);

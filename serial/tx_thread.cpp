@@ -4,6 +4,7 @@
 
 #include "core/allocation.h"
 #include "core/code_page.h"
+#include "core/escape_parser.h"
 #include "core/messages.h"
 #include "core/reporting.h"
 #include "rx/bracket_escapes.h"
@@ -69,8 +70,8 @@ uint32_t PrepareTxData(core::AppState& state, const core::TxSettings& settings, 
   // yet parsed.
   if (state.LogRecords) state.LogRecords->TransmittedData(block.Buffer.Data(), length);
   block.Length = length;
-  int32_t parsed = rx::ParseBracketEscapes(std::span<uint8_t>(block.Buffer.Data(), block.Buffer.Size() + 2),
-                                           rx::EffectiveBase(settings.Base));
+  int32_t parsed = core::ParseBracketEscapes(std::span<uint8_t>(block.Buffer.Data(), block.Buffer.Size() + 2),
+                                             rx::EffectiveBase(settings.Base));
   return static_cast<uint32_t>(parsed);
 }
 

@@ -68,10 +68,10 @@ void LoadStartConfiguration(core::AppState& state) {
   if (sw.DataBits) state.Port.SelectedDataBits = static_cast<uint8_t>(sw.DataBits);
   if (!sw.Parity.empty()) state.Port.Parity = sw.Parity;
   if (!sw.StopBits.empty()) state.Port.StopBits = sw.StopBits;
-  core::PublishSettings(state);
   state.PendingSendText = sw.SendText;
   ApplyRelaySwitch(state);
   ApplyLogSwitches(state);
+  core::PublishSettings(state);
   if (!sw.Port.empty()) {
     state.Port.SelectedPort = sw.Port;
     state.Queue.PostCommand(kPlay);

@@ -58,6 +58,7 @@ struct AppState {
   // workers once per block, send or refresh cycle.
   Published<RxSettings> PublishedRx;
   Published<TxSettings> PublishedTx;
+  Published<LogRecordSettings> PublishedLog;
 
   // --- start-up ------------------------------------------------------------
   CommandLineSwitches Switches;

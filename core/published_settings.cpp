@@ -6,6 +6,14 @@
 
 namespace wavetrace::core {
 
+namespace {
+
+TimeStampFormat TimeStampFormatOf(const LogSettings& log) {
+  return {log.DateFormat, log.TimeFormat, log.Delimiter[0]};
+}
+
+}  // namespace
+
 RxSettings RxSettingsOf(const AppState& state) {
   const DataSettings& data = state.Data;
   RxSettings rx;
@@ -20,7 +28,7 @@ RxSettings RxSettingsOf(const AppState& state) {
   rx.SnR = data.SnR;
   rx.PostambleBytesRX = data.PostambleBytesRX;
   rx.PostambleLengthRX = data.PostambleLengthRX;
-  rx.Stamp = {state.Log.DateFormat, state.Log.TimeFormat, state.Log.Delimiter[0]};
+  rx.Stamp = TimeStampFormatOf(state.Log);
   rx.RxDelayReadThread = data.RxDelayReadThread;
   rx.PauseRxDisplay = data.PauseRxDisplay;
   rx.RxBacklightEvent = data.RxBacklightEvent;
@@ -41,13 +49,30 @@ TxSettings TxSettingsOf(const AppState& state) {
   return tx;
 }
 
+LogRecordSettings LogRecordSettingsOf(const AppState& state) {
+  const LogSettings& log = state.Log;
+  LogRecordSettings record;
+  record.LOGtimestamp = log.LOGtimestamp;
+  record.LOGtransmitdata = log.LOGtransmitdata;
+  record.TSremoveCRLF = log.TSremoveCRLF;
+  record.Stamp = TimeStampFormatOf(log);
+  record.NeverDropLogData = log.NeverDropLogData;
+  record.RecordALL = log.RecordALL;
+  record.RecordInterval = log.RecordInterval;
+  record.RecordDuration = log.RecordDuration;
+  return record;
+}
+
 void PublishSettings(AppState& state) {
   state.PublishedRx.Store(std::make_shared<const RxSettings>(RxSettingsOf(state)));
   state.PublishedTx.Store(std::make_shared<const TxSettings>(TxSettingsOf(state)));
+  state.PublishedLog.Store(std::make_shared<const LogRecordSettings>(LogRecordSettingsOf(state)));
 }
 
 bool SettingsArePublished(const AppState& state) {
-  return *state.PublishedRx.Load() == RxSettingsOf(state) && *state.PublishedTx.Load() == TxSettingsOf(state);
+  return *state.PublishedRx.Load() == RxSettingsOf(state) &&
+         *state.PublishedTx.Load() == TxSettingsOf(state) &&
+         *state.PublishedLog.Load() == LogRecordSettingsOf(state);
 }
 
 }  // namespace wavetrace::core

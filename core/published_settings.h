@@ -59,8 +59,24 @@ struct TxSettings {
   bool operator==(const TxSettings&) const = default;
 };
 
+// Read by the log recorder (on the receive and transmit threads, once per
+// record) and by the interval recording thread (once per run of windows).
+struct LogRecordSettings {
+  int32_t LOGtimestamp = 0;
+  int32_t LOGtransmitdata = 0;
+  int32_t TSremoveCRLF = 0;
+  TimeStampFormat Stamp;
+  int32_t NeverDropLogData = 0;
+  int32_t RecordALL = 1;
+  int32_t RecordInterval = 10;
+  int32_t RecordDuration = 1;
+
+  bool operator==(const LogRecordSettings&) const = default;
+};
+
 RxSettings RxSettingsOf(const AppState& state);
 TxSettings TxSettingsOf(const AppState& state);
+LogRecordSettings LogRecordSettingsOf(const AppState& state);
 
 // The one way settings reach other threads. The main thread is the only
 // writer of the settings blocks; every path that changes them (a command, an

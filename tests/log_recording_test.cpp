@@ -38,6 +38,7 @@ class RecordingTest : public testing::ProgramFixture {
 
 TEST_F(RecordingTest, RecordOnDataRecordOff) {
   state.Log.LOGtransmitdata = 1;
+  core::PublishSettings(state);
   Record(logPath);
   EXPECT_TRUE(state.RecordFlag);
   EXPECT_TRUE(state.Screen.IsButtonPressed(core::cmd::kRecord));
@@ -78,6 +79,7 @@ TEST_F(RecordingTest, AFullDeviceIsReportedOnceAndRecordingGoesOn) {
 
 TEST_F(RecordingTest, NeverDropKeepsAFastBinaryStreamWhole) {
   state.Log.NeverDropLogData = 1;
+  core::PublishSettings(state);
   Record(logPath);
   ASSERT_TRUE(state.RecordFlag);
   std::string data(32u << 20, '\0');

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <mutex>
 #include <random>
 #include <thread>
 
@@ -31,6 +32,11 @@ class RecordingTest : public testing::ProgramFixture {
     state.Queue.SendCommand(core::cmd::kRecord);
   }
   std::string FileText(const std::string& path) { return platform::ReadWholeFile(path).value_or("<none>"); }
+  // The receive thread fills the cache under the receive-data lock.
+  uint32_t CachedBytes() {
+    std::lock_guard lock(state.RxDataLock);
+    return state.DataLogCacheCount;
+  }
 
   platform::PtyPair pty;
   std::string logPath = folder.Path() + "/run.log.txt";
@@ -67,12 +73,12 @@ TEST_F(RecordingTest, AFullDeviceIsReportedOnceAndRecordingGoesOn) {
   ASSERT_TRUE(state.RecordFlag);
   for (int flush = 0; flush < 2; ++flush) {
     ASSERT_TRUE(pty.Write("data"));
-    ASSERT_TRUE(PumpUntil([&] { return state.DataLogCacheCount == 0 && state.LogWriteFailing; }));
+    ASSERT_TRUE(PumpUntil([&] { return CachedBytes() == 0 && state.LogWriteFailing; }));
   }
   EXPECT_EQ(state.Screen.Status().rfind(u"Error writing to LogFile: /dev/full: Error code=28", 0), 0U);
   core::ShowStatus(state, u"");
   ASSERT_TRUE(pty.Write("more"));
-  ASSERT_TRUE(PumpUntil([&] { return state.DataLogCacheCount == 0; }));
+  ASSERT_TRUE(PumpUntil([&] { return CachedBytes() == 0; }));
   EXPECT_EQ(state.Screen.Status(), u"") << "one report per run of failures";
   EXPECT_TRUE(state.RecordFlag);
 }
@@ -95,7 +101,7 @@ TEST_F(RecordingTest, NeverDropKeepsAFastBinaryStreamWhole) {
   std::thread device([&] { pty.Write(data); });
   bool whole = program.PumpUntil(
       [&] {
-        auto size = platform::ReadWholeFile(logPath).value_or("").size() + state.DataLogCacheCount;
+        auto size = platform::ReadWholeFile(logPath).value_or("").size() + CachedBytes();
         return size >= data.size();
       },
       std::chrono::seconds(60));

@@ -30,18 +30,20 @@ int ApplyPortPages(core::AppState& state, const core::PortSettings& edited) {
   const core::PortSettings shown = state.Port;  // what the pages opened with
   state.Port = edited;
   const core::PortSettings& loaded = state.Snapshot.Port;
-  if (edited.SelectedPort == shown.SelectedPort || edited.SelectedPort != loaded.SelectedPort) return 1;
-  // The port chosen again brings its loaded line setting back, except what
-  // the user changed on the other pages in the same visit.
-  auto restore = [&](auto member) {
-    if (edited.*member == shown.*member) state.Port.*member = loaded.*member;
-  };
-  using P = core::PortSettings;
-  restore(&P::SelectedBaud);
-  restore(&P::SelectedDataBits);
-  restore(&P::Parity);
-  restore(&P::StopBits);
-  for (auto flag : {&P::XON, &P::RTS, &P::CtsFlow, &P::DTR, &P::DsrFlow}) restore(flag);
+  if (edited.SelectedPort != shown.SelectedPort && edited.SelectedPort == loaded.SelectedPort) {
+    // The port chosen again brings its loaded line setting back, except what
+    // the user changed on the other pages in the same visit.
+    auto restore = [&](auto member) {
+      if (edited.*member == shown.*member) state.Port.*member = loaded.*member;
+    };
+    using P = core::PortSettings;
+    restore(&P::SelectedBaud);
+    restore(&P::SelectedDataBits);
+    restore(&P::Parity);
+    restore(&P::StopBits);
+    for (auto flag : {&P::XON, &P::RTS, &P::CtsFlow, &P::DTR, &P::DsrFlow}) restore(flag);
+  }
+  core::PublishSettings(state);
   return 1;
 }
 

@@ -12,7 +12,6 @@
 #include "core/allocation.h"
 #include "core/messages.h"
 #include "core/reporting.h"
-#include "core/shared_field.h"
 #include "log/log_file.h"
 #include "log/record_command.h"
 #include "platform/display_control.h"
@@ -46,6 +45,7 @@ void SetRadix(core::AppState& state, int base) {
   for (auto [value, item] : kItems) {
     if (value == state.Data.Base) state.Screen.CheckMenuItem(item, true);
   }
+  core::PublishSettings(state);
 }
 
 void ShowViewMode(core::AppState& state) {
@@ -59,14 +59,15 @@ void SetViewMode(core::AppState& state, bool ascii) {
   state.Data.modeASCII = ascii ? 1 : 0;
   state.Data.modeBINARY = ascii ? 0 : 1;
   ShowViewMode(state);
+  core::PublishSettings(state);
 }
 
 namespace {
 
 void Toggle(core::AppState& state, uint8_t& flag, int item) {
-  uint8_t on = flag ? 0 : 1;
-  core::StoreShared(flag, on);
-  state.Screen.CheckMenuItem(item, on != 0);
+  flag = flag ? 0 : 1;
+  core::PublishSettings(state);
+  state.Screen.CheckMenuItem(item, flag != 0);
 }
 
 void ClearReceiveWindow(core::AppState& state) {

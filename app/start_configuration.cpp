@@ -71,6 +71,7 @@ void LoadStartConfiguration(core::AppState& state) {
   state.PendingSendText = sw.SendText;
   ApplyRelaySwitch(state);
   ApplyLogSwitches(state);
+  core::PublishSettings(state);
   if (!sw.Port.empty()) {
     state.Port.SelectedPort = sw.Port;
     state.Queue.PostCommand(kPlay);

@@ -93,13 +93,16 @@ void BM_ProcessReceivedData(benchmark::State& run) {
   const auto blocks = MakeBlocks(count);
   core::AppState state;
   Configure(state, static_cast<View>(run.range(0)), run.range(1) != 0);
+  core::PublishSettings(state);
   size_t next = 0;
   for (auto _ : run) {
     core::DataBlock block;
     core::AllocCharBuffer(state, block.Buffer, kBlockBytes);
     std::memcpy(block.Buffer.Data(), blocks.data() + next * kBlockBytes, kBlockBytes);
     block.Length = kBlockBytes;
-    benchmark::DoNotOptimize(rx::ProcessReceivedData(state, block));
+    // As the receive thread does: the published settings loaded once per block.
+    const auto settings = state.PublishedRx.Load();
+    benchmark::DoNotOptimize(rx::ProcessReceivedData(state, *settings, block));
     next = (next + 1) % count;
   }
   run.SetBytesProcessed(static_cast<int64_t>(run.iterations() * kBlockBytes));

@@ -421,6 +421,7 @@ int ConfigLoadStore(AppState& state, IniStore& ini, const std::u16string& path) 
   LoadHistory(r, state);
   WalkButtonSections(r, state.Data);
   TakeSettingsSnapshot(state);
+  core::PublishSettings(state);
 
   if (state.LoadWarnings == 0) {
     core::ShowStatus(state, Bracketed(u"Loaded config file", path));

@@ -20,4 +20,25 @@ int AllocWideBuffer(AppState& state, WideBuffer& slot, int64_t count);
 void FreeBuffer(AppState& state, CharBuffer& slot);
 void FreeBuffer(AppState& state, WideBuffer& slot);
 
+// The shared allocation routines as a stage that works on blocks sees them:
+// it needs buffers, not the whole state.
+class BlockAllocator {
+ public:
+  virtual ~BlockAllocator() = default;
+  // As AllocCharBuffer: 0 on success, 1 on failure (reported).
+  virtual int Alloc(CharBuffer& slot, int64_t count) = 0;
+  virtual void Free(CharBuffer& slot) = 0;
+};
+
+// The routines above, under the memory lock of the one state.
+class SharedAllocator final : public BlockAllocator {
+ public:
+  explicit SharedAllocator(AppState& state) : state_(state) {}
+  int Alloc(CharBuffer& slot, int64_t count) override { return AllocCharBuffer(state_, slot, count); }
+  void Free(CharBuffer& slot) override { FreeBuffer(state_, slot); }
+
+ private:
+  AppState& state_;
+};
+
 }  // namespace wavetrace::core

@@ -6,7 +6,9 @@
 
 namespace wavetrace::core {
 
-AppState::AppState() = default;
+AppState::AppState() {
+  PublishSettings(*this);
+}
 AppState::~AppState() = default;
 
 }  // namespace wavetrace::core

@@ -16,6 +16,8 @@
 #include "core/memory_lock.h"
 #include "core/message_queue.h"
 #include "core/program_options_key.h"
+#include "core/published.h"
+#include "core/published_settings.h"
 #include "core/settings.h"
 #include "core/simulated_profile.h"
 #include "platform/serial_port.h"
@@ -51,6 +53,12 @@ struct AppState {
   ProgramOptionsKey ProgramOptions;
   std::u16string CurrentConfigPath;
   int32_t LoadWarnings = 0;  // keys missing from the last configuration loaded
+  // What the worker threads read of the settings above: replaced by
+  // PublishSettings on the main thread after each change, loaded by the
+  // workers once per block, send or refresh cycle.
+  Published<RxSettings> PublishedRx;
+  Published<TxSettings> PublishedTx;
+  Published<LogRecordSettings> PublishedLog;
 
   // --- start-up ------------------------------------------------------------
   CommandLineSwitches Switches;

@@ -26,8 +26,8 @@ int32_t ParsePostambleText(std::u16string_view text, size_t maxBytes,
   return TextToEscapedBytes(text, maxBytes, bytes);
 }
 
-int32_t ActiveRuleCount(const DataSettings& data) {
-  return std::clamp(data.SnR_count, 0, DataSettings::kMaxSnRRules);
+int32_t ActiveRuleCount(int32_t snrCount) {
+  return std::clamp(snrCount, 0, DataSettings::kMaxSnRRules);
 }
 
 void PrepareRule(SnRRule& rule) {
@@ -41,7 +41,8 @@ void PrepareRule(SnRRule& rule) {
 }
 
 void PrepareRules(DataSettings& data) {
-  for (int32_t i = 1; i <= ActiveRuleCount(data); ++i) PrepareRule(data.SnR[static_cast<size_t>(i)]);
+  for (int32_t i = 1; i <= ActiveRuleCount(data.SnR_count); ++i)
+    PrepareRule(data.SnR[static_cast<size_t>(i)]);
 }
 
 }  // namespace wavetrace::core

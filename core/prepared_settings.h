@@ -25,7 +25,7 @@ int32_t ParsePostambleText(std::u16string_view text, size_t maxBytes,
 
 // The rules in use, 0..2, whatever SnR_count holds (a configuration file may
 // carry any number; the slots stop at 2).
-int32_t ActiveRuleCount(const DataSettings& data);
+int32_t ActiveRuleCount(int32_t snrCount);
 
 // Rebuilds one rule's byte fields from its texts: both zeroed, each text
 // converted to at most 41 bytes and escape-parsed in radix 16; also the

@@ -4,9 +4,9 @@
 
 namespace wavetrace::core {
 
-// Settings are plain fields (they are copied, compared and saved whole), but
-// some are read by a worker thread while the main thread switches them. Such
-// accesses go through these, so they are atomic without changing the field.
+// Atomic access to a plain run-time field that another thread reads (the
+// display power state). Settings never go this way: they reach other threads
+// as published records (core/published_settings.h).
 template <typename T>
 T LoadShared(const T& field) {
   return std::atomic_ref<T>(const_cast<T&>(field)).load(std::memory_order_relaxed);

@@ -85,7 +85,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::copy(in.Rest(), in.Rest() + in.RestSize(), block.Buffer.Data());
   block.Length = static_cast<uint32_t>(in.RestSize());
 
-  const uint32_t length = rx::ProcessReceivedData(state, block);
+  const uint32_t length = rx::ProcessReceivedData(state, core::RxSettingsOf(state), block);
   if (length != block.Length || length > block.Buffer.Size()) std::abort();
   return 0;
 }

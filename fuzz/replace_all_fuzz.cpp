@@ -100,7 +100,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (core::AllocCharBuffer(state, block.Buffer, static_cast<int64_t>(input.size())) != 0) return 0;
   std::copy(input.begin(), input.end(), block.Buffer.Data());
   block.Length = static_cast<uint32_t>(input.size());
-  if (!rx::SearchAndReplace(state, block)) std::abort();
+  core::SharedAllocator memory(state);
+  rx::SharedStampSource stamps(state);
+  if (!rx::SearchAndReplace(core::RxSettingsOf(state), memory, stamps, block)) std::abort();
   if (model.length != block.Length) std::abort();
   for (int64_t i = 0; i <= model.length; ++i) {
     if (model.bytes[static_cast<size_t>(i)] != block.Buffer.Data()[i]) std::abort();

@@ -1,7 +1,5 @@
 #include "log/interval_recording.h"
 
-#include "core/shared_field.h"
-
 namespace wavetrace::log {
 namespace {
 
@@ -26,9 +24,10 @@ Wait WaitFrom(const core::AppState& state, IntervalClock& clock, uint32_t start,
 
 // One run of windows while sampling lasts; false when the thread must end.
 bool SampleWindows(core::AppState& state, IntervalClock& clock) {
-  if (core::LoadShared(state.Log.RecordALL) != 0) return true;
-  uint32_t interval = static_cast<uint32_t>(core::LoadShared(state.Log.RecordInterval)) * 1000;
-  uint32_t duration = static_cast<uint32_t>(core::LoadShared(state.Log.RecordDuration)) * 1000;
+  const auto settings = state.PublishedLog.Load();
+  if (settings->RecordALL != 0) return true;
+  uint32_t interval = static_cast<uint32_t>(settings->RecordInterval) * 1000;
+  uint32_t duration = static_cast<uint32_t>(settings->RecordDuration) * 1000;
   uint32_t start = clock.Ticks();
   while (Sampling(state)) {
     state.LogOpen = false;

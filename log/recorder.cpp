@@ -3,7 +3,6 @@
 #include <mutex>
 #include <string>
 
-#include "core/shared_field.h"
 #include "log/log_file.h"
 #include "log/log_record.h"
 #include "rx/log_cache.h"
@@ -12,14 +11,9 @@
 namespace wavetrace::log {
 namespace {
 
-RecordFormat CurrentFormat(const core::AppState& state) {
-  const core::LogSettings& log = state.Log;
-  return {core::LoadShared(log.LOGtimestamp), core::LoadShared(log.LOGtransmitdata),
-          core::LoadShared(log.TSremoveCRLF), core::LoadShared(log.TimeFormat), log.Delimiter[0]};
-}
-
-bool NeverDrop(const core::AppState& state) {
-  return core::LoadShared(state.Log.NeverDropLogData) == 1;
+RecordFormat FormatOf(const core::LogRecordSettings& settings) {
+  return {settings.LOGtimestamp, settings.LOGtransmitdata, settings.TSremoveCRLF, settings.Stamp.TimeFormat,
+          settings.Stamp.Delimiter};
 }
 
 // Refreshes the stamp and hands out the new one with the one before it.
@@ -29,9 +23,9 @@ struct Stamps {
   [[nodiscard]] StampPair Pair() const { return {current, previous}; }
 };
 
-Stamps NextStamps(core::AppState& state) {
+Stamps NextStamps(core::AppState& state, const core::TimeStampFormat& format) {
   std::lock_guard lock(state.RxDataLock);
-  rx::BuildTimeStamp(state);
+  rx::BuildTimeStamp(state, format);
   auto text = [](const auto& stamp) { return std::string(reinterpret_cast<const char*>(stamp.data())); };
   return {text(state.Log.CurrentTimeStamp), text(state.Log.PreviousTimeStamp)};
 }
@@ -44,25 +38,28 @@ std::string_view AsText(const uint8_t* bytes, uint32_t n) {
 
 void Recorder::ReceivedData(const uint8_t* block, uint32_t n) {
   if (n == 0 || !state_.RecordFlag || !state_.LogOpen) return;
-  RecordFormat format = CurrentFormat(state_);
-  bool neverDrop = NeverDrop(state_);
+  // One settings record for the whole log record.
+  const auto settings = state_.PublishedLog.Load();
+  RecordFormat format = FormatOf(*settings);
+  bool neverDrop = settings->NeverDropLogData == 1;
   if (!ReceiveRecordIsFramed(format)) {
     Cache(block, n, neverDrop);
     return;
   }
-  std::string record = ReceiveRecord(format, NextStamps(state_).Pair(), AsText(block, n));
+  std::string record = ReceiveRecord(format, NextStamps(state_, settings->Stamp).Pair(), AsText(block, n));
   Cache(reinterpret_cast<const uint8_t*>(record.data()), static_cast<uint32_t>(record.size()), neverDrop);
 }
 
 void Recorder::TransmittedData(const uint8_t* text, uint32_t n) {
   if (n == 0 || !state_.RecordFlag || !state_.LogOpen) return;
-  RecordFormat format = CurrentFormat(state_);
+  const auto settings = state_.PublishedLog.Load();
+  RecordFormat format = FormatOf(*settings);
   if (format.LOGtransmitdata != 1) return;
   Stamps stamps;
-  if (format.LOGtimestamp == 1) stamps = NextStamps(state_);
+  if (format.LOGtimestamp == 1) stamps = NextStamps(state_, settings->Stamp);
   std::string record = TransmitRecord(format, stamps.Pair(), AsText(text, n));
   Cache(reinterpret_cast<const uint8_t*>(record.data()), static_cast<uint32_t>(record.size()),
-        NeverDrop(state_));
+        settings->NeverDropLogData == 1);
 }
 
 void Recorder::Flush() {

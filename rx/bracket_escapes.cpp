@@ -2,20 +2,20 @@
 
 namespace wavetrace::rx {
 
-int32_t EffectiveBase(const core::DataSettings& data) {
-  switch (data.Base) {
+int32_t EffectiveBase(int32_t base) {
+  switch (base) {
     case 2:
     case 8:
     case 10:
     case 16:
-      return data.Base;
+      return base;
     default:
       return 16;
   }
 }
 
 int32_t ParseBracketEscapes(const core::AppState& state, std::span<uint8_t> text, int32_t radix) {
-  return core::ParseBracketEscapes(text, radix == 0 ? EffectiveBase(state.Data) : radix);
+  return core::ParseBracketEscapes(text, radix == 0 ? EffectiveBase(state.Data.Base) : radix);
 }
 
 int32_t ParseBracketEscapes(const core::AppState& state, std::string& text, int32_t radix) {

@@ -12,7 +12,7 @@ namespace wavetrace::rx {
 // The radix the numeric view and radix-0 escapes use: Base when it is one of
 // the four the menu offers (2, 8, 10, 16), otherwise 16. A configuration file
 // may hold any number, and the numeric view is sized for those four only.
-int32_t EffectiveBase(const core::DataSettings& data);
+int32_t EffectiveBase(int32_t base);
 
 // core::ParseBracketEscapes with a radix of 0 meaning the view's radix (EffectiveBase). The transmit
 // path passes 0; option pages, rule preparation and the configuration loader

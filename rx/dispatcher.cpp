@@ -6,7 +6,8 @@
 
 namespace wavetrace::rx {
 
-int DispatchReceivedData(core::AppState& state, const uint8_t* block, uint32_t n) {
+int DispatchReceivedData(core::AppState& state, const core::RxSettings& settings, const uint8_t* block,
+                         uint32_t n) {
   if (n == 0) return 1;
   core::WideBuffer wide;
   if (core::AllocWideBuffer(state, wide, int64_t{n} + 2) != 0) return 1;
@@ -14,7 +15,7 @@ int DispatchReceivedData(core::AppState& state, const uint8_t* block, uint32_t n
   // The log first, the window second, then the window relay (when it
   // arrives) and the network relay.
   if (state.LogRecords) state.LogRecords->ReceivedData(block, n);
-  AppendToRxWindowBuf(state, wide.Data());
+  AppendToRxWindowBuf(state, settings, wide.Data());
   if (state.NetworkRelay) state.NetworkRelay->TakeBlock(block, n);
   core::FreeBuffer(state, wide);
   return 0;

@@ -4,9 +4,9 @@
 
 namespace wavetrace::rx {
 
-uint32_t FilterNonPrintable(core::AppState& state, core::DataBlock& block) {
+uint32_t FilterNonPrintable(core::BlockAllocator& memory, core::DataBlock& block) {
   core::CharBuffer kept;
-  if (core::AllocCharBuffer(state, kept, block.Length) != 0) return block.Length;
+  if (memory.Alloc(kept, block.Length) != 0) return block.Length;
   const uint8_t* in = block.Buffer.Data();
   uint8_t* out = kept.Data();
   uint32_t count = 0;
@@ -19,7 +19,7 @@ uint32_t FilterNonPrintable(core::AppState& state, core::DataBlock& block) {
   }
   // The cursor's last write may have left a dropped byte behind the end.
   out[count] = 0;
-  core::FreeBuffer(state, block.Buffer);
+  memory.Free(block.Buffer);
   block.Buffer = std::move(kept);
   block.Length = count;
   return count;

@@ -26,15 +26,14 @@ constexpr std::array<PostambleKey, 9> kKeys = {{
 
 }  // namespace
 
-bool AppendPostamble(core::AppState& state, core::DataBlock& block) {
-  const core::DataSettings& data = state.Data;
-  const auto postambleLength = static_cast<uint32_t>(
-      std::clamp<int32_t>(data.PostambleLengthRX, 0, static_cast<int32_t>(data.PostambleBytesRX.size())));
+bool AppendPostamble(const core::RxSettings& settings, core::BlockAllocator& memory, core::DataBlock& block) {
+  const auto postambleLength = static_cast<uint32_t>(std::clamp<int32_t>(
+      settings.PostambleLengthRX, 0, static_cast<int32_t>(settings.PostambleBytesRX.size())));
   core::CharBuffer joined;
-  if (core::AllocCharBuffer(state, joined, int64_t{block.Length} + postambleLength) != 0) return false;
+  if (memory.Alloc(joined, int64_t{block.Length} + postambleLength) != 0) return false;
   uint8_t* cursor = AppendUntilZero(joined.Data(), block.Buffer.Data(), block.Length);
-  AppendUntilZero(cursor, data.PostambleBytesRX.data(), postambleLength);
-  core::FreeBuffer(state, block.Buffer);
+  AppendUntilZero(cursor, settings.PostambleBytesRX.data(), postambleLength);
+  memory.Free(block.Buffer);
   block.Buffer = std::move(joined);
   block.Length += postambleLength;
   return true;

@@ -6,8 +6,9 @@
 #include <string>
 #include <string_view>
 
-#include "core/app_state.h"
+#include "core/allocation.h"
 #include "core/buffer.h"
+#include "core/published_settings.h"
 
 namespace wavetrace::rx {
 
@@ -22,7 +23,7 @@ inline constexpr size_t kPostambleApplyChars = 13;
 // the rest is zero; the length is the old length plus PostambleLengthRX
 // whatever the copy kept. Returns false when the new buffer cannot be had,
 // leaving the block without the postamble.
-bool AppendPostamble(core::AppState& state, core::DataBlock& block);
+bool AppendPostamble(const core::RxSettings& settings, core::BlockAllocator& memory, core::DataBlock& block);
 
 // Bytes and length from wcszPostambleKeysRX, as the configuration loader
 // rebuilds them.

@@ -64,9 +64,9 @@ size_t Render(const CellTable<Width>& cells, const uint8_t* in, uint32_t length,
 }
 
 template <int Radix, int Digits>
-size_t RenderIn(const core::DataSettings& data, const uint8_t* in, uint32_t length, uint8_t* out) {
-  const bool brackets = data.BinBrackets == 0;
-  const bool visiblePass = data.NonChars == 1;
+size_t RenderIn(const core::RxSettings& settings, const uint8_t* in, uint32_t length, uint8_t* out) {
+  const bool brackets = settings.BinBrackets == 0;
+  const bool visiblePass = settings.NonChars == 1;
   if (brackets) {
     const auto& cells = kCells<Radix, Digits, true>;
     return visiblePass ? Render<true>(cells, in, length, out) : Render<false>(cells, in, length, out);
@@ -83,30 +83,31 @@ int32_t RadixBytesPerByte(int32_t radix) {
   return 4;
 }
 
-uint32_t ConvertToRadix(core::AppState& state, core::DataBlock& block) {
-  const int32_t radix = EffectiveBase(state.Data);
+uint32_t ConvertToRadix(const core::RxSettings& settings, core::BlockAllocator& memory,
+                        core::DataBlock& block) {
+  const int32_t radix = EffectiveBase(settings.Base);
   core::CharBuffer view;
   const int64_t size = int64_t{block.Length} * RadixBytesPerByte(radix);
-  if (core::AllocCharBuffer(state, view, size) != 0) return block.Length;
+  if (memory.Alloc(view, size) != 0) return block.Length;
 
   const uint8_t* in = block.Buffer.Data();
   uint8_t* out = view.Data();
   size_t written = 0;
   switch (radix) {
     case 2:
-      written = RenderIn<2, 8>(state.Data, in, block.Length, out);
+      written = RenderIn<2, 8>(settings, in, block.Length, out);
       break;
     case 8:
-      written = RenderIn<8, 3>(state.Data, in, block.Length, out);
+      written = RenderIn<8, 3>(settings, in, block.Length, out);
       break;
     case 10:
-      written = RenderIn<10, 3>(state.Data, in, block.Length, out);
+      written = RenderIn<10, 3>(settings, in, block.Length, out);
       break;
     default:
-      written = RenderIn<16, 2>(state.Data, in, block.Length, out);
+      written = RenderIn<16, 2>(settings, in, block.Length, out);
       break;
   }
-  core::FreeBuffer(state, block.Buffer);
+  memory.Free(block.Buffer);
   block.Buffer = std::move(view);
   block.Length = static_cast<uint32_t>(written);
   return block.Length;

@@ -2,8 +2,9 @@
 
 #include <cstdint>
 
-#include "core/app_state.h"
+#include "core/allocation.h"
 #include "core/buffer.h"
+#include "core/published_settings.h"
 
 namespace wavetrace::rx {
 
@@ -17,6 +18,7 @@ int32_t RadixBytesPerByte(int32_t radix);
 // unless BinBrackets is non-zero. With NonChars 1 the bytes '!'..'~' pass as
 // they are (the blank is converted). Returns the new length (also stored in
 // the block); when the buffer cannot be had the block stays as it is.
-uint32_t ConvertToRadix(core::AppState& state, core::DataBlock& block);
+uint32_t ConvertToRadix(const core::RxSettings& settings, core::BlockAllocator& memory,
+                        core::DataBlock& block);
 
 }  // namespace wavetrace::rx

@@ -10,22 +10,29 @@
 
 namespace wavetrace::rx {
 
-uint32_t ProcessReceivedData(core::AppState& state, core::DataBlock& block) {
+uint32_t ProcessReceivedData(const core::RxSettings& settings, core::BlockAllocator& memory,
+                             StampSource& stamps, core::DataBlock& block) {
   // A length beyond the buffer would let every stage read past it.
   block.Length = static_cast<uint32_t>(std::min<size_t>(block.Length, block.Buffer.Size()));
   if (block.Length == 0) return 0;
-  const core::DataSettings& data = state.Data;
 
-  if (data.FilterNP == 1) FilterNonPrintable(state, block);
-  if (data.DisableSnR != 1 && data.SnR_count != 0) {
-    if (!SearchAndReplace(state, block)) return block.Length;
+  if (settings.FilterNP == 1) FilterNonPrintable(memory, block);
+  if (settings.DisableSnR != 1 && settings.SnR_count != 0) {
+    if (!SearchAndReplace(settings, memory, stamps, block)) return block.Length;
   }
-  if (data.modeBINARY) ConvertToRadix(state, block);
-  if (data.PostambleLengthRX != 0) {
-    if (!AppendPostamble(state, block)) return block.Length;
+  if (settings.modeBINARY) ConvertToRadix(settings, memory, block);
+  if (settings.PostambleLengthRX != 0) {
+    if (!AppendPostamble(settings, memory, block)) return block.Length;
   }
-  if (data.modeASCII) SwapLfCr(block.Buffer.Data(), block.Length);
+  if (settings.modeASCII) SwapLfCr(block.Buffer.Data(), block.Length);
   return block.Length;
+}
+
+uint32_t ProcessReceivedData(core::AppState& state, const core::RxSettings& settings,
+                             core::DataBlock& block) {
+  core::SharedAllocator memory(state);
+  SharedStampSource stamps(state);
+  return ProcessReceivedData(settings, memory, stamps, block);
 }
 
 }  // namespace wavetrace::rx

@@ -2,8 +2,11 @@
 
 #include <cstdint>
 
+#include "core/allocation.h"
 #include "core/app_state.h"
 #include "core/buffer.h"
+#include "core/published_settings.h"
+#include "rx/time_stamp.h"
 
 namespace wavetrace::rx {
 
@@ -16,8 +19,12 @@ namespace wavetrace::rx {
 //   5. LF CR to CR LF        when modeASCII is set.
 // When stage 2 or 4 cannot grow the block, the pipeline ends there with the
 // block as it stands. Returns the new length (also in block.Length); a block
-// of length 0 is returned at once. Settings are read as they stand, so a
-// change made between two blocks applies to the next one.
-uint32_t ProcessReceivedData(core::AppState& state, core::DataBlock& block);
+// of length 0 is returned at once. The whole block is processed under the
+// one settings record given.
+uint32_t ProcessReceivedData(const core::RxSettings& settings, core::BlockAllocator& memory,
+                             StampSource& stamps, core::DataBlock& block);
+
+// The same with the program's allocation routines and stamps.
+uint32_t ProcessReceivedData(core::AppState& state, const core::RxSettings& settings, core::DataBlock& block);
 
 }  // namespace wavetrace::rx

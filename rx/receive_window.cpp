@@ -17,8 +17,8 @@ size_t WideLength(const char16_t* text, size_t limit) {
 
 }  // namespace
 
-void AppendToRxWindowBuf(core::AppState& state, const char16_t* text) {
-  if (core::LoadShared(state.Data.PauseRxDisplay)) return;
+void AppendToRxWindowBuf(core::AppState& state, const core::RxSettings& settings, const char16_t* text) {
+  if (settings.PauseRxDisplay) return;
   std::lock_guard lock(state.RxDataLock);
   if (state.g_RxWindowBuf.Empty() || !text) return;
   char16_t* buffer = state.g_RxWindowBuf.Data();
@@ -55,14 +55,14 @@ std::u16string WaitingText(core::AppState& state) {
   return std::u16string(buffer, WideLength(buffer, kRxWindowChars));
 }
 
-void RefreshReceiveWindow(core::AppState& state) {
+void RefreshReceiveWindow(core::AppState& state, const core::RxSettings& settings) {
   std::lock_guard lock(state.RxDataLock);
   if (state.g_RxWindowBuf.Empty()) return;
   char16_t* buffer = state.g_RxWindowBuf.Data();
   auto n = static_cast<int32_t>(WideLength(buffer, kRxWindowChars));
   if (n == 0) return;
   // Data arriving keeps the display awake, unless the program switched it off.
-  if (core::LoadShared(state.Data.RxBacklightEvent) &&
+  if (settings.RxBacklightEvent &&
       core::LoadShared(state.DisplayPower.PowerState) != core::kDisplayPowerOff && state.Display) {
     state.Display->ResetIdleTimer();
   }
@@ -103,7 +103,8 @@ void RxWndUpdateCycle(core::AppState& state, int& countdown) {
   if (!state.PortOpen) return;
   if (countdown != 0) {
     --countdown;
-    if (!core::LoadShared(state.Data.PauseRxDisplay)) RefreshReceiveWindow(state);
+    const auto settings = state.PublishedRx.Load();
+    if (!settings->PauseRxDisplay) RefreshReceiveWindow(state, *settings);
     return;
   }
   FlushLogCache(state);

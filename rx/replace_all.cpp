@@ -5,7 +5,6 @@
 #include <memory>
 #include <vector>
 
-#include "core/allocation.h"
 #include "rx/byte_search.h"
 #include "rx/search_replace.h"
 #include "rx/time_stamp_token.h"
@@ -122,8 +121,8 @@ bool ZerosOnlyAtEnd(const uint8_t* data, int64_t length) {
 
 }  // namespace
 
-PassResult ReplaceAllPass(core::AppState& state, core::DataBlock& block, core::SnRRule& rule, bool stamped,
-                          int64_t start) {
+PassResult ReplaceAllPass(core::BlockAllocator& memory, core::DataBlock& block, const core::SnRRule& rule,
+                          RuleReplacement& replacement, int64_t start) {
   const int64_t searchLength = std::clamp<int64_t>(rule.SearchLength, 0, core::SnRRule::kBytes);
   const uint8_t* pattern = rule.SearchBytes.data();
   const int64_t startLength = block.Length;
@@ -140,22 +139,23 @@ PassResult ReplaceAllPass(core::AppState& state, core::DataBlock& block, core::S
   StepKind kind = StepKind::None;
   int64_t length = startLength;
   uint8_t staleByte = 0;
-  bool replacementHasZero = false;
-  int64_t replacementChecked = -1;
+  // A plain rule's replacement is the same at every match; a stamped one is
+  // built afresh at each.
+  const bool stamped = replacement.Stamped();
+  const uint8_t* bytes = replacement.Bytes();
+  int64_t replaceLength = std::clamp<int64_t>(replacement.Length(), 0, core::SnRRule::kBytes);
+  bool replacementHasZero = HasZero(bytes, replaceLength);
   PassResult result;
   // j is the match's place in the pending bytes; the first match found above
   // is at their front.
   for (int64_t j = 0; j >= 0; j = pending.Find(pattern, searchLength)) {
     const int64_t p = out.Size() + j;
-    if (stamped) RebuildStampedReplacement(state, rule);
-    const int64_t replaceLength = std::clamp<int64_t>(rule.ReplaceLength, 0, core::SnRRule::kBytes);
-    const uint8_t* replacement = rule.ReplaceBytes.data();
-    const StepKind stepKind = KindOf(searchLength, replaceLength);
-    // A plain rule's replacement is the same at every match.
-    if (stamped || replacementChecked != replaceLength) {
-      replacementHasZero = HasZero(replacement, replaceLength);
-      replacementChecked = replaceLength;
+    if (stamped) {
+      replacement.NextMatch();
+      replaceLength = std::clamp<int64_t>(replacement.Length(), 0, core::SnRRule::kBytes);
+      replacementHasZero = HasZero(bytes, replaceLength);
     }
+    const StepKind stepKind = KindOf(searchLength, replaceLength);
     if ((kind != StepKind::None && stepKind != kind) ||
         (stepKind == StepKind::Grow && (!plainInsertions || replacementHasZero))) {
       pending.MoveTo(out, j);
@@ -178,8 +178,8 @@ PassResult ReplaceAllPass(core::AppState& state, core::DataBlock& block, core::S
     plainInsertions = plainInsertions && !replacementHasZero;
     // The next search starts one byte after this match's start.
     if (replaceLength > 0) {
-      out.Push(replacement[0]);
-      pending.PushFront(replacement + 1, replaceLength - 1);
+      out.Push(bytes[0]);
+      pending.PushFront(bytes + 1, replaceLength - 1);
     } else if (pending.Size() > 0) {
       pending.MoveTo(out, 1);
     } else {
@@ -191,9 +191,9 @@ PassResult ReplaceAllPass(core::AppState& state, core::DataBlock& block, core::S
   // Bring the block up to date as the single steps would have left it.
   if (kind == StepKind::Grow) {
     core::CharBuffer grown;
-    if (core::AllocCharBuffer(state, grown, length) != 0) return {PassOutcome::Stopped, -1};
+    if (memory.Alloc(grown, length) != 0) return {PassOutcome::Stopped, -1};
     std::memcpy(grown.Data(), out.Data(), static_cast<size_t>(out.Size()));
-    core::FreeBuffer(state, block.Buffer);
+    memory.Free(block.Buffer);
     block.Buffer = std::move(grown);
   } else if (kind != StepKind::None) {
     std::memcpy(data, out.Data(), static_cast<size_t>(out.Size()));

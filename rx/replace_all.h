@@ -2,8 +2,9 @@
 
 #include <cstdint>
 
-#include "core/app_state.h"
+#include "core/allocation.h"
 #include "core/buffer.h"
+#include "rx/time_stamp_token.h"
 
 namespace wavetrace::rx {
 
@@ -25,12 +26,12 @@ struct PassResult {
 // per match; this costs one copy in all.
 //
 // The pass hands a match back (Interrupted, block brought up to date, the
-// rule's bytes already rebuilt for a timestamped rule) when a single step
+// replacement already moved on to that match) when a single step
 // would not be a plain insertion: a growing step while the block or the rule
 // holds zero bytes that would cut the copies short, or a step of a different
 // kind (growing, shrinking, same length) than the pass's first step. The
 // caller applies that match with ReplaceAt and starts a new pass after it.
-PassResult ReplaceAllPass(core::AppState& state, core::DataBlock& block, core::SnRRule& rule, bool stamped,
-                          int64_t start);
+PassResult ReplaceAllPass(core::BlockAllocator& memory, core::DataBlock& block, const core::SnRRule& rule,
+                          RuleReplacement& replacement, int64_t start);
 
 }  // namespace wavetrace::rx

@@ -31,7 +31,7 @@ void ClearRule(core::SnRRule& rule) {
 }
 
 void CompactRules(core::DataSettings& data) {
-  for (int32_t i = 1; i <= ActiveRuleCount(data); ++i) {
+  for (int32_t i = 1; i <= core::ActiveRuleCount(data.SnR_count); ++i) {
     if (!data.SnR[i].wcszSearchFor.empty()) continue;
     for (int32_t later = i + 1; later <= kMaxRules; ++later) {
       if (!data.SnR[later].wcszSearchFor.empty()) {
@@ -73,14 +73,14 @@ bool CanAddRule(const core::DataSettings& data) {
 
 void SelectRule(core::DataSettings& data, const RuleFields& fields, int32_t index) {
   StoreRuleFields(data, fields);
-  data.SnRCurrentRule = std::clamp(index, 1, std::max(1, ActiveRuleCount(data)));
+  data.SnRCurrentRule = std::clamp(index, 1, std::max(1, core::ActiveRuleCount(data.SnR_count)));
 }
 
 bool AddRule(core::DataSettings& data, const RuleFields& fields) {
   if (!CanAddRule(data)) return false;
   StoreRuleFields(data, fields);
   // The rule being edited counts as in use even before the first apply.
-  data.SnR_count = std::max(ActiveRuleCount(data), CurrentIndex(data));
+  data.SnR_count = std::max(core::ActiveRuleCount(data.SnR_count), CurrentIndex(data));
   if (data.SnR_count >= kMaxRules) return true;
   data.SnR_count += 1;
   ClearRule(data.SnR[data.SnR_count]);
@@ -93,8 +93,9 @@ void RemoveRule(core::DataSettings& data) {
   ClearRule(data.SnR[kMaxRules]);
   // The list keeps one slot through this button, deliberately: removing the
   // only rule leaves an empty rule 1 rather than no rule at all.
-  if (data.SnR_count > 1) data.SnR_count = ActiveRuleCount(data) - 1;
-  data.SnRCurrentRule = std::clamp(data.SnRCurrentRule, 1, std::max(1, ActiveRuleCount(data)));
+  if (data.SnR_count > 1) data.SnR_count = core::ActiveRuleCount(data.SnR_count) - 1;
+  data.SnRCurrentRule =
+      std::clamp(data.SnRCurrentRule, 1, std::max(1, core::ActiveRuleCount(data.SnR_count)));
 }
 
 bool InsertRule(core::DataSettings& data) {
@@ -102,7 +103,7 @@ bool InsertRule(core::DataSettings& data) {
   const int32_t current = CurrentIndex(data);
   for (int32_t i = kMaxRules; i > current; --i) MoveRuleInto(data.SnR[i], data.SnR[i - 1]);
   ClearRule(data.SnR[current]);
-  data.SnR_count = std::max(ActiveRuleCount(data) + 1, current);
+  data.SnR_count = std::max(core::ActiveRuleCount(data.SnR_count) + 1, current);
   return true;
 }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "core/allocation.h"
 #include "rx/bounded_copy.h"
 #include "rx/byte_search.h"
 #include "rx/replace_all.h"
@@ -14,48 +13,50 @@ namespace wavetrace::rx {
 namespace {
 
 // A rule that replaces one match (first or last occurring).
-bool ApplySingle(core::AppState& state, core::DataBlock& block, core::SnRRule& rule, bool stamped) {
+bool ApplySingle(core::BlockAllocator& memory, core::DataBlock& block, const core::SnRRule& rule,
+                 RuleReplacement& replacement) {
   const bool forward = rule.Rfo == 1;
   const int64_t p = FindBytes(block.Buffer.Data(), block.Length, rule.SearchBytes.data(),
                               std::clamp<int64_t>(rule.SearchLength, 0, core::SnRRule::kBytes), 0, forward);
   if (p < 0) return true;
-  if (stamped) RebuildStampedReplacement(state, rule);
+  replacement.NextMatch();
   int64_t work = 0;
-  return ReplaceAt(state, block, p, rule, work);
+  return ReplaceAt(memory, block, p, rule, replacement, work);
 }
 
-bool ApplyAll(core::AppState& state, core::DataBlock& block, core::SnRRule& rule, bool stamped) {
+bool ApplyAll(core::BlockAllocator& memory, core::DataBlock& block, const core::SnRRule& rule,
+              RuleReplacement& replacement) {
   int64_t start = 0;
   int64_t work = 0;
   for (;;) {
-    const PassResult pass = ReplaceAllPass(state, block, rule, stamped, start);
+    const PassResult pass = ReplaceAllPass(memory, block, rule, replacement, start);
     if (pass.Outcome == PassOutcome::Finished) return true;
     if (pass.Outcome == PassOutcome::Stopped) return false;
-    if (!ReplaceAt(state, block, pass.InterruptedAt, rule, work)) return false;
+    if (!ReplaceAt(memory, block, pass.InterruptedAt, rule, replacement, work)) return false;
     start = pass.InterruptedAt + 1;
   }
 }
 
 }  // namespace
 
-bool ReplaceAt(core::AppState& state, core::DataBlock& block, int64_t p, const core::SnRRule& rule,
-               int64_t& work) {
+bool ReplaceAt(core::BlockAllocator& memory, core::DataBlock& block, int64_t p, const core::SnRRule& rule,
+               const RuleReplacement& replacement, int64_t& work) {
   const int64_t searchLength = std::clamp<int64_t>(rule.SearchLength, 0, core::SnRRule::kBytes);
-  const int64_t replaceLength = std::clamp<int64_t>(rule.ReplaceLength, 0, core::SnRRule::kBytes);
+  const int64_t replaceLength = std::clamp<int64_t>(replacement.Length(), 0, core::SnRRule::kBytes);
   const int64_t length = block.Length;
-  const uint8_t* replacement = rule.ReplaceBytes.data();
+  const uint8_t* bytes = replacement.Bytes();
 
   if (replaceLength > searchLength) {
     const int64_t grown = length + (replaceLength - searchLength);
     work += grown;
     if (grown > kMaxReplaceBlockBytes || work > kMaxReplaceWorkBytes) return false;
     core::CharBuffer next;
-    if (core::AllocCharBuffer(state, next, grown) != 0) return false;
+    if (memory.Alloc(next, grown) != 0) return false;
     const uint8_t* old = block.Buffer.Data();
     uint8_t* cursor = AppendUntilZero(next.Data(), old, static_cast<size_t>(p));
-    cursor = AppendUntilZero(cursor, replacement, static_cast<size_t>(replaceLength));
+    cursor = AppendUntilZero(cursor, bytes, static_cast<size_t>(replaceLength));
     AppendUntilZero(cursor, old + p + searchLength, static_cast<size_t>(length - p - searchLength));
-    core::FreeBuffer(state, block.Buffer);
+    memory.Free(block.Buffer);
     block.Buffer = std::move(next);
     block.Length = static_cast<uint32_t>(grown);
     return true;
@@ -65,7 +66,7 @@ bool ReplaceAt(core::AppState& state, core::DataBlock& block, int64_t p, const c
   work += replaceLength + tail;
   if (work > kMaxReplaceWorkBytes) return false;
   uint8_t* data = block.Buffer.Data();
-  std::memcpy(data + p, replacement, static_cast<size_t>(replaceLength));
+  std::memcpy(data + p, bytes, static_cast<size_t>(replaceLength));
   if (replaceLength != searchLength) {
     std::memmove(data + p + replaceLength, data + p + searchLength, static_cast<size_t>(tail));
     // Zeroing starts one past the old end (every block has two spare bytes)
@@ -79,14 +80,14 @@ bool ReplaceAt(core::AppState& state, core::DataBlock& block, int64_t p, const c
   return true;
 }
 
-bool SearchAndReplace(core::AppState& state, core::DataBlock& block) {
-  core::DataSettings& data = state.Data;
-  const int32_t count = ActiveRuleCount(data);
+bool SearchAndReplace(const core::RxSettings& settings, core::BlockAllocator& memory, StampSource& stamps,
+                      core::DataBlock& block) {
+  const int32_t count = core::ActiveRuleCount(settings.SnR_count);
   for (int32_t i = 1; i <= count; ++i) {
-    core::SnRRule& rule = data.SnR[i];
-    const bool stamped = HasTimeStampToken(rule);
-    const bool ok =
-        rule.Rall == 1 ? ApplyAll(state, block, rule, stamped) : ApplySingle(state, block, rule, stamped);
+    const core::SnRRule& rule = settings.SnR[i];
+    RuleReplacement replacement(rule, settings.Stamp, stamps);
+    const bool ok = rule.Rall == 1 ? ApplyAll(memory, block, rule, replacement)
+                                   : ApplySingle(memory, block, rule, replacement);
     if (!ok) return false;
   }
   return true;

@@ -1,5 +1,6 @@
 #include "rx/time_stamp.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <mutex>
 
@@ -44,27 +45,35 @@ void FormatTime(int32_t format, const platform::LocalTime& t, char (&out)[32]) {
 
 }  // namespace
 
-void FormatTimeStamp(const core::LogSettings& log, const platform::LocalTime& time, Stamp& stamp) {
+void FormatTimeStamp(const core::TimeStampFormat& format, const platform::LocalTime& time, Stamp& stamp) {
   char date[32];
   char clock[32];
-  FormatDate(log.DateFormat, time, date);
-  FormatTime(log.TimeFormat, time, clock);
+  FormatDate(format.DateFormat, time, date);
+  FormatTime(format.TimeFormat, time, clock);
   char separator[2] = {0, 0};
-  if (log.DateFormat != 4 && log.TimeFormat != 7) separator[0] = static_cast<char>(log.Delimiter[0]);
+  if (format.DateFormat != 4 && format.TimeFormat != 7) separator[0] = static_cast<char>(format.Delimiter);
   stamp.fill(0);
   std::snprintf(reinterpret_cast<char*>(stamp.data()), stamp.size(), "%s%s%s", date, separator, clock);
 }
 
-void BuildTimeStamp(core::AppState& state, const platform::LocalTime& now) {
+void BuildTimeStamp(core::AppState& state, const core::TimeStampFormat& format,
+                    const platform::LocalTime& now) {
   std::lock_guard lock(state.RxDataLock);
   core::LogSettings& log = state.Log;
   log.PreviousTimeStamp = log.CurrentTimeStamp;
-  FormatTimeStamp(log, now, log.CurrentTimeStamp);
+  FormatTimeStamp(format, now, log.CurrentTimeStamp);
 }
 
-void BuildTimeStamp(core::AppState& state) {
+void BuildTimeStamp(core::AppState& state, const core::TimeStampFormat& format) {
   std::lock_guard lock(state.RxDataLock);
-  BuildTimeStamp(state, platform::GetLocalTime());
+  BuildTimeStamp(state, format, platform::GetLocalTime());
+}
+
+std::string SharedStampSource::NextStamp(const core::TimeStampFormat& format) {
+  std::lock_guard lock(state_.RxDataLock);
+  BuildTimeStamp(state_, format);
+  const auto& current = state_.Log.CurrentTimeStamp;
+  return std::string(current.begin(), std::find(current.begin(), current.end(), uint8_t{0}));
 }
 
 }  // namespace wavetrace::rx

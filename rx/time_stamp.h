@@ -2,8 +2,10 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 
 #include "core/app_state.h"
+#include "core/published_settings.h"
 #include "platform/clock.h"
 
 namespace wavetrace::rx {
@@ -12,14 +14,33 @@ namespace wavetrace::rx {
 // TimeFormat: 5 "hh:mm", 6 "hh:mm:ss", 7 none, 8 "hh:mm:ss.mmm". Any other value gives an
 // empty part. The Delimiter goes between date and time only when both exist.
 // The result is zero-filled and at most 31 bytes long.
-void FormatTimeStamp(const core::LogSettings& log, const platform::LocalTime& time,
+void FormatTimeStamp(const core::TimeStampFormat& format, const platform::LocalTime& time,
                      std::array<uint8_t, core::LogSettings::kTimeStampBytes>& stamp);
 
 // Moves the current stamp to the previous one and builds a new current stamp
 // from the local time, under the receive-data lock, so a reader holding the
 // lock always sees a consistent pair.
-void BuildTimeStamp(core::AppState& state);
+void BuildTimeStamp(core::AppState& state, const core::TimeStampFormat& format);
 // The same for a given time (the clock is read by the overload above).
-void BuildTimeStamp(core::AppState& state, const platform::LocalTime& now);
+void BuildTimeStamp(core::AppState& state, const core::TimeStampFormat& format,
+                    const platform::LocalTime& now);
+
+// Where a stage takes the stamps it inserts: each call builds the next stamp.
+class StampSource {
+ public:
+  virtual ~StampSource() = default;
+  virtual std::string NextStamp(const core::TimeStampFormat& format) = 0;
+};
+
+// The program's stamps: BuildTimeStamp on the one state, so the stamp a rule
+// inserts is the current stamp the log sees.
+class SharedStampSource final : public StampSource {
+ public:
+  explicit SharedStampSource(core::AppState& state) : state_(state) {}
+  std::string NextStamp(const core::TimeStampFormat& format) override;
+
+ private:
+  core::AppState& state_;
+};
 
 }  // namespace wavetrace::rx

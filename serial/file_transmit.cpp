@@ -7,7 +7,6 @@
 #include "core/allocation.h"
 #include "core/code_page.h"
 #include "core/reporting.h"
-#include "core/shared_field.h"
 #include "platform/clock.h"
 #include "serial/port.h"
 #include "serial/tx_thread.h"
@@ -70,7 +69,7 @@ int FileProgressPercent(uint32_t index, uint32_t count) {
   return static_cast<int>((uint64_t{index} + 1) * 100 / (uint64_t{count} + 1));
 }
 
-int TransmitFile(core::AppState& state, const std::u16string& path) {
+int TransmitFile(core::AppState& state, const core::TxSettings& settings, const std::u16string& path) {
   File file(std::fopen(core::WideToUtf8(path).c_str(), "rb"));
   if (!file) {
     core::ShowStatusError(state, u"Error opening file. Verify it exists. ", platform::FailedCall("fopen"));
@@ -86,14 +85,13 @@ int TransmitFile(core::AppState& state, const std::u16string& path) {
     core::ShowStatus(state, u"Empty file. ");
     return 0;
   }
-  uint32_t baud = state.Port.SelectedBaud;
+  uint32_t baud = settings.SelectedBaud;
   if (baud < kMinimumFileBaud) {
     // At under 50 baud a chunk of 200 ms holds no byte at all.
     core::ShowStatusError(state, u"Files are sent at 50 baud or more. ", {});
     return kFileError;
   }
-  ChunkPlan plan =
-      PlanFileChunks(static_cast<uint64_t>(size), baud, core::LoadShared(state.Data.TxSendWholeFile) == 1);
+  ChunkPlan plan = PlanFileChunks(static_cast<uint64_t>(size), baud, settings.TxSendWholeFile == 1);
 
   // The whole file in memory when it fits, else one chunk at a time.
   core::CharBuffer buffer;

@@ -29,6 +29,6 @@ int FileProgressPercent(uint32_t index, uint32_t count);
 // Sends a file to the open port in paced chunks with "Sent: %d%%" progress.
 // 0 when all was sent, the user stopped it or the file was empty; the write's
 // result when a write ended it; 99 for every file or memory error (reported).
-int TransmitFile(core::AppState& state, const std::u16string& path);
+int TransmitFile(core::AppState& state, const core::TxSettings& settings, const std::u16string& path);
 
 }  // namespace wavetrace::serial

@@ -3,7 +3,6 @@
 #include "core/allocation.h"
 #include "core/messages.h"
 #include "core/reporting.h"
-#include "core/shared_field.h"
 #include "platform/clock.h"
 #include "rx/dispatcher.h"
 #include "rx/receive_pipeline.h"
@@ -56,7 +55,10 @@ void RxThread(core::AppState& state, platform::SuspendableThread& self) {
         if (!suspend(u"Error suspending RxThread. (b)")) break;
         continue;
       }
-      if (uint32_t delay = core::LoadShared(state.Data.RxDelayReadThread); delay != 0) {
+      // One settings record for the whole block: a change made meanwhile
+      // applies from the next block on.
+      const auto settings = state.PublishedRx.Load();
+      if (uint32_t delay = settings->RxDelayReadThread; delay != 0) {
         platform::SleepMs(static_cast<int>(delay));
       }
       core::DataBlock block;
@@ -65,8 +67,8 @@ void RxThread(core::AppState& state, platform::SuspendableThread& self) {
         // readable, so do not spin on it.
         self.SleepFor(kIdleWaitMs);
       }
-      rx::ProcessReceivedData(state, block);
-      rx::DispatchReceivedData(state, block.Buffer.Data(), block.Length);
+      rx::ProcessReceivedData(state, *settings, block);
+      rx::DispatchReceivedData(state, *settings, block.Buffer.Data(), block.Length);
       core::FreeBuffer(state, block.Buffer);
     }
     if (state.ShuttingDown || self.StopRequested()) break;

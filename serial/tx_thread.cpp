@@ -4,9 +4,9 @@
 
 #include "core/allocation.h"
 #include "core/code_page.h"
+#include "core/escape_parser.h"
 #include "core/messages.h"
 #include "core/reporting.h"
-#include "core/shared_field.h"
 #include "rx/bracket_escapes.h"
 #include "serial/file_transmit.h"
 #include "serial/port.h"
@@ -33,9 +33,10 @@ void UnlockTransmitControls(core::AppState& state) {
   state.Screen.GreyMenuItem(kClearSendHistory, false);
 }
 
+// Each send takes the transmit settings published last.
 void SendOnce(core::AppState& state) {
   // The failing call, if any, was reported with its code where it failed.
-  if (SendTransmitText(state) == 1)
+  if (SendTransmitText(state, *state.PublishedTx.Load()) == 1)
     core::ShowStatusError(state, u"Error sending data!  Check connection.", {});
 }
 
@@ -46,16 +47,17 @@ RepeatPause RepeatPauseOf(uint32_t delayMs) {
   return {0, static_cast<int>(delayMs)};
 }
 
-uint32_t PrepareTxData(core::AppState& state, core::DataBlock& block, uint32_t length) {
+uint32_t PrepareTxData(core::AppState& state, const core::TxSettings& settings, core::DataBlock& block,
+                       uint32_t length) {
   if (length == 0) return 0;
-  if (core::LoadShared(state.Data.TxClrRCVEtxt) == 1) state.Screen.RxClear();
-  int32_t postambleLength = core::LoadShared(state.Data.PostambleLengthTX);
+  if (settings.TxClrRCVEtxt == 1) state.Screen.RxClear();
+  int32_t postambleLength = settings.PostambleLengthTX;
   if (postambleLength != 0) {
     core::CharBuffer grown;
     if (core::AllocCharBuffer(state, grown, int64_t{length} + 2 + postambleLength) != 0) return length;
     std::memcpy(grown.Data(), block.Buffer.Data(), length);
     // A length-bounded string append: a zero in the postamble ends it.
-    const auto& post = state.Data.PostambleBytesTX;
+    const auto& post = settings.PostambleBytesTX;
     size_t end = strnlen(reinterpret_cast<const char*>(grown.Data()), length);
     for (int32_t i = 0; i < postambleLength && post[static_cast<size_t>(i)] != 0; ++i) {
       grown[end + static_cast<size_t>(i)] = post[static_cast<size_t>(i)];
@@ -68,8 +70,8 @@ uint32_t PrepareTxData(core::AppState& state, core::DataBlock& block, uint32_t l
   // yet parsed.
   if (state.LogRecords) state.LogRecords->TransmittedData(block.Buffer.Data(), length);
   block.Length = length;
-  int32_t parsed =
-      rx::ParseBracketEscapes(state, std::span<uint8_t>(block.Buffer.Data(), block.Buffer.Size() + 2), 0);
+  int32_t parsed = core::ParseBracketEscapes(std::span<uint8_t>(block.Buffer.Data(), block.Buffer.Size() + 2),
+                                             rx::EffectiveBase(settings.Base));
   return static_cast<uint32_t>(parsed);
 }
 
@@ -112,7 +114,7 @@ void AddSentHistory(core::AppState& state, bool reset, const std::string& sentBy
   state.Screen.SetTxHistory(std::move(history));
 }
 
-int SendTransmitText(core::AppState& state) {
+int SendTransmitText(core::AppState& state, const core::TxSettings& settings) {
   std::u16string text = state.Screen.TxText();
   auto length = static_cast<uint32_t>(text.size());
   if (length == 0) return 0;
@@ -127,7 +129,7 @@ int SendTransmitText(core::AppState& state) {
   std::memcpy(wide.Data(), text.data(), length * sizeof(char16_t));
   std::string narrow = core::WideToBytes(text);
   std::memcpy(block.Buffer.Data(), narrow.data(), length);
-  uint32_t count = PrepareTxData(state, block, length);
+  uint32_t count = PrepareTxData(state, settings, block, length);
 
   int result;
   size_t tag = text.find(kFileTag);
@@ -136,7 +138,7 @@ int SendTransmitText(core::AppState& state) {
     size_t nameStart = tag + std::size(kFileTag) - 1;
     std::u16string name = text.substr(nameStart, length >= 8 ? length - 8 : 0);
     core::ShowStatus(state, u"Transmitting file...");
-    result = TransmitFile(state, name);
+    result = TransmitFile(state, settings, name);
   } else {
     result = WriteToPort(state, block.Buffer.Data(), count);
   }
@@ -163,11 +165,11 @@ void TxThread(core::AppState& state, platform::SuspendableThread& self) {
     LockTransmitControls(state);
     state.TxShowSent = true;
     if (state.TxRepeat) {
-      uint32_t repeatNum = core::LoadShared(state.Data.TxRepeatNum);
+      uint32_t repeatNum = state.PublishedTx.Load()->TxRepeatNum;
       uint32_t roundsLeft = repeatNum == 0 ? 1 : repeatNum;
       while (state.TxActive && state.TxRepeat && roundsLeft > 0) {
         SendOnce(state);
-        RepeatPause pause = RepeatPauseOf(core::LoadShared(state.Data.TxRepeatDelay));
+        RepeatPause pause = RepeatPauseOf(state.PublishedTx.Load()->TxRepeatDelay);
         for (int step = 0; step < pause.Steps && state.TxActive; ++step) self.SleepFor(100);
         if (pause.SingleSleepMs > 0) self.SleepFor(pause.SingleSleepMs);
         if (repeatNum != 0) --roundsLeft;

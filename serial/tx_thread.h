@@ -12,12 +12,14 @@ namespace wavetrace::serial {
 inline constexpr int kWriteSkipped = 99;  // WriteToPort: no send under way
 
 // Sends the transmit field's text once: 0 sent (or nothing to send), 1
-// failed; for "[File::name]" the file transmission's result.
-int SendTransmitText(core::AppState& state);
+// failed; for "[File::name]" the file transmission's result. The whole send
+// uses the one settings record given.
+int SendTransmitText(core::AppState& state, const core::TxSettings& settings);
 // The transmit-side processing of the text in the block: clears the receive
 // window when asked, appends the transmit postamble, parses the escapes in
 // the Base radix. Returns the byte count to send.
-uint32_t PrepareTxData(core::AppState& state, core::DataBlock& block, uint32_t length);
+uint32_t PrepareTxData(core::AppState& state, const core::TxSettings& settings, core::DataBlock& block,
+                       uint32_t length);
 // 0 written, 1 the write failed (reported), 99 no send under way. Nothing is
 // written while the PLAY flag is clear.
 int WriteToPort(core::AppState& state, const uint8_t* bytes, uint32_t count);

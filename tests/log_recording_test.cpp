@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <mutex>
 #include <random>
 #include <thread>
 
@@ -30,8 +31,9 @@ class RecordingTest : public testing::ProgramFixture {
     state.Log.wszLogFile = core::Utf8ToWide(path);
     state.Queue.SendCommand(core::cmd::kRecord);
   }
-  // The cache and the failure flag belong to the receive-data lock.
-  uint32_t CacheCount() {
+  std::string FileText(const std::string& path) { return platform::ReadWholeFile(path).value_or("<none>"); }
+  // The receive thread fills the cache under the receive-data lock.
+  uint32_t CachedBytes() {
     std::lock_guard lock(state.RxDataLock);
     return state.DataLogCacheCount;
   }
@@ -39,7 +41,6 @@ class RecordingTest : public testing::ProgramFixture {
     std::lock_guard lock(state.RxDataLock);
     return state.LogWriteFailing;
   }
-  std::string FileText(const std::string& path) { return platform::ReadWholeFile(path).value_or("<none>"); }
 
   platform::PtyPair pty;
   std::string logPath = folder.Path() + "/run.log.txt";
@@ -47,6 +48,7 @@ class RecordingTest : public testing::ProgramFixture {
 
 TEST_F(RecordingTest, RecordOnDataRecordOff) {
   state.Log.LOGtransmitdata = 1;
+  core::PublishSettings(state);
   Record(logPath);
   EXPECT_TRUE(state.RecordFlag);
   EXPECT_TRUE(state.Screen.IsButtonPressed(core::cmd::kRecord));
@@ -75,18 +77,19 @@ TEST_F(RecordingTest, AFullDeviceIsReportedOnceAndRecordingGoesOn) {
   ASSERT_TRUE(state.RecordFlag);
   for (int flush = 0; flush < 2; ++flush) {
     ASSERT_TRUE(pty.Write("data"));
-    ASSERT_TRUE(PumpUntil([&] { return CacheCount() == 0 && WriteFailing(); }));
+    ASSERT_TRUE(PumpUntil([&] { return CachedBytes() == 0 && WriteFailing(); }));
   }
   EXPECT_EQ(state.Screen.Status().rfind(u"Error writing to LogFile: /dev/full: Error code=28", 0), 0U);
   core::ShowStatus(state, u"");
   ASSERT_TRUE(pty.Write("more"));
-  ASSERT_TRUE(PumpUntil([&] { return CacheCount() == 0; }));
+  ASSERT_TRUE(PumpUntil([&] { return CachedBytes() == 0; }));
   EXPECT_EQ(state.Screen.Status(), u"") << "one report per run of failures";
   EXPECT_TRUE(state.RecordFlag);
 }
 
 TEST_F(RecordingTest, NeverDropKeepsAFastBinaryStreamWhole) {
   state.Log.NeverDropLogData = 1;
+  core::PublishSettings(state);
   Record(logPath);
   ASSERT_TRUE(state.RecordFlag);
   std::string data(32u << 20, '\0');
@@ -102,7 +105,7 @@ TEST_F(RecordingTest, NeverDropKeepsAFastBinaryStreamWhole) {
   std::thread device([&] { pty.Write(data); });
   bool whole = program.PumpUntil(
       [&] {
-        auto size = platform::ReadWholeFile(logPath).value_or("").size() + CacheCount();
+        auto size = platform::ReadWholeFile(logPath).value_or("").size() + CachedBytes();
         return size >= data.size();
       },
       std::chrono::seconds(60));

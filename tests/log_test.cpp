@@ -153,6 +153,7 @@ TEST(IntervalRecordingTest, WindowsOnTheClock) {
     state.Log.RecordALL = 0;
     state.Log.RecordInterval = c.interval;
     state.Log.RecordDuration = c.duration;
+    core::PublishSettings(state);
     state.RecordFlag = true;
     state.PortOpen = true;
     FakeClock clock(state, c.start, 25000);
@@ -164,6 +165,7 @@ TEST(IntervalRecordingTest, WindowsOnTheClock) {
 TEST(IntervalRecordingTest, RecordOffEndsTheWaitAndRecordAllLeavesTheFlagAlone) {
   core::AppState state;
   state.Log.RecordALL = 0;
+  core::PublishSettings(state);
   state.RecordFlag = true;
   state.PortOpen = true;
   FakeClock clock(state, 0, 60000);

@@ -20,7 +20,9 @@ class ReceiveWindowTest : public ::testing::Test {
     for (size_t i = 0; i < n; ++i) text[i] = static_cast<char16_t>(first + i % 26);
     return text;
   }
-  void Append(const std::u16string& text) { AppendToRxWindowBuf(state, text.c_str()); }
+  void Append(const std::u16string& text) {
+    AppendToRxWindowBuf(state, core::RxSettingsOf(state), text.c_str());
+  }
 
   core::AppState state;
   testing::RecordingFrontEnd view;
@@ -31,7 +33,7 @@ TEST_F(ReceiveWindowTest, AppendingKeepsWhatFits) {
   Append(u"def");
   EXPECT_EQ(WaitingText(state), u"abcdef");
   // Text stops at its first zero, as a string copy does.
-  AppendToRxWindowBuf(state, u"gh\0ij");
+  AppendToRxWindowBuf(state, core::RxSettingsOf(state), u"gh\0ij");
   EXPECT_EQ(WaitingText(state), u"abcdefgh");
   state.Data.PauseRxDisplay = 1;
   Append(u"lost");
@@ -75,7 +77,7 @@ TEST_F(ReceiveWindowTest, RefreshArithmetic) {
     state.Screen.SetShownCount(c.shown);
     std::u16string waiting = Pattern(static_cast<size_t>(c.waiting), u'A');
     Append(waiting);
-    RefreshReceiveWindow(state);
+    RefreshReceiveWindow(state, core::RxSettingsOf(state));
     EXPECT_EQ(state.Screen.ShownCount(), c.shownAfter) << c.shown << "+" << c.waiting;
     std::u16string expected =
         c.waiting >= 16384 ? waiting : shownText.substr(static_cast<size_t>(c.droppedFromFront)) + waiting;

@@ -63,7 +63,8 @@ TEST(NetworkRelay, EveryBlockReachesTheServerInOrder) {
     size_t offset = 0;
     for (size_t size = 1; offset < kBytes; size = size % 8192 + 997) {
       size_t n = std::min(size, kBytes - offset);
-      rx::DispatchReceivedData(relayed.state, reinterpret_cast<const uint8_t*>(stream.data() + offset),
+      rx::DispatchReceivedData(relayed.state, *relayed.state.PublishedRx.Load(),
+                               reinterpret_cast<const uint8_t*>(stream.data() + offset),
                                static_cast<uint32_t>(n));
       offset += n;
       // A datagram the server has no room for is dropped by the kernel:
@@ -143,7 +144,8 @@ TEST(NetworkRelay, ServerClosingMidStreamLeavesRelayOnWithSendFailure) {
     std::this_thread::sleep_for(2ms);
   }
   relayed.state.Screen.SetStatus(u"");
-  rx::DispatchReceivedData(relayed.state, reinterpret_cast<const uint8_t*>("later"), 5);
+  rx::DispatchReceivedData(relayed.state, *relayed.state.PublishedRx.Load(),
+                           reinterpret_cast<const uint8_t*>("later"), 5);
   EXPECT_EQ(relayed.Status(), "");
   EXPECT_EQ(session->Socket->State(), RelayStateClosed);
 }

@@ -25,7 +25,7 @@ std::string AppendTo(core::AppState& state, const std::string& input, uint32_t& 
   EXPECT_EQ(core::AllocCharBuffer(state, block.Buffer, static_cast<int64_t>(input.size())), 0);
   std::copy(input.begin(), input.end(), block.Buffer.Data());
   block.Length = static_cast<uint32_t>(input.size());
-  length = ProcessReceivedData(state, block);
+  length = ProcessReceivedData(state, core::RxSettingsOf(state), block);
   EXPECT_EQ(length, block.Length);
   return std::string(block.Buffer.Data(), block.Buffer.Data() + block.Buffer.Size());
 }

@@ -28,6 +28,17 @@ std::string Text(const core::DataBlock& block) {
   return std::string(block.Buffer.Data(), block.Buffer.Data() + block.Length);
 }
 
+// The single stages with the settings as the state holds them.
+uint32_t ConvertToRadix(core::AppState& state, core::DataBlock& block) {
+  core::SharedAllocator memory(state);
+  return rx::ConvertToRadix(core::RxSettingsOf(state), memory, block);
+}
+
+uint32_t FilterNonPrintable(core::AppState& state, core::DataBlock& block) {
+  core::SharedAllocator memory(state);
+  return rx::FilterNonPrintable(memory, block);
+}
+
 // The state every test starts from: every stage off.
 void AllStagesOff(core::AppState& state) {
   state.Data.modeASCII = 0;
@@ -153,7 +164,7 @@ TEST(ProcessReceivedDataTest, StagesRunInOrder) {
   state.Data.PostambleLengthRX = 2;
   state.Data.modeASCII = 1;
   core::DataBlock block = MakeBlock(state, "A \r\n");
-  EXPECT_EQ(ProcessReceivedData(state, block), 7u);
+  EXPECT_EQ(ProcessReceivedData(state, core::RxSettingsOf(state), block), 7u);
   EXPECT_EQ(Text(block), "A[20]\r\n");
 }
 
@@ -163,7 +174,7 @@ TEST(ProcessReceivedDataTest, EmptyBlockIsNotTouched) {
   state.Data.PostambleLengthRX = 1;
   core::DataBlock block = MakeBlock(state, "xyz");
   block.Length = 0;
-  EXPECT_EQ(ProcessReceivedData(state, block), 0u);
+  EXPECT_EQ(ProcessReceivedData(state, core::RxSettingsOf(state), block), 0u);
   EXPECT_EQ(std::string(block.Buffer.Data(), block.Buffer.Data() + 3), "xyz");
 }
 
@@ -173,7 +184,7 @@ TEST(ProcessReceivedDataTest, LengthBeyondTheBufferIsCut) {
   state.Data.modeBINARY = 1;
   core::DataBlock block = MakeBlock(state, "ab");
   block.Length = 1000;
-  EXPECT_EQ(ProcessReceivedData(state, block), 8u);
+  EXPECT_EQ(ProcessReceivedData(state, core::RxSettingsOf(state), block), 8u);
   EXPECT_EQ(Text(block), "[61][62]");
 }
 
@@ -189,7 +200,7 @@ TEST(ProcessReceivedDataTest, FailedPostambleEndsThePipeline) {
   block.Length = static_cast<uint32_t>(core::kMaxAllocationBytes);
   block.Buffer.Data()[0] = '\n';
   block.Buffer.Data()[1] = '\r';
-  EXPECT_EQ(ProcessReceivedData(state, block), block.Buffer.Size());
+  EXPECT_EQ(ProcessReceivedData(state, core::RxSettingsOf(state), block), block.Buffer.Size());
   EXPECT_EQ(block.Buffer.Data()[0], '\n') << "the line-end swap ran after a failed postamble";
 }
 
@@ -205,7 +216,7 @@ TEST(ProcessReceivedDataTest, RunawayRuleStopsAtTheBoundAndEndsThePipeline) {
   rule.ReplaceBytes = {'a', 'a'};
   rule.ReplaceLength = 2;
   core::DataBlock block = MakeBlock(state, "\n\ra");
-  const uint32_t length = ProcessReceivedData(state, block);
+  const uint32_t length = ProcessReceivedData(state, core::RxSettingsOf(state), block);
   EXPECT_EQ(length, static_cast<uint32_t>(kMaxReplaceBlockBytes));
   // Neither the radix view nor the swap ran on what the rule built.
   EXPECT_EQ(block.Buffer.Data()[0], '\n');

@@ -10,6 +10,13 @@
 namespace wavetrace::rx {
 namespace {
 
+// Stage 2 with the settings as the state holds them.
+bool SearchAndReplace(core::AppState& state, core::DataBlock& block) {
+  core::SharedAllocator memory(state);
+  SharedStampSource stamps(state);
+  return rx::SearchAndReplace(core::RxSettingsOf(state), memory, stamps, block);
+}
+
 using namespace std::string_literals;
 
 enum Mode { kAll, kFirst, kLast };
@@ -85,7 +92,7 @@ TEST(SearchAndReplaceTest, RuleOrderCountAndDisable) {
     SetRule(state.Data.SnR[1], c.first.substr(0, 1), c.first.substr(2), kAll);
     SetRule(state.Data.SnR[2], c.second.substr(0, 1), c.second.substr(2), kAll);
     core::DataBlock block = MakeBlock(state, "ab");
-    ProcessReceivedData(state, block);
+    ProcessReceivedData(state, core::RxSettingsOf(state), block);
     EXPECT_EQ(std::string(block.Buffer.Data(), block.Buffer.Data() + block.Length), c.expected)
         << c.count << " " << c.disable << " " << c.first << " " << c.second;
   }

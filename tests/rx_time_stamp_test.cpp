@@ -13,6 +13,13 @@
 namespace wavetrace::rx {
 namespace {
 
+// Stage 2 with the settings as the state holds them.
+bool SearchAndReplace(core::AppState& state, core::DataBlock& block) {
+  core::SharedAllocator memory(state);
+  SharedStampSource stamps(state);
+  return rx::SearchAndReplace(core::RxSettingsOf(state), memory, stamps, block);
+}
+
 using Stamp = std::array<uint8_t, core::LogSettings::kTimeStampBytes>;
 
 std::string StampText(const Stamp& stamp) {
@@ -54,13 +61,10 @@ TEST(FormatTimeStampTest, DateAndTimeFormats) {
       {9, 7, ',', ""},
   };
   for (const auto& c : cases) {
-    core::LogSettings log;
-    log.DateFormat = c.date;
-    log.TimeFormat = c.time;
-    log.Delimiter = {static_cast<uint8_t>(c.delimiter), 0};
+    const core::TimeStampFormat format{c.date, c.time, static_cast<uint8_t>(c.delimiter)};
     Stamp stamp;
     stamp.fill(0xAA);
-    FormatTimeStamp(log, At(17, 8, 37), stamp);
+    FormatTimeStamp(format, At(17, 8, 37), stamp);
     EXPECT_EQ(StampText(stamp), c.expected) << c.date << " " << c.time;
     EXPECT_TRUE(std::all_of(stamp.begin() + static_cast<long>(c.expected.size()), stamp.end(), [](uint8_t b) {
       return b == 0;
@@ -70,21 +74,20 @@ TEST(FormatTimeStampTest, DateAndTimeFormats) {
 
 TEST(BuildTimeStampTest, SameSecondLeavesCurrentAndPreviousEqual) {
   core::AppState state;
-  state.Log.DateFormat = 4;
-  state.Log.TimeFormat = 6;
-  BuildTimeStamp(state, At(17, 8, 37));
-  BuildTimeStamp(state, At(17, 8, 37));
+  core::TimeStampFormat format{4, 6, ','};
+  BuildTimeStamp(state, format, At(17, 8, 37));
+  BuildTimeStamp(state, format, At(17, 8, 37));
   EXPECT_EQ(state.Log.CurrentTimeStamp, state.Log.PreviousTimeStamp);
 
-  BuildTimeStamp(state, At(17, 8, 38));
+  BuildTimeStamp(state, format, At(17, 8, 38));
   EXPECT_NE(state.Log.CurrentTimeStamp, state.Log.PreviousTimeStamp);
   EXPECT_EQ(StampText(state.Log.PreviousTimeStamp), "17:08:37");
   EXPECT_EQ(StampText(state.Log.CurrentTimeStamp), "17:08:38");
 
   // With minutes only, the next second does not move the text.
-  state.Log.TimeFormat = 5;
-  BuildTimeStamp(state, At(17, 8, 39));
-  BuildTimeStamp(state, At(17, 8, 40));
+  format.TimeFormat = 5;
+  BuildTimeStamp(state, format, At(17, 8, 39));
+  BuildTimeStamp(state, format, At(17, 8, 40));
   EXPECT_EQ(state.Log.CurrentTimeStamp, state.Log.PreviousTimeStamp);
 }
 
@@ -123,18 +126,16 @@ TEST(StampedRuleTest, TokenBecomesTheStampAtEachMatch) {
   }
 }
 
-TEST(StampedRuleTest, RebuiltReplacementIsCutAt41Bytes) {
-  core::AppState state;
-  core::SnRRule& rule = state.Data.SnR[1];
+TEST(StampedRuleTest, BuiltReplacementIsCutAt41Bytes) {
+  core::SnRRule rule;
   rule.wcszReplaceWith = std::u16string(29, u'x') + u"{TIME_STAMP}";
   PrepareRule(rule);
   EXPECT_TRUE(HasTimeStampToken(rule));
-  RebuildStampedReplacement(state, rule);
-  const std::string stamp = StampText(state.Log.CurrentTimeStamp);
-  ASSERT_EQ(stamp.size(), 19u);
-  EXPECT_EQ(rule.ReplaceLength, 41);
-  EXPECT_EQ(std::string(rule.ReplaceBytes.begin(), rule.ReplaceBytes.end()),
-            std::string(29, 'x') + stamp.substr(0, 12) + '\0');
+  const std::string stamp = "05/11/2026,17:08:37";
+  std::array<uint8_t, core::SnRRule::kBytes> bytes;
+  bytes.fill(0xAA);
+  EXPECT_EQ(BuildStampedReplacement(rule, stamp, bytes), 41);
+  EXPECT_EQ(std::string(bytes.begin(), bytes.end()), std::string(29, 'x') + stamp.substr(0, 12) + '\0');
 }
 
 }  // namespace

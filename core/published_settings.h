@@ -1,0 +1,91 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "core/settings.h"
+
+namespace wavetrace::core {
+
+struct AppState;
+
+// The settings a worker thread reads, as published by the main thread. Fields
+// are named by their configuration key; each worker loads its record once per
+// unit of work and never reads the settings blocks of AppState.
+
+// The date and time parts of a stamp (section DataLog).
+struct TimeStampFormat {
+  int32_t DateFormat = 1;
+  int32_t TimeFormat = 6;
+  uint8_t Delimiter = ',';
+
+  bool operator==(const TimeStampFormat&) const = default;
+};
+
+// Read by the receive thread (once per block: the pipeline, the dispatcher,
+// the read delay) and by the receive-window update thread (once per cycle).
+struct RxSettings {
+  uint8_t modeASCII = 1;
+  uint8_t modeBINARY = 0;
+  int32_t Base = 16;
+  int32_t BinBrackets = 0;
+  int32_t NonChars = 0;
+  int32_t FilterNP = 0;
+  int32_t DisableSnR = 0;
+  int32_t SnR_count = 0;
+  std::array<SnRRule, DataSettings::kMaxSnRRules + 1> SnR{};
+  std::array<uint8_t, DataSettings::kPostambleChars> PostambleBytesRX{};
+  int32_t PostambleLengthRX = 0;
+  TimeStampFormat Stamp;
+  uint32_t RxDelayReadThread = 0;
+  uint8_t PauseRxDisplay = 0;
+  uint8_t RxBacklightEvent = 0;
+
+  bool operator==(const RxSettings&) const = default;
+};
+
+// Read by the transmit thread, once per send (a repeat run reads it again
+// before each send).
+struct TxSettings {
+  int32_t Base = 16;
+  uint32_t TxRepeatNum = 0;
+  uint32_t TxRepeatDelay = 0;
+  int32_t TxClrRCVEtxt = 0;
+  int32_t TxSendWholeFile = 0;
+  std::array<uint8_t, DataSettings::kPostambleChars> PostambleBytesTX{};
+  int32_t PostambleLengthTX = 0;
+  uint32_t SelectedBaud = 9600;
+
+  bool operator==(const TxSettings&) const = default;
+};
+
+// Read by the log recorder (on the receive and transmit threads, once per
+// record) and by the interval recording thread (once per run of windows).
+struct LogRecordSettings {
+  int32_t LOGtimestamp = 0;
+  int32_t LOGtransmitdata = 0;
+  int32_t TSremoveCRLF = 0;
+  TimeStampFormat Stamp;
+  int32_t NeverDropLogData = 0;
+  int32_t RecordALL = 1;
+  int32_t RecordInterval = 10;
+  int32_t RecordDuration = 1;
+
+  bool operator==(const LogRecordSettings&) const = default;
+};
+
+RxSettings RxSettingsOf(const AppState& state);
+TxSettings TxSettingsOf(const AppState& state);
+LogRecordSettings LogRecordSettingsOf(const AppState& state);
+
+// The one way settings reach other threads. The main thread is the only
+// writer of the settings blocks; every path that changes them (a command, an
+// option page's apply, a configuration load, a script) ends in this call,
+// which builds fresh records and swaps them in.
+void PublishSettings(AppState& state);
+
+// Whether the published records match the settings blocks as they stand: a
+// change that was not published yet makes this false.
+bool SettingsArePublished(const AppState& state);
+
+}  // namespace wavetrace::core

@@ -1,0 +1,235 @@
+// Settings changes on the main thread while blocks flow through the receive
+// pipeline and the transmit preparation on a worker: every block must come
+// out exactly as one of the settings the main thread went through would make
+// it, never a mix of two. Run under the thread sanitizer this also proves the
+// settings are handed over without a data race.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "app/comm_properties.h"
+#include "app/main_window.h"
+#include "app/receive_options.h"
+#include "app/transmit_options.h"
+#include "config/config_file.h"
+#include "core/allocation.h"
+#include "core/code_page.h"
+#include "core/messages.h"
+#include "rx/dispatcher.h"
+#include "rx/receive_pipeline.h"
+#include "rx/receive_window.h"
+#include "rx/replace_rules.h"
+#include "serial/tx_thread.h"
+#include "test_support.h"
+
+namespace wavetrace {
+namespace {
+
+using namespace core::cmd;
+
+// Every byte value twice and a few line ends: each stage changes it visibly.
+std::string BlockBytes() {
+  std::string bytes;
+  for (int round = 0; round < 2; ++round) {
+    for (int value = 0; value < 256; ++value) bytes += static_cast<char>(value);
+    bytes += "abc\nb\rab";
+  }
+  return bytes;
+}
+
+std::string RunReceive(core::AppState& state, const std::string& bytes) {
+  core::DataBlock block;
+  if (core::AllocCharBuffer(state, block.Buffer, static_cast<int64_t>(bytes.size())) != 0) return {};
+  std::copy(bytes.begin(), bytes.end(), block.Buffer.Data());
+  block.Length = static_cast<uint32_t>(bytes.size());
+  // As the receive thread does: one settings record for the whole block.
+  const auto settings = state.PublishedRx.Load();
+  rx::ProcessReceivedData(state, *settings, block);
+  std::string out(block.Buffer.Data(), block.Buffer.Data() + block.Length);
+  rx::DispatchReceivedData(state, *settings, block.Buffer.Data(), block.Length);
+  core::FreeBuffer(state, block.Buffer);
+  return out;
+}
+
+std::string RunTransmit(core::AppState& state, const std::string& text) {
+  core::DataBlock block;
+  if (core::AllocCharBuffer(state, block.Buffer, static_cast<int64_t>(text.size()) + 4) != 0) return {};
+  std::copy(text.begin(), text.end(), block.Buffer.Data());
+  const uint32_t count =
+      serial::PrepareTxData(state, *state.PublishedTx.Load(), block, static_cast<uint32_t>(text.size()));
+  std::string out(block.Buffer.Data(), block.Buffer.Data() + count);
+  core::FreeBuffer(state, block.Buffer);
+  return out;
+}
+
+void Command(core::AppState& state, int command) {
+  app::MainWindowProc(state, core::MakeMessage(core::kWmCommand, command));
+}
+
+// The receive options sheet's two applies; each publishes once.
+void ApplyFiltersPage(core::AppState& state, int32_t filter, int32_t nonChars, int32_t brackets,
+                      std::u16string postamble) {
+  app::ApplyReceiveOptions(state, {filter, nonChars, brackets, 0, std::move(postamble)});
+}
+
+void ApplyRulePage(core::AppState& state, std::u16string search, std::u16string replace) {
+  state.Data.SnRCurrentRule = 1;
+  app::ApplyReplacePage(state, {std::move(search), std::move(replace), 1, 0, 0});
+}
+
+void ApplyTransmitPage(core::AppState& state, std::u16string postamble, int32_t clear) {
+  app::TransmitOptionValues values = app::TransmitOptionsOf(state);
+  values.PostambleKeysTX = std::move(postamble);
+  values.TxClrRCVEtxt = clear;
+  app::ApplyTransmitOptions(state, values);
+}
+
+TEST(SettingsHandOverTest, BlocksSeeOneWholeSettingWhileCommandsAndPagesChangeIt) {
+  testing::TempFolder folder;
+  core::AppState state;
+  ASSERT_EQ(core::AllocWideBuffer(state, state.g_RxWindowBuf, core::kRxWindowBufChars), 0);
+  state.PortOpen = true;
+
+  // A configuration that differs from every other step in many keys at once.
+  const std::u16string configPath = core::BytesToWide(folder.Path() + "/Race.cfg.txt");
+  Command(state, kBinaryButton);
+  Command(state, kBinary);
+  ApplyFiltersPage(state, 1, 1, 1, u"<[0D]>");
+  ApplyRulePage(state, u"b", u"[41]Z");
+  ApplyTransmitPage(state, u"[0D][0A]", 0);
+  ASSERT_EQ(config::ConfigSave(state, configPath), 0);
+
+  const std::vector<std::function<void()>> steps = {
+      [&] { Command(state, kAsciiButton); },
+      [&] { ApplyFiltersPage(state, 0, 0, 0, u""); },
+      [&] { ApplyRulePage(state, u"", u""); },
+      [&] { ApplyTransmitPage(state, u"", 0); },
+      [&] { Command(state, kHex); },
+      [&] { Command(state, kBinaryButton); },
+      [&] { Command(state, kDecimal); },
+      [&] { ApplyRulePage(state, u"ab", u"QQQ"); },
+      [&] { ApplyFiltersPage(state, 1, 0, 1, u"[0A]"); },
+      [&] { Command(state, kOctal); },
+      [&] { ApplyTransmitPage(state, u"!", 0); },
+      [&] { Command(state, kBinary); },
+      [&] { ApplyFiltersPage(state, 0, 1, 0, u""); },
+      [&] { ApplyRulePage(state, u"[00]", u"-"); },
+      [&] { Command(state, kPauseRxDisplay); },
+      [&] { Command(state, kHex); },
+      [&] { Command(state, kPauseRxDisplay); },
+      [&] { Command(state, kAsciiButton); },
+      [&] { ASSERT_EQ(config::ConfigLoad(state, configPath), 0); },
+      [&] { Command(state, kBacklightOnReceive); },
+  };
+  const std::string received = BlockBytes();
+  const std::string sent = "send[41]";
+
+  // The same steps without a worker: what each published setting makes of
+  // the blocks (every step publishes exactly once).
+  std::set<std::string> receiveOutputs{RunReceive(state, received)};
+  std::set<std::string> transmitOutputs{RunTransmit(state, sent)};
+  for (const auto& step : steps) {
+    step();
+    receiveOutputs.insert(RunReceive(state, received));
+    transmitOutputs.insert(RunTransmit(state, sent));
+  }
+  ASSERT_GE(receiveOutputs.size(), 8u);
+  ASSERT_GE(transmitOutputs.size(), 3u);
+
+  std::atomic<bool> done{false};
+  std::atomic<int> blocks{0};
+  std::mutex mutex;
+  std::vector<std::string> strayReceive;
+  std::vector<std::string> strayTransmit;
+  std::thread worker([&] {
+    int countdown = rx::kRefreshCountdown;
+    while (!done) {
+      std::string out = RunReceive(state, received);
+      std::string tx = RunTransmit(state, sent);
+      rx::RxWndUpdateCycle(state, countdown);
+      std::lock_guard lock(mutex);
+      if (!receiveOutputs.contains(out)) strayReceive.push_back(std::move(out));
+      if (!transmitOutputs.contains(tx)) strayTransmit.push_back(std::move(tx));
+      ++blocks;
+    }
+  });
+  // Enough rounds that blocks run through every change several times.
+  for (int round = 0; round < 4; ++round) {
+    for (const auto& step : steps) {
+      step();
+      std::this_thread::yield();
+    }
+  }
+  while (blocks < 20) std::this_thread::yield();
+  done = true;
+  worker.join();
+
+  EXPECT_TRUE(strayReceive.empty()) << strayReceive.size() << " received blocks mixed two settings, e.g. "
+                                    << (strayReceive.empty() ? "" : strayReceive.front().substr(0, 120));
+  EXPECT_TRUE(strayTransmit.empty()) << strayTransmit.size() << " sends mixed two settings, e.g. "
+                                     << (strayTransmit.empty() ? "" : strayTransmit.front());
+}
+
+// Every way the main thread changes a setting a worker reads ends in a
+// publish: after each, the published records match the settings blocks.
+TEST(SettingsHandOverTest, EveryChangePathPublishes) {
+  testing::TempFolder folder;
+  core::AppState state;
+  const std::u16string configPath = core::BytesToWide(folder.Path() + "/Other.cfg.txt");
+  state.Data.Base = 2;
+  state.Data.FilterNP = 1;
+  state.Data.PostambleLengthTX = 3;
+  state.Log.TimeFormat = 5;
+  ASSERT_EQ(config::ConfigSave(state, configPath), 0);
+  core::PublishSettings(state);
+  state.Data = {};
+  state.Log = {};
+  core::PublishSettings(state);
+
+  const struct {
+    const char* name;
+    std::function<void()> change;
+  } paths[] = {
+      {"radix", [&] { Command(state, kOctal); }},
+      {"binary view", [&] { Command(state, kBinaryButton); }},
+      {"text view", [&] { Command(state, kAsciiButton); }},
+      {"pause", [&] { Command(state, kPauseRxDisplay); }},
+      {"backlight", [&] { Command(state, kBacklightOnReceive); }},
+      {"receive filters",
+       [&] {
+         app::ApplyReceiveOptions(state, {1, 1, 1, 1, u"[0D]"});
+       }},
+      {"replace page",
+       [&] {
+         app::ApplyReplacePage(state, {u"a", u"b{TIME_STAMP}", 1, 0, 0});
+       }},
+      {"transmit options", [&] { ApplyTransmitPage(state, u"[0A]", 1); }},
+      {"port pages",
+       [&] {
+         core::PortSettings edited = state.Port;
+         edited.SelectedBaud = 57600;
+         app::ApplyPortPages(state, edited);
+       }},
+      {"configuration load", [&] { ASSERT_EQ(config::ConfigLoad(state, configPath), 0); }},
+  };
+  for (const auto& path : paths) {
+    const core::RxSettings rxBefore = *state.PublishedRx.Load();
+    const core::TxSettings txBefore = *state.PublishedTx.Load();
+    path.change();
+    EXPECT_TRUE(core::SettingsArePublished(state)) << path.name;
+    EXPECT_TRUE(!(*state.PublishedRx.Load() == rxBefore) || !(*state.PublishedTx.Load() == txBefore))
+        << path.name << " changed nothing a worker reads";
+  }
+  // A plain store without a publish is what the check is there to catch.
+  state.Data.NonChars = state.Data.NonChars ? 0 : 1;
+  EXPECT_FALSE(core::SettingsArePublished(state));
+}
+
+}  // namespace
+}  // namespace wavetrace

@@ -121,6 +121,10 @@ struct AppState {
   MemoryLock MemLock;
   std::recursive_mutex RxDataLock;
   WideBuffer g_RxWindowBuf;
+  // Installed by a front end without a window before the threads start: it
+  // takes the display turn of each processed block in place of the receive
+  // window's buffer (not owned).
+  BlockSink* RxDisplay = nullptr;
   CharBuffer DataLogCache;
   uint32_t DataLogCacheCount = 0;
 

@@ -13,9 +13,14 @@ int DispatchReceivedData(core::AppState& state, const core::RxSettings& settings
   if (core::AllocWideBuffer(state, wide, int64_t{n} + 2) != 0) return 1;
   for (uint32_t i = 0; i < n; ++i) wide[i] = core::ByteToWide(block[i]);
   // The log first, the window second, then the window relay (when it
-  // arrives) and the network relay.
+  // arrives) and the network relay. A display stream, when one is installed,
+  // takes the window's turn with every byte in order; paused, it shows nothing.
   if (state.LogRecords) state.LogRecords->ReceivedData(block, n);
-  AppendToRxWindowBuf(state, settings, wide.Data());
+  if (state.RxDisplay) {
+    if (!settings.PauseRxDisplay) state.RxDisplay->TakeBlock(block, n);
+  } else {
+    AppendToRxWindowBuf(state, settings, wide.Data());
+  }
   if (state.NetworkRelay) state.NetworkRelay->TakeBlock(block, n);
   core::FreeBuffer(state, wide);
   return 0;

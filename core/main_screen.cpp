@@ -24,6 +24,11 @@ void MainScreen::SetEventsEnabled(bool enabled) {
   rxResync_ = false;
 }
 
+void MainScreen::SetRxTap(std::function<void(std::u16string_view)> tap) {
+  std::lock_guard lock(mutex_);
+  rxTap_ = std::move(tap);
+}
+
 std::vector<ScreenEvent> MainScreen::TakeEvents() {
   std::lock_guard lock(mutex_);
   std::vector<ScreenEvent> taken;
@@ -130,6 +135,7 @@ void MainScreen::RxReplaceSelection(std::u16string_view text) {
     int32_t to = std::max(selFrom_, selTo_);
     rxText_.replace(static_cast<size_t>(from), static_cast<size_t>(to - from), text);
     selFrom_ = selTo_ = from + static_cast<int32_t>(text.size());
+    if (rxTap_ && !text.empty()) rxTap_(text);
     notify = Record({ScreenEvent::Kind::kRxEdit, from, to, std::u16string(text)});
   }
   Notify(notify);

@@ -47,6 +47,10 @@ class MainScreen {
   // A view that renders changes turns events on; without one nothing piles up.
   void SetEventsEnabled(bool enabled);
   std::vector<ScreenEvent> TakeEvents();
+  // Hands every text put into the receive window to tap as well, on the
+  // editing thread and in the order of the edits, so that a stream can follow
+  // the window without its refresh pacing. tap must not block.
+  void SetRxTap(std::function<void(std::u16string_view)> tap);
 
   // --- status line ---------------------------------------------------------
   void SetStatus(std::u16string_view text);
@@ -126,6 +130,7 @@ class MainScreen {
 
   mutable std::mutex mutex_;
   std::function<void()> listener_;
+  std::function<void(std::u16string_view)> rxTap_;
   bool eventsEnabled_ = false;
   std::vector<ScreenEvent> events_;
   size_t eventBytes_ = 0;

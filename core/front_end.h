@@ -46,6 +46,11 @@ class FrontEnd {
   // Lets the user pick a configuration file to load (save false) or to save
   // to; empty when cancelled or when the front end has no file dialog.
   virtual std::u16string ChooseConfigFile(bool /*save*/, std::u16string_view /*current*/) { return {}; }
+  // Start-up found this program running already (the single-instance rule)
+  // and ends; a window comes forward silently, a terminal is told why.
+  virtual void AnotherInstanceRuns() {}
+  // On the main thread: a send run has ended and the transmit path is free.
+  virtual void TransmitDone() {}
 };
 
 }  // namespace wavetrace::core

@@ -19,11 +19,16 @@ inline constexpr uint32_t kWmCall = 0xB001;
 inline constexpr uint32_t kWmScreenChanged = 0xB002;
 // Internal: another instance asked this one to come to the front.
 inline constexpr uint32_t kWmActivateInstance = 0xB003;
+// Internal: the transmit thread finished a send run (or ended) and the
+// transmit path is free again.
+inline constexpr uint32_t kWmTxIdle = 0xB004;
 
 inline constexpr int64_t kWmLButtonDown = 513;
 // LParam of a command the program sends itself (a script's CONFIG load
 // refreshes the screen without asking for a file).
 inline constexpr int64_t kFromMainWindow = -1;
+// LParam of the PLAY that --port posts at start.
+inline constexpr int64_t kFromCommandLine = -2;
 
 // Command numbers (menu items, buttons, menu-bar buttons).
 namespace cmd {

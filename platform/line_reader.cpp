@@ -7,8 +7,9 @@
 
 namespace wavetrace::platform {
 
-LineReader::LineReader(int fd, std::function<void(const std::string&)> onLine) : fd_(fd) {
-  thread_ = std::thread([this, onLine = std::move(onLine)] {
+LineReader::LineReader(int fd, std::function<void(const std::string&)> onLine, std::function<void()> onEnd)
+    : fd_(fd) {
+  thread_ = std::thread([this, onLine = std::move(onLine), onEnd = std::move(onEnd)] {
     std::string pending;
     for (;;) {
       pollfd fds[2] = {{fd_, POLLIN, 0}, {stop_.Fd(), POLLIN, 0}};
@@ -22,6 +23,7 @@ LineReader::LineReader(int fd, std::function<void(const std::string&)> onLine) :
       if (n < 0 && (errno == EINTR || errno == EAGAIN)) continue;
       if (n <= 0) {
         if (!pending.empty()) onLine(pending);
+        if (onEnd) onEnd();
         return;
       }
       pending.append(buffer, static_cast<size_t>(n));

@@ -180,8 +180,11 @@ void TxThread(core::AppState& state, platform::SuspendableThread& self) {
     }
     state.TxActive = false;
     UnlockTransmitControls(state);
-    if (!self.Park()) return;
+    state.Queue.Post(core::MakeMessage(core::kWmTxIdle));
+    if (!self.Park()) break;
   }
+  // Whoever waits for the transmit path must not wait for good.
+  state.Queue.Post(core::MakeMessage(core::kWmTxIdle));
 }
 
 }  // namespace wavetrace::serial

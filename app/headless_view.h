@@ -7,12 +7,15 @@
 
 namespace wavetrace::app {
 
-// The front end without a window: what is inserted into the receive window
-// goes to standard output as the exact bytes, the status line and boxes go to
-// standard error, one line each.
+class HeadlessInput;
+
+// The front end without a window: the status line and boxes go to standard
+// error, one line each and in the order they were raised. What is put into
+// the receive window reaches standard output through the display stream,
+// which follows the window's text on its own (see RunHeadless).
 class HeadlessView : public core::FrontEnd {
  public:
-  HeadlessView(core::AppState& state, int outFd, int errFd, bool quiet);
+  HeadlessView(core::AppState& state, int errFd, bool quiet);
 
   void ShowMessageBox(std::u16string_view title, std::u16string_view text, core::BoxIcon icon) override;
   [[nodiscard]] bool BoxesNeedMainThread() const override { return false; }
@@ -23,15 +26,23 @@ class HeadlessView : public core::FrontEnd {
   void RenderScreenChanges() override;
   void ShowAbout(std::u16string_view releaseLine, bool automationMode) override;
   void ShowProgramOptions() override {}
+  void AnotherInstanceRuns() override;
+  void TransmitDone() override;
+
+  // One line on standard error, after the status lines raised before it.
+  void Report(std::u16string_view text);
+  // Where typed lines wait for the transmit path (null: nowhere).
+  void SetInput(HeadlessInput* input) { input_ = input; }
 
  private:
-  void WriteErrLine(std::u16string_view text);
+  // With errMutex_ held: writes the status lines not written yet.
+  void WritePendingStatusLocked();
 
   core::AppState& state_;
-  int outFd_;
   int errFd_;
   bool quiet_;
-  std::mutex writeMutex_;
+  HeadlessInput* input_ = nullptr;
+  std::mutex errMutex_;
 };
 
 // One line for a terminal: line ends inside the text become blanks.

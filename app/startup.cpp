@@ -99,14 +99,16 @@ std::vector<std::u16string> WelcomeTextPieces(bool automationMode, const std::u1
   return pieces;
 }
 
-void OnFirstPaint(core::AppState& state) {
+void OnFirstPaint(core::AppState& state, bool welcome) {
   if (state.FirstPaintState != 2) return;
   state.FirstPaintState = 1;
   // A display the program cannot switch off has no "ScreenOff".
   if (!state.Display || !state.Display->CanSwitchOff())
     state.Screen.GreyMenuItem(core::cmd::kScreenOff, true);
-  for (const auto& piece : WelcomeTextPieces(state.AutomationMode != 0, state.Switches.ScriptPath)) {
-    state.Screen.RxInsertAtCaret(piece);
+  if (welcome) {
+    for (const auto& piece : WelcomeTextPieces(state.AutomationMode != 0, state.Switches.ScriptPath)) {
+      state.Screen.RxInsertAtCaret(piece);
+    }
   }
   if (state.AutomationMode) {
     for (int item : {core::cmd::kConfigLoad, core::cmd::kConfigSave, core::cmd::kConfigSaveAs,
@@ -195,8 +197,9 @@ int StartUp(core::AppState& state, const platform::OsInfo& os) {
 
   // 10. The single-instance rule.
   if (!state.Instance) state.Instance = std::make_unique<platform::InstanceLock>(folder + "/instances");
-  if (InitInstance(state) != 0) {
+  if (int instance = InitInstance(state); instance != 0) {
     normalCursor();
+    if (instance == 1 && state.View) state.View->AnotherInstanceRuns();
     return -1;
   }
 

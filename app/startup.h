@@ -26,8 +26,9 @@ int InitInstance(core::AppState& state);
 
 // The welcome text, piece by piece, as the first paint inserts it.
 std::vector<std::u16string> WelcomeTextPieces(bool automationMode, const std::u16string& scriptPath);
-// The first paint: writes the welcome text once (first-paint state 2).
-void OnFirstPaint(core::AppState& state);
+// The first paint: writes the welcome text once (first-paint state 2). A
+// stream that is not a terminal has no use for it (welcome false).
+void OnFirstPaint(core::AppState& state, bool welcome = true);
 
 // "Rel. 2.71.3089  (11.2008)" as the About screen shows it.
 std::u16string AboutReleaseLine();

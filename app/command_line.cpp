@@ -163,6 +163,12 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args) {
       sw.LogOverwrite = 1;
     } else if (arg == "--never-drop") {
       sw.NeverDrop = 1;
+    } else if (arg == "--raw") {
+      result.Encoding = TextEncoding::kRaw;
+    } else if (arg == "--utf8") {
+      result.Encoding = TextEncoding::kUtf8;
+    } else if (arg == "--exit-on-eof") {
+      result.ExitOnEof = true;
     } else if (arg == "--list-ports") {
       result.ListPorts = true;
     } else if (IsLineOption(arg)) {
@@ -207,11 +213,30 @@ std::string HelpText(const std::string& program, bool guiProgram) {
       "  --sim-setting B,D,P,S         the simulated device's own line setting (VSP0:), e.g. 9600,7,E,1\n"
       "  --nogui, /NOGUI               no window: run headless in this terminal\n"
       "  --quiet, -q, /Q               headless: keep status messages off standard error\n"
+      "  --raw                         headless: bytes in and out as they are (the default\n"
+      "                                unless standard output is a UTF-8 terminal)\n"
+      "  --utf8                        headless: convert both ways between UTF-8 and the\n"
+      "                                code page (the default on a UTF-8 terminal)\n"
+      "  --exit-on-eof                 headless: end once standard input ends and every\n"
+      "                                line from it has been sent\n"
       "  --debug, /DEBUGON             scripts echo every command they find\n"
       "  --help, -h                    show this help and exit\n"
       "  --version                     show the release and build and exit\n"
       "\n"
       "Switches in the /FORM are matched without regard to case.\n"
+      "\n"
+      "Headless, standard output carries everything received (after the receive\n"
+      "options), complete and in order; the welcome text only on a terminal. A reader\n"
+      "that falls more than 64 MiB behind loses the oldest output, and standard error\n"
+      "says how many bytes. Each line\n"
+      "of standard input is sent, in order, once the previous one has gone. A line of\n"
+      "~ and a word is a command instead: ~play, ~stop, ~repeat, ~record, ~relay,\n"
+      "~clear, ~pause (the display), ~exit; a line beginning with ~~ is sent with one ~.\n"
+      "Commands wait for the lines typed before them, except during a REPEAT run.\n"
+      "\n"
+      "Exit status: 0 on a normal end (also after SIGINT or SIGTERM), 1 when the port\n"
+      "of --port cannot be opened at start (headless), 2 when the command line is\n"
+      "wrong, 255 when start-up fails or another instance runs (MULTIinst is 0).\n"
       "Settings live in $WAVETRACE_HOME, else $XDG_CONFIG_HOME/wavetrace-pro,\n"
       "else ~/.config/wavetrace-pro.\n";
   return text;

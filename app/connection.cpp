@@ -35,6 +35,10 @@ void Play(core::AppState& state) {
   if (!state.RxThread || !state.RxThread->Resume()) failed(u"Error resuming suspended RxThread.", {});
 }
 
+bool EndsWhenStartPortFails(const core::AppState& state) {
+  return state.Switches.NoGui != 0;
+}
+
 void Stop(core::AppState& state) {
   state.TxActive = false;
   core::ShowStatus(state, u"Closing port...");

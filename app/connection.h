@@ -7,6 +7,10 @@ namespace wavetrace::app {
 // PLAY (6001): open and configure the selected port, then resume the receive
 // thread, which reports the opened state.
 void Play(core::AppState& state);
+// Whether a port named on the command line that fails to open at start ends
+// the run (with kStartPortFailedExitCode): so in a run without a window. A
+// run told to wait for its device would answer false here.
+bool EndsWhenStartPortFails(const core::AppState& state);
 // STOP (6002): end a repeat run, close the port; the receive thread then
 // reports the closed state.
 void Stop(core::AppState& state);

@@ -84,8 +84,8 @@ DisplayStream::~DisplayStream() {
   Close(0);
 }
 
-void DisplayStream::TakeReceived(std::span<const uint8_t> bytes) {
-  Push(std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
+void DisplayStream::TakeBlock(const uint8_t* block, uint32_t n) {
+  Push(std::string(reinterpret_cast<const char*>(block), n));
 }
 
 void DisplayStream::TakeText(std::u16string_view text) {

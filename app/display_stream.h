@@ -9,7 +9,7 @@
 #include <string_view>
 #include <thread>
 
-#include "core/receive_sink.h"
+#include "core/block_sink.h"
 
 namespace wavetrace::app {
 
@@ -29,7 +29,7 @@ inline constexpr int kDisplayStreamDrainMs = 5000;
 // `limit` pending bytes the oldest are dropped, and the writer reports the
 // count (through notice, which may be called from the writer thread until
 // the process ends) where the gap is.
-class DisplayStream : public core::ReceiveSink {
+class DisplayStream : public core::BlockSink {
  public:
   DisplayStream(int fd, StreamEncoding encoding, std::function<void(std::u16string_view)> notice,
                 size_t limit = kDisplayStreamLimit);
@@ -37,7 +37,7 @@ class DisplayStream : public core::ReceiveSink {
   DisplayStream(const DisplayStream&) = delete;
   DisplayStream& operator=(const DisplayStream&) = delete;
 
-  void TakeReceived(std::span<const uint8_t> bytes) override;
+  void TakeBlock(const uint8_t* block, uint32_t n) override;
   // Text of the receive window, written through the code page.
   void TakeText(std::u16string_view text);
   // Writes what is pending, waiting at most waitMs for the reader; what is

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "app/command_line.h"
 #include "app/connection.h"
 #include "app/display_power.h"
 #include "app/start_configuration.h"
@@ -114,6 +115,10 @@ int64_t OnCommand(core::AppState& state, int command, int64_t source) {
       return 0;
     case kPlay:
       Play(state);
+      // A port named on the command line that cannot be opened ends a run
+      // without a window: nobody is there to pick another.
+      if (source == core::kFromCommandLine && !state.PortOpen && EndsWhenStartPortFails(state))
+        Shutdown(state, kStartPortFailedExitCode);
       return 0;
     case kScreenOff:
       DisplayOff(state);
@@ -254,6 +259,9 @@ int64_t MainWindowProc(core::AppState& state, const core::Message& message) {
     case core::kWmActivateInstance:
       state.Screen.Activate();
       return 0;
+    case core::kWmTxIdle:
+      if (state.View) state.View->TransmitDone();
+      return 0;
     case core::kWmScreenChanged:
       if (state.View) state.View->RenderScreenChanges();
       return 0;
@@ -262,7 +270,7 @@ int64_t MainWindowProc(core::AppState& state, const core::Message& message) {
   }
 }
 
-void Shutdown(core::AppState& state) {
+void Shutdown(core::AppState& state, int exitCode) {
   if (state.ShuttingDown.exchange(true)) return;
   // From here a worker's Send returns at once: nothing waits on the main
   // thread while it joins the workers.
@@ -285,7 +293,7 @@ void Shutdown(core::AppState& state) {
   state.Screen.SetTrayState(0);
   core::FreeBuffer(state, state.g_RxWindowBuf);
   rx::FreeLogCache(state);
-  state.Queue.PostQuit(0);
+  state.Queue.PostQuit(exitCode);
 }
 
 }  // namespace wavetrace::app

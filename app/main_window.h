@@ -14,8 +14,9 @@ int CreateMainWindow(core::AppState& state);
 // The main window procedure: commands and thread messages, on the main thread.
 int64_t MainWindowProc(core::AppState& state, const core::Message& message);
 
-// Command 211: the shutdown order, ending with the quit message.
-void Shutdown(core::AppState& state);
+// Command 211: the shutdown order, ending with the quit message that carries
+// exitCode.
+void Shutdown(core::AppState& state, int exitCode = 0);
 
 // False for commands whose features the program does not have yet (their
 // items and buttons stay grey).

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "app/display_stream.h"
+#include "app/headless_input.h"
 #include "app/headless_view.h"
 #include "app/main_window.h"
 #include "app/port_discovery.h"
@@ -66,28 +68,56 @@ int ListPorts() {
 }
 
 int RunHeadless(const CommandLine& commandLine) {
+  bool quiet = commandLine.Switches.Quiet != 0;
+  bool outIsTerminal = platform::IsTerminal(platform::kStandardOutput);
+  bool utf8 = commandLine.Encoding == TextEncoding::kUtf8 ||
+              (commandLine.Encoding == TextEncoding::kAuto && outIsTerminal && platform::LocaleIsUtf8());
+  // Before the stream's writer thread exists, so that it never takes the
+  // signals meant for the shutdown.
+  platform::SignalWatcher::Block();
   core::AppState state;
   state.Switches = commandLine.Switches;
   state.Switches.NoGui = 1;
-  HeadlessView view(state, platform::kStandardOutput, platform::kStandardError,
-                    commandLine.Switches.Quiet != 0);
+  HeadlessView view(state, platform::kStandardError, quiet);
   state.View = &view;
+  // Standard output follows everything the receive window is given: the
+  // dispatcher's blocks (in place of the window's buffer) and every other
+  // text inserted into it, from whichever thread, in order.
+  // The stream's notices go straight to stderr: a writer left behind at the
+  // end may still report after the view is gone.
+  DisplayStream stream(platform::kStandardOutput, utf8 ? StreamEncoding::kUtf8 : StreamEncoding::kBytes,
+                       [](std::u16string_view notice) {
+                         platform::WriteAll(platform::kStandardError, core::WideToUtf8(notice) + "\n");
+                       });
+  state.RxDisplay = &stream;
+  state.Screen.SetRxTap([&stream](std::u16string_view text) { stream.TakeText(text); });
+  HeadlessInput input(state, utf8, commandLine.ExitOnEof,
+                      [&view](std::u16string_view text) { view.Report(text); });
+  view.SetInput(&input);
   state.Screen.SetEventsEnabled(true);
   int exitCode = RunProgram(state, [&] {
-    OnFirstPaint(state);
+    OnFirstPaint(state, outIsTerminal && !quiet);
     view.RenderScreenChanges();
-    // Each line typed (or piped) in goes into the transmit field and is sent
-    // with SEND, so bracket escapes work as in the window.
-    platform::LineReader input(platform::kStandardInput, [&state](const std::string& line) {
+    auto onMainThread = [&state](std::function<void()> call) {
       core::Message message = core::MakeMessage(core::kWmCall);
-      message.Call = [&state, text = core::Utf8ToWide(line)] {
-        state.Screen.SetTxText(text);
-        return MainWindowProc(state, core::MakeMessage(core::kWmCommand, core::cmd::kSend));
+      message.Call = [call = std::move(call)] {
+        call();
+        return int64_t{0};
       };
       state.Queue.Post(std::move(message));
-    });
+    };
+    platform::LineReader reader(
+        platform::kStandardInput,
+        [&](const std::string& line) { onMainThread([&input, line] { input.OnLine(line); }); },
+        [&] { onMainThread([&input] { input.OnEnd(); }); });
     return state.Queue.RunLoop();
   });
+  view.SetInput(nullptr);
+  state.Screen.SetRxTap(nullptr);
+  // What was read before the end (a signal, the exit command, an unplugged
+  // device) is written before the program ends.
+  state.RxDisplay = nullptr;
+  stream.Close(kDisplayStreamDrainMs);
   state.View = nullptr;
   return exitCode;
 }

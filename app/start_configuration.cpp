@@ -74,7 +74,7 @@ void LoadStartConfiguration(core::AppState& state) {
   core::PublishSettings(state);
   if (!sw.Port.empty()) {
     state.Port.SelectedPort = sw.Port;
-    state.Queue.PostCommand(kPlay);
+    state.Queue.Post(core::MakeMessage(core::kWmCommand, kPlay, core::kFromCommandLine));
   }
 }
 

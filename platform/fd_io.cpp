@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
+#include <string>
 
 namespace wavetrace::platform {
 
@@ -23,6 +25,23 @@ bool WriteAll(int fd, std::string_view data) {
     data.remove_prefix(static_cast<size_t>(n));
   }
   return true;
+}
+
+bool IsTerminal(int fd) {
+  return isatty(fd) == 1;
+}
+
+bool LocaleIsUtf8() {
+  for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+    const char* value = std::getenv(name);
+    if (!value || !*value) continue;
+    std::string upper;
+    for (const char* c = value; *c; ++c) {
+      if (*c != '-') upper += static_cast<char>(*c >= 'a' && *c <= 'z' ? *c - 'a' + 'A' : *c);
+    }
+    return upper.find("UTF8") != std::string::npos;
+  }
+  return false;
 }
 
 }  // namespace wavetrace::platform

@@ -13,4 +13,9 @@ inline constexpr int kStandardError = 2;
 // descriptor refuses (closed pipe, full disk).
 bool WriteAll(int fd, std::string_view data);
 
+// Whether the descriptor is a terminal.
+bool IsTerminal(int fd);
+// Whether the user's locale (LC_ALL, else LC_CTYPE, else LANG) writes UTF-8.
+bool LocaleIsUtf8();
+
 }  // namespace wavetrace::platform

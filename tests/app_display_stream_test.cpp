@@ -36,7 +36,7 @@ TEST(DisplayStream, ASlowReaderLosesTheOldestOutputAndIsToldHowMuch) {
     for (int i = 0; i < 4000; ++i) {
       std::string piece = std::to_string(i) + std::string(1000, static_cast<char>(i));
       pushed += piece;
-      stream.TakeReceived({reinterpret_cast<const uint8_t*>(piece.data()), piece.size()});
+      stream.TakeBlock(reinterpret_cast<const uint8_t*>(piece.data()), static_cast<uint32_t>(piece.size()));
     }
     std::thread reader([&] {
       char buffer[1 << 16];

@@ -1,0 +1,142 @@
+// Received bytes from a serial line (a pty) to standard output: wavetrace-cli
+// beside cat reading the same kind of pty in the same run. Each reader's
+// standard output is a pipe that this harness drains and checks; lost_bytes
+// counts what did not arrive as sent.
+#include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/pty.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr size_t kBytes = size_t{64} << 20;
+constexpr size_t kPieceBytes = size_t{64} << 10;
+
+std::string MixedBytes() {
+  std::string bytes(kBytes, '\0');
+  uint32_t seed = 7;
+  for (auto& byte : bytes) {
+    seed = seed * 1103515245u + 12345u;
+    byte = static_cast<char>(seed >> 16);
+  }
+  return bytes;
+}
+
+struct Run {
+  double seconds = 0;
+  size_t lost = 0;
+};
+
+// Starts the reader on the pty's slave, pushes the bytes into the master as
+// fast as it takes them and times until the last one is out of the reader.
+Run Measure(bool cli, const std::string& data) {
+  wavetrace::platform::PtyPair line;
+  std::string home = (std::filesystem::temp_directory_path() / "wavetrace-bench-XXXXXX").string();
+  if (!mkdtemp(home.data())) return {0, data.size()};
+  std::ofstream(home + "/raw.cfg.txt", std::ios::binary)
+      << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nmodeASCII=0\r\nmodeBINARY=0\r\n"
+      << std::string(64, ';') << "\r\n";
+  int out[2];
+  int err[2];
+  if (pipe2(out, O_CLOEXEC) != 0 || pipe2(err, O_CLOEXEC) != 0) return {0, data.size()};
+  pid_t pid = fork();
+  if (pid == 0) {
+    dup2(out[1], 1);
+    dup2(err[1], 2);
+    if (cli) {
+      setenv("WAVETRACE_HOME", home.c_str(), 1);
+      std::string config = home + "/raw.cfg.txt";
+      execl(WAVETRACE_CLI_PATH, "wavetrace-cli", "--port", line.SlavePath().c_str(), "--config",
+            config.c_str(), static_cast<char*>(nullptr));
+    } else {
+      int slave = open(line.SlavePath().c_str(), O_RDONLY | O_NOCTTY);
+      termios tio{};
+      tcgetattr(slave, &tio);
+      cfmakeraw(&tio);
+      tcsetattr(slave, TCSANOW, &tio);
+      dup2(slave, 0);
+      execlp("cat", "cat", static_cast<char*>(nullptr));
+    }
+    _exit(127);
+  }
+  close(out[1]);
+  close(err[1]);
+  std::string errText;
+  if (cli) {
+    // Bytes that come before the port is in raw mode would be cooked.
+    auto deadline = Clock::now() + std::chrono::seconds(20);
+    while (errText.find("Port opened!") == std::string::npos && Clock::now() < deadline) {
+      pollfd pfd{err[0], POLLIN, 0};
+      char buffer[4096];
+      if (poll(&pfd, 1, 50) > 0) {
+        ssize_t n = read(err[0], buffer, sizeof buffer);
+        if (n > 0) errText.append(buffer, static_cast<size_t>(n));
+      }
+    }
+  } else {
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  }
+  auto start = Clock::now();
+  std::thread writer([&] {
+    for (size_t at = 0; at < data.size(); at += kPieceBytes) line.Write(data.substr(at, kPieceBytes));
+  });
+  size_t received = 0;
+  size_t lost = 0;
+  auto lastByte = start;
+  std::vector<char> buffer(1 << 20);
+  while (received < data.size() && Clock::now() - lastByte < std::chrono::seconds(10)) {
+    pollfd pfd{out[0], POLLIN, 0};
+    if (poll(&pfd, 1, 100) <= 0) continue;
+    ssize_t n = read(out[0], buffer.data(), buffer.size());
+    if (n <= 0) break;
+    size_t count = std::min(static_cast<size_t>(n), data.size() - received);
+    for (size_t i = 0; i < count; ++i) lost += buffer[i] != data[received + i];
+    received += count;
+    lastByte = Clock::now();
+  }
+  Run run{std::chrono::duration<double>(lastByte - start).count(), lost + data.size() - received};
+  writer.join();
+  kill(pid, SIGTERM);
+  waitpid(pid, nullptr, 0);
+  close(out[0]);
+  close(err[0]);
+  std::filesystem::remove_all(home);
+  return run;
+}
+
+void BM_PtyToStdout(benchmark::State& state, bool cli) {
+  static const std::string data = MixedBytes();
+  size_t lost = 0;
+  for (auto _ : state) {
+    Run run = Measure(cli, data);
+    state.SetIterationTime(run.seconds);
+    lost += run.lost;
+  }
+  state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * data.size()));
+  state.counters["lost_bytes"] = static_cast<double>(lost);
+}
+
+BENCHMARK_CAPTURE(BM_PtyToStdout, cat, false)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_PtyToStdout, wavetrace_cli, true)
+    ->UseManualTime()
+    ->Iterations(3)
+    ->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();

@@ -90,6 +90,11 @@ void HeadlessInput::Pump() {
     items_.pop_front();
     if (item.Command != 0) {
       MainWindowProc(state_, core::MakeMessage(core::kWmCommand, item.Command));
+    } else if (state_.PortOpen && !state_.Screen.IsButtonEnabled(kStop)) {
+      // Opened but not yet receiving: the receive thread's purge would
+      // throw the line away. The opened state pumps again.
+      items_.push_front(std::move(item));
+      return;
     } else if (!state_.PortOpen) {
       report_(u"Port closed!  Line not sent: " + item.Text);
     } else {

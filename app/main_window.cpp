@@ -246,6 +246,7 @@ int64_t MainWindowProc(core::AppState& state, const core::Message& message) {
       return 0;
     case core::kWmRxActive:
       ShowOpenedState(state);
+      if (state.View) state.View->TransmitDone();
       return 0;
     case core::kWmRxSuspended:
       ShowClosedState(state);

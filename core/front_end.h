@@ -49,7 +49,8 @@ class FrontEnd {
   // Start-up found this program running already (the single-instance rule)
   // and ends; a window comes forward silently, a terminal is told why.
   virtual void AnotherInstanceRuns() {}
-  // On the main thread: a send run has ended and the transmit path is free.
+  // On the main thread: a send run has ended, or the port has just opened;
+  // the transmit path may be free.
   virtual void TransmitDone() {}
 };
 

@@ -372,7 +372,7 @@ TEST(Headless, APortFromTheCommandLineReceivesAndSends) {
   // A typed line goes out through the transmit path, escapes and all.
   child.Type("AT[0D]\n");
   EXPECT_EQ(device.Read(3, 10000), "AT\r");
-  EXPECT_NE(child.Err().find("Port opened!  Send/Receive active..."), std::string::npos);
+  EXPECT_TRUE(child.WaitForError("Port opened!  Send/Receive active...", 10000)) << child.Err();
   child.Signal(SIGTERM);
   EXPECT_EQ(child.WaitForExit(5000), 0) << child.Err();
 }

@@ -6,6 +6,8 @@
 #include "app/main_window.h"
 #include "core/code_page.h"
 #include "core/messages.h"
+#include "serial/port.h"
+#include "serial/tx_thread.h"
 
 namespace wavetrace::app {
 namespace {
@@ -104,6 +106,9 @@ void HeadlessInput::Pump() {
   }
   if (ended_ && exitOnEnd_ && items_.empty() && !state_.TxActive && !exitPosted_) {
     exitPosted_ = true;
+    // Closing the port throws away what is still queued for the line: let
+    // the last line leave first (within the write time-out of a short send).
+    if (auto port = serial::CurrentPort(state_)) port->DrainOutput(serial::WriteTimeoutMs(state_, 256));
     state_.Queue.PostCommand(kExit);
   }
 }

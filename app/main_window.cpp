@@ -15,6 +15,7 @@
 #include "core/reporting.h"
 #include "log/log_file.h"
 #include "log/record_command.h"
+#include "platform/clock.h"
 #include "platform/display_control.h"
 #include "relay/network_relay.h"
 #include "rx/log_cache.h"
@@ -276,6 +277,13 @@ void Shutdown(core::AppState& state, int exitCode) {
   // From here a worker's Send returns at once: nothing waits on the main
   // thread while it joins the workers.
   state.Queue.BeginShutdown();
+  // What the device sent just before the end is read and shown first (the
+  // receive thread keeps reading meanwhile), for a quarter second at most.
+  for (int wait = 0; wait < 50; ++wait) {
+    auto port = serial::CurrentPort(state);
+    if (!port || !state.PlayFlag || port->QueuedInput() == 0) break;
+    platform::SleepMs(5);
+  }
   serial::ClosePort(state);
   state.PlayFlag = false;
   state.TxActive = false;

@@ -70,6 +70,8 @@ class SerialPort {
   virtual void ClearModemLines(bool rts, bool dtr) = 0;
   // Asks the far side to stop sending (XOFF).
   virtual void SendXoff() = 0;
+  // Bytes received and not read yet (0 when unknown).
+  [[nodiscard]] virtual int QueuedInput() const { return 0; }
   // True once the device went away (hang-up) while open.
   [[nodiscard]] virtual bool HungUp() const = 0;
   // Wakes a pending wait, waits for it to leave, throws away unsent output

@@ -224,6 +224,13 @@ class TermiosPort : public SerialPort {
 
   [[nodiscard]] bool HungUp() const override { return hungUp_; }
 
+  [[nodiscard]] int QueuedInput() const override {
+    std::shared_lock lock(closing_);
+    int queued = 0;
+    if (fd_ < 0 || hungUp_ || ioctl(fd_, FIONREAD, &queued) != 0) return 0;
+    return queued;
+  }
+
  private:
   static bool WithinTwoPercent(uint32_t held, uint32_t wanted) {
     uint64_t diff = held > wanted ? held - wanted : wanted - held;
@@ -232,7 +239,7 @@ class TermiosPort : public SerialPort {
 
   // Shared by every call, taken whole by Close: the descriptor is never
   // closed under a thread that is still using it.
-  std::shared_mutex closing_;
+  mutable std::shared_mutex closing_;
   int fd_;
   std::atomic<uint32_t> mask_{event::kDefaultMask};
   std::atomic<bool> hungUp_{false};

@@ -90,6 +90,38 @@ std::string SetRelayOption(core::CommandLineSwitches& sw, const std::string& val
   return {};
 }
 
+// "baud,databits,parity,stopbits", any of them, in any order.
+std::string SetScanRotation(core::CommandLineSwitches& sw, const std::string& value) {
+  static constexpr std::pair<std::string_view, int32_t> kParts[] = {
+      {"baud", 1}, {"databits", 2}, {"parity", 4}, {"stopbits", 8}};
+  int32_t mask = 0;
+  size_t start = 0;
+  while (start <= value.size()) {
+    size_t comma = value.find(',', start);
+    std::string part = value.substr(start, comma == std::string::npos ? std::string::npos : comma - start);
+    int32_t bit = 0;
+    for (auto [name, partBit] : kParts) {
+      if (part == name) bit = partBit;
+    }
+    if (bit == 0)
+      return "--scan-rotate takes a list of baud, databits, parity and stopbits, not '" + value + "'";
+    mask |= bit;
+    if (comma == std::string::npos) break;
+    start = comma + 1;
+  }
+  sw.ScanRotate = mask;
+  return {};
+}
+
+std::string SetScanInterval(core::CommandLineSwitches& sw, const std::string& value) {
+  char* end = nullptr;
+  long seconds = std::strtol(value.c_str(), &end, 10);
+  if (value.empty() || *end || seconds < 1 || seconds > 60)
+    return "--scan-interval takes 1 to 60 seconds, not '" + value + "'";
+  sw.ScanInterval = static_cast<int32_t>(seconds);
+  return {};
+}
+
 }  // namespace
 
 CommandLine ParseCommandLine(const std::vector<std::string>& args) {
@@ -163,6 +195,17 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args) {
       sw.LogOverwrite = 1;
     } else if (arg == "--never-drop") {
       sw.NeverDrop = 1;
+    } else if (arg == "--exit-after-script") {
+      sw.ExitAfterScript = 1;
+    } else if (arg == "--scan") {
+      sw.Scan = 1;
+    } else if (arg == "--scan-rotate" || arg == "--scan-interval") {
+      if (i + 1 >= args.size()) {
+        result.Error = "option " + arg + " needs a value";
+      } else {
+        result.Error =
+            arg == "--scan-rotate" ? SetScanRotation(sw, args[++i]) : SetScanInterval(sw, args[++i]);
+      }
     } else if (arg == "--raw") {
       result.Encoding = TextEncoding::kRaw;
     } else if (arg == "--utf8") {
@@ -196,6 +239,7 @@ std::string HelpText(const std::string& program, bool guiProgram) {
   text +=
       "\n"
       "  --script FILE, /SCRIPT::FILE  run the script FILE (automation mode)\n"
+      "  --exit-after-script           end the program once the script has run out\n"
       "  --config FILE                 load the configuration FILE after the default one\n"
       "  --port PORT                   open PORT at start (COM3:, VSP0: or a device path)\n"
       "  --baud N, --databits 5..8, --parity none|odd|even|mark|space, --stopbits 1|1.5|2\n"
@@ -209,6 +253,11 @@ std::string HelpText(const std::string& program, bool guiProgram) {
       "  --log-tx                      log transmitted data too, records tagged Rx and Tx\n"
       "  --log-overwrite               start the log file anew instead of appending to it\n"
       "  --never-drop                  never drop log data: a full log cache goes to the file\n"
+      "  --scan                        port scan: open the port of --port with one line setting after\n"
+      "                                another, each under a heading such as [VSP0:,4800,8,N,1], then exit\n"
+      "  --scan-rotate LIST            what the scan varies: baud,databits,parity,stopbits (default baud);\n"
+      "                                each starts at the current setting\n"
+      "  --scan-interval N             seconds each setting is listened to, 1 to 60 (default 1)\n"
       "  --list-ports                  list the serial ports found and exit\n"
       "  --sim-setting B,D,P,S         the simulated device's own line setting (VSP0:), e.g. 9600,7,E,1\n"
       "  --nogui, /NOGUI               no window: run headless in this terminal\n"
@@ -234,8 +283,10 @@ std::string HelpText(const std::string& program, bool guiProgram) {
       "~clear, ~pause (the display), ~exit; a line beginning with ~~ is sent with one ~.\n"
       "Commands wait for the lines typed before them, except during a REPEAT run.\n"
       "\n"
-      "Exit status: 0 on a normal end (also after SIGINT or SIGTERM), 1 when the port\n"
-      "of --port cannot be opened at start (headless), 2 when the command line is\n"
+      "Exit status: 0 on a normal end (also after SIGINT or SIGTERM, and after a\n"
+      "script's EXITPROGRAM), 1 when the port of --port cannot be opened at start\n"
+      "(headless), when a --script file cannot be read or is empty (headless), or\n"
+      "when a --scan finds no port or its port fails, 2 when the command line is\n"
       "wrong, 255 when start-up fails or another instance runs (MULTIinst is 0).\n"
       "Settings live in $WAVETRACE_HOME, else $XDG_CONFIG_HOME/wavetrace-pro,\n"
       "else ~/.config/wavetrace-pro.\n";

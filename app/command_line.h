@@ -32,7 +32,8 @@ std::string VersionText();
 
 // Exit codes besides 0 (a normal end, or a signal after a clean shutdown)
 // and -1 (start-up failed, or another instance runs).
-inline constexpr int kStartPortFailedExitCode = 1;
+inline constexpr int kFailureExitCode = 1;  // a start-up port, script or scan that failed
+inline constexpr int kStartPortFailedExitCode = kFailureExitCode;
 inline constexpr int kUsageExitCode = 2;
 
 }  // namespace wavetrace::app

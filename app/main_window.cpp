@@ -9,6 +9,9 @@
 #include "app/startup.h"
 #include "app/tray_notification.h"
 #include "app/worker_threads.h"
+#include "automation/function_buttons.h"
+#include "automation/port_scan.h"
+#include "automation/script.h"
 #include "config/config_file.h"
 #include "core/allocation.h"
 #include "core/messages.h"
@@ -30,7 +33,10 @@ using namespace core::cmd;
 // Commands whose features are not part of the program yet: their menu items
 // and buttons stay grey and the window ignores them.
 constexpr std::array kUnavailable = {
-    kReceiveOptions, kAsciiChart, kSoftwareButtons, kCommPinouts, kHelp, kRunScript,
+    kReceiveOptions,
+    kAsciiChart,
+    kCommPinouts,
+    kHelp,
 };
 
 bool IsUnavailable(int command) {
@@ -108,6 +114,60 @@ void OnConfigCommand(core::AppState& state, int command, int64_t source) {
   }
 }
 
+// "Run script": the script chosen in a file dialog runs on its own thread.
+void RunScriptCommand(core::AppState& state) {
+  std::u16string path = state.View ? state.View->ChooseScriptFile() : u"";
+  if (path.empty()) return;
+  std::u16string text;
+  platform::SysResult failure;
+  if (automation::LoadScript(path, text, failure) != 0) {
+    // Picked in a dialog, a file that gives nothing to run is worth a word.
+    if (!failure) {
+      core::ShowStatusError(state, u"Script file could not be read [" + path + u"]", failure);
+    } else {
+      core::ShowStatus(state, u"Script file is empty [" + path + u"]");
+    }
+    return;
+  }
+  automation::StartScriptThread(state, std::move(text));
+}
+
+void ToggleSoftwareButtons(core::AppState& state) {
+  state.SoftwareButtonsShown = !state.SoftwareButtonsShown;
+  automation::ShowSoftwareButtons(state, state.SoftwareButtonsShown);
+  state.Screen.CheckMenuItem(kSoftwareButtons, state.SoftwareButtonsShown);
+}
+
+// The controls of the two strips below the receive window.
+void OnStripCommand(core::AppState& state, int key) {
+  using namespace core::strip;
+  if (key == kPsmStrip + kPsmStart) {
+    automation::PsmStart(state);
+  } else if (key == kPsmStrip + kPsmStop) {
+    automation::PsmStop(state);
+    // --scan: the run ends with its one scan. The thread that sent this is
+    // still on its way out, so the shutdown that joins it comes later.
+    if (state.Switches.Scan && state.PsmOutcome != automation::kScanNotRun) {
+      bool ran =
+          state.PsmOutcome == automation::kScanCompleted || state.PsmOutcome == automation::kScanStopped;
+      core::Message exit = core::MakeMessage(core::kWmCall);
+      exit.Call = [&state, ran] {
+        Shutdown(state, ran ? 0 : kFailureExitCode);
+        return int64_t{0};
+      };
+      state.Queue.Post(std::move(exit));
+    }
+  } else if (key == kPsmStrip + kPsmTx) {
+    automation::PsmToggleTx(state);
+  } else if (key >= kSoftwareStrip + kFirstSoftwareButton &&
+             key < kSoftwareStrip + kFirstSoftwareButton + kSoftwareButtonCount) {
+    // Buttons 3 to 6 stay disabled: a press of one is not taken.
+    if (!state.Screen.IsButtonEnabled(key)) return;
+    automation::PressFunctionButton(state, automation::ButtonKind::kSoftware,
+                                    key - kSoftwareStrip - kFirstSoftwareButton + 1);
+  }
+}
+
 int64_t OnCommand(core::AppState& state, int command, int64_t source) {
   if (IsUnavailable(command)) return 0;
   switch (command) {
@@ -138,6 +198,12 @@ int64_t OnCommand(core::AppState& state, int command, int64_t source) {
       return 0;
     case kRecord:
       log::ToggleRecord(state);
+      return 0;
+    case kRunScript:
+      RunScriptCommand(state);
+      return 0;
+    case kSoftwareButtons:
+      ToggleSoftwareButtons(state);
       return 0;
     case kAbout:
       if (state.View) state.View->ShowAbout(AboutReleaseLine(), state.AutomationMode != 0);
@@ -231,6 +297,8 @@ int CreateMainWindow(core::AppState& state) {
   state.MainWindowExists = true;
   if (!state.Display) state.Display = std::make_unique<platform::DisplayControl>();
   ShowClosedControls(state);
+  automation::ShowPsmStrip(state);
+  automation::ShowSoftwareButtons(state, state.SoftwareButtonsShown);
   state.Queue.SetTimer(core::kKeepAliveTimerId, core::kKeepAliveIntervalMs);
   state.KeepAliveTimerRunning = true;
   state.FirstPaintState = 2;
@@ -244,6 +312,14 @@ int64_t MainWindowProc(core::AppState& state, const core::Message& message) {
       return OnCommand(state, static_cast<int>(message.WParam), message.LParam);
     case core::kWmTimer:
       if (message.WParam == core::kKeepAliveTimerId) KeepAlive(state);
+      if (message.WParam == core::kPsmStartTimerId || message.WParam == core::kPsmStopTimerId)
+        automation::OnPsmTimer(state, static_cast<uint32_t>(message.WParam));
+      return 0;
+    case core::kWmStripCommand:
+      OnStripCommand(state, static_cast<int>(message.WParam));
+      return 0;
+    case core::kWmHotKey:
+      automation::OnHotKey(state, static_cast<int>(message.WParam));
       return 0;
     case core::kWmRxActive:
       ShowOpenedState(state);
@@ -277,6 +353,9 @@ void Shutdown(core::AppState& state, int exitCode) {
   // From here a worker's Send returns at once: nothing waits on the main
   // thread while it joins the workers.
   state.Queue.BeginShutdown();
+  // The script and the port scan drive the main window: they end first.
+  automation::EndScript(state);
+  automation::EndPortScan(state);
   // What the device sent just before the end is read and shown first (the
   // receive thread keeps reading meanwhile), for a quarter second at most.
   for (int wait = 0; wait < 50; ++wait) {

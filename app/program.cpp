@@ -8,6 +8,7 @@
 #include "app/main_window.h"
 #include "app/port_discovery.h"
 #include "app/startup.h"
+#include "automation/script.h"
 #include "config/program_options.h"
 #include "core/code_page.h"
 #include "core/messages.h"
@@ -68,6 +69,18 @@ int ListPorts() {
 }
 
 int RunHeadless(const CommandLine& commandLine) {
+  // Unattended, a script that cannot run must not leave a program waiting
+  // for nothing.
+  if (const std::u16string& script = commandLine.Switches.ScriptPath; !script.empty()) {
+    std::u16string text;
+    platform::SysResult failure;
+    if (automation::LoadScript(script, text, failure) != 0) {
+      std::string why = !failure ? platform::ErrorText(failure.Errno) : "the file is empty";
+      platform::WriteAll(platform::kStandardError, "Script file automation: init failed... aborting. [" +
+                                                       core::WideToUtf8(script) + "]: " + why + "\n");
+      return kFailureExitCode;
+    }
+  }
   bool quiet = commandLine.Switches.Quiet != 0;
   bool outIsTerminal = platform::IsTerminal(platform::kStandardOutput);
   bool utf8 = commandLine.Encoding == TextEncoding::kUtf8 ||

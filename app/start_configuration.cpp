@@ -2,6 +2,7 @@
 
 #include "app/main_window.h"
 #include "app/port_discovery.h"
+#include "automation/port_scan.h"
 #include "config/config_file.h"
 #include "core/code_page.h"
 #include "core/messages.h"
@@ -49,6 +50,25 @@ void ApplyLogSwitches(core::AppState& state) {
   state.PendingRecord = sw.Record != 0;
 }
 
+// --scan: one port scan of the selected port, with what the command line
+// says to vary; --send TEXT is sent after each opening (the strip's Tx).
+void ApplyScanSwitches(core::AppState& state) {
+  const auto& sw = state.Switches;
+  core::PortScanSettings& psm = state.Psm;
+  psm.PsmEnabled = 1;
+  psm.PsmRotateBaud = sw.ScanRotate & 1 ? 1 : 0;
+  psm.PsmRotateDataBits = sw.ScanRotate & 2 ? 1 : 0;
+  psm.PsmRotateParity = sw.ScanRotate & 4 ? 1 : 0;
+  psm.PsmRotateStopBits = sw.ScanRotate & 8 ? 1 : 0;
+  if (sw.ScanInterval) psm.PsmScanInterval = sw.ScanInterval;
+  if (!sw.SendText.empty()) {
+    state.Screen.SetTxText(sw.SendText);
+    state.Screen.SetButtonPressed(core::strip::kPsmStrip + core::strip::kPsmTx, true);
+  }
+  automation::ShowPsmStrip(state);
+  state.Queue.Post(core::MakeMessage(core::kWmStripCommand, core::strip::kPsmStrip + core::strip::kPsmStart));
+}
+
 void LoadStartConfiguration(core::AppState& state) {
   if (state.ProgramOptions.DEFAULTcfg != 1) config::ConfigLoad(state, state.CurrentConfigPath);
   const auto& sw = state.Switches;
@@ -68,14 +88,16 @@ void LoadStartConfiguration(core::AppState& state) {
   if (sw.DataBits) state.Port.SelectedDataBits = static_cast<uint8_t>(sw.DataBits);
   if (!sw.Parity.empty()) state.Port.Parity = sw.Parity;
   if (!sw.StopBits.empty()) state.Port.StopBits = sw.StopBits;
-  state.PendingSendText = sw.SendText;
   ApplyRelaySwitch(state);
   ApplyLogSwitches(state);
+  if (!sw.Port.empty()) state.Port.SelectedPort = sw.Port;
   core::PublishSettings(state);
-  if (!sw.Port.empty()) {
-    state.Port.SelectedPort = sw.Port;
-    state.Queue.Post(core::MakeMessage(core::kWmCommand, kPlay, core::kFromCommandLine));
+  if (sw.Scan) {
+    ApplyScanSwitches(state);
+    return;
   }
+  state.PendingSendText = sw.SendText;
+  if (!sw.Port.empty()) state.Queue.Post(core::MakeMessage(core::kWmCommand, kPlay, core::kFromCommandLine));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include "app/main_window.h"
 #include "app/tray_notification.h"
+#include "automation/script.h"
 #include "config/program_options.h"
 #include "core/allocation.h"
 #include "core/code_page.h"
@@ -115,6 +116,8 @@ void OnFirstPaint(core::AppState& state, bool welcome) {
                      core::cmd::kConfigSetDefault}) {
       state.Screen.GreyMenuItem(item, true);
     }
+    if (!state.ScriptText.empty()) automation::StartScriptThread(state, std::move(state.ScriptText));
+    state.ScriptText.clear();
   }
 }
 
@@ -172,9 +175,10 @@ int StartUp(core::AppState& state, const platform::OsInfo& os) {
   // 6. Automation mode comes from the command line.
   if (!state.Switches.ScriptPath.empty()) state.AutomationMode = 1;
   if (state.AutomationMode) {
-    // The script must be readable and hold something to run.
-    auto script = platform::ReadWholeFile(core::WideToUtf8(state.Switches.ScriptPath));
-    if (!script || script->empty()) {
+    // The script must be readable and hold something to run; its thread
+    // starts after the welcome text.
+    platform::SysResult failure;
+    if (automation::LoadScript(state.Switches.ScriptPath, state.ScriptText, failure) != 0) {
       core::ShowMessageBox(state, u"Script file automation", u"init failed... aborting.", BoxIcon::kStop);
       state.AutomationMode = 0;
     }

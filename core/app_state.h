@@ -117,6 +117,18 @@ struct AppState {
   std::atomic<bool> PortOpen{false};  // the port handle is valid
   bool SoftwareButtonsShown = false;
 
+  // --- automation (run-time) ----------------------------------------------
+  // 1 runs the script, 4 ends it, anything else holds it where it is.
+  std::atomic<int32_t> ScriptState{4};
+  std::atomic<bool> ScriptRunning{false};
+  // Automation mode: the script loaded at start-up, until its thread starts.
+  std::u16string ScriptText;
+  std::unique_ptr<platform::SuspendableThread> AutomationThread;
+  PortScanSettings Psm;
+  std::atomic<bool> PsmStopRequested{true};  // also true while no scan runs
+  std::atomic<int32_t> PsmOutcome{0};         // how the last scan ended (automation::ScanOutcome)
+  std::unique_ptr<platform::SuspendableThread> PsmThread;
+
   // --- shared buffers and their locks --------------------------------------
   MemoryLock MemLock;
   std::recursive_mutex RxDataLock;

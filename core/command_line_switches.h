@@ -38,6 +38,14 @@ struct CommandLineSwitches {
   int32_t LogTransmit = 0;   // --log-tx
   int32_t LogOverwrite = 0;  // --log-overwrite
   int32_t NeverDrop = 0;     // --never-drop
+  // --exit-after-script: the program ends once the script has run out.
+  int32_t ExitAfterScript = 0;
+  // --scan: one port scan of Port, printed, then the program ends.
+  int32_t Scan = 0;
+  // --scan-rotate: what the scan varies, as the "Rotate through:" boxes
+  // (bit 0 baud, 1 data bits, 2 parity, 3 stop bits).
+  int32_t ScanRotate = 1;
+  int32_t ScanInterval = 0;  // --scan-interval: seconds (0: as set)
 };
 
 }  // namespace wavetrace::core

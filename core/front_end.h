@@ -46,6 +46,9 @@ class FrontEnd {
   // Lets the user pick a configuration file to load (save false) or to save
   // to; empty when cancelled or when the front end has no file dialog.
   virtual std::u16string ChooseConfigFile(bool /*save*/, std::u16string_view /*current*/) { return {}; }
+  // Lets the user pick a script file to run; empty when cancelled or when
+  // the front end has no file dialog.
+  virtual std::u16string ChooseScriptFile() { return {}; }
   // Start-up found this program running already (the single-instance rule)
   // and ends; a window comes forward silently, a terminal is told why.
   virtual void AnotherInstanceRuns() {}

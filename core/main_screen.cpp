@@ -280,6 +280,16 @@ bool MainScreen::IsMenuItemChecked(int command) const {
   return it != menu_.end() && it->second.checked;
 }
 
+void MainScreen::ShowStrip(int strip, bool shown) {
+  WAVETRACE_CONTROL_SETTER(strips_[strip] = shown);
+}
+
+bool MainScreen::StripShown(int strip) const {
+  std::lock_guard lock(mutex_);
+  auto it = strips_.find(strip);
+  return it != strips_.end() && it->second;
+}
+
 void MainScreen::SetTitle(std::u16string_view title) {
   WAVETRACE_CONTROL_SETTER(title_ = title);
 }

@@ -103,6 +103,10 @@ class MainScreen {
   void CheckMenuItem(int command, bool checked);
   [[nodiscard]] bool IsMenuItemChecked(int command) const;
 
+  // --- strips below the receive window (by their key, core::strip) --------
+  void ShowStrip(int strip, bool shown);
+  [[nodiscard]] bool StripShown(int strip) const;
+
   // --- window and tray -----------------------------------------------------
   void SetTitle(std::u16string_view title);
   [[nodiscard]] std::u16string Title() const;
@@ -150,6 +154,7 @@ class MainScreen {
 
   std::map<int, ButtonState> buttons_;
   std::map<int, MenuState> menu_;
+  std::map<int, bool> strips_;
   int focus_ = 0;
   std::u16string title_;
   bool shown_ = false;

@@ -22,6 +22,11 @@ inline constexpr uint32_t kWmActivateInstance = 0xB003;
 // Internal: the transmit thread finished a send run (or ended) and the
 // transmit path is free again.
 inline constexpr uint32_t kWmTxIdle = 0xB004;
+// A control of one of the two strips: WParam = the strip's key plus the
+// control's number (see strip below).
+inline constexpr uint32_t kWmStripCommand = 0xB005;
+// A hot key was pressed: WParam = its identifier (193 to 207).
+inline constexpr uint32_t kWmHotKey = 0x0312;
 
 inline constexpr int64_t kWmLButtonDown = 513;
 // LParam of a command the program sends itself (a script's CONFIG load
@@ -71,7 +76,30 @@ inline constexpr int kBinary = 8104;
 inline constexpr int kBacklightOnReceive = 8137;
 }  // namespace cmd
 
+// The port scan strip and the software button strip number their controls
+// alike (from 6020); the model and the strip message tell them apart by
+// the strip's key added to the number.
+namespace strip {
+inline constexpr int kPsmStrip = 1 << 16;
+inline constexpr int kSoftwareStrip = 2 << 16;
+inline constexpr int kPsmStart = 6020;
+inline constexpr int kPsmStop = 6021;
+inline constexpr int kPsmTx = 6022;
+inline constexpr int kFirstSoftwareButton = 6020;  // buttons 1 to 6: 6020 to 6025
+inline constexpr int kSoftwareButtonCount = 6;
+}  // namespace strip
+
+// Hot keys 193 to 207; the first four are hardware buttons 1 to 4.
+inline constexpr int kFirstHotKey = 193;
+inline constexpr int kLastHotKey = 207;
+inline constexpr int kHardwareButtonCount = 4;
+
 inline constexpr uint32_t kKeepAliveTimerId = 153;
+// One-shot: the port scan strip's STOP, or START and Tx, come back 500 ms
+// after a start or a stop.
+inline constexpr uint32_t kPsmStartTimerId = 154;
+inline constexpr uint32_t kPsmStopTimerId = 155;
+inline constexpr int kPsmButtonDelayMs = 500;
 inline constexpr int kKeepAliveIntervalMs = 500;
 
 }  // namespace wavetrace::core

@@ -154,6 +154,21 @@ struct LogSettings {
   bool operator==(const LogSettings&) const = default;
 };
 
+// Port scan mode: the options of its page and its strip (run-time only,
+// never saved; they keep their values while the program runs).
+struct PortScanSettings {
+  int32_t PsmEnabled = 0;
+  // The "Rotate through:" boxes: 1 varies that part of the line setting.
+  int32_t PsmRotateBaud = 1;
+  int32_t PsmRotateDataBits = 0;
+  int32_t PsmRotateParity = 0;
+  int32_t PsmRotateStopBits = 0;
+  int32_t PsmScanInterval = 1;  // seconds, 1 to 60
+  int32_t PsmSendOnOpen = 0;    // the strip's "Tx": send the transmit field after each opening
+
+  bool operator==(const PortScanSettings&) const = default;
+};
+
 // Copies of the port and data settings taken after discovery and after each
 // configuration load, so later changes can be compared with what was loaded.
 struct SettingsSnapshot {

@@ -1,0 +1,358 @@
+// Scripts, the port scan and the function buttons.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <atomic>
+#include <functional>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "automation/function_buttons.h"
+#include "automation/port_scan.h"
+#include "automation/port_scan_table.h"
+#include "automation/script_runner.h"
+#include "automation/script_scanner.h"
+#include "core/code_page.h"
+#include "core/messages.h"
+#include "platform/files.h"
+#include "platform/pty.h"
+#include "program_fixture.h"
+
+namespace wavetrace::automation {
+namespace {
+
+TEST(ScriptScanner, FindsTaggedCommands) {
+  struct Case {
+    std::u16string text;
+    std::vector<std::u16string> found;  // keyword|closing|argument of each command found
+  };
+  const Case cases[] = {
+      {u"<DELAY>250</DELAY>", {u"DELAY|/DELAY|250"}},
+      // Keywords in any case; the closing tag is never checked.
+      {u"<send>AT[0D]<whatever>", {u"SEND|WHATEVER|AT[0D]"}},
+      // Text between commands, line breaks included, is ignored.
+      {u"junk\r\n<Comment>a b</Comment>\r\n<PLAY></PLAY>", {u"COMMENT|/COMMENT|a b", u"PLAY|/PLAY|"}},
+      // A final tag without its ">" is no command.
+      {u"<PLAY></PLAY><STOP></STOP", {u"PLAY|/PLAY|"}},
+      {u"<DELAY>100", {}},
+      // Tags longer than 31 characters are cut.
+      {u"<" + std::u16string(40, u'x') + u">1</y>", {std::u16string(31, u'X') + u"|/Y|1"}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(core::WideToUtf8(c.text));
+    std::vector<std::u16string> found;
+    size_t cursor = 0;
+    ScriptCommand command;
+    while (FindNextCommand(c.text, cursor, command)) {
+      found.push_back(command.Keyword + u"|" + command.ClosingTag + u"|" + command.Argument);
+    }
+    EXPECT_EQ(found, c.found);
+  }
+  EXPECT_EQ(KeywordOf(u"EXITPROGRAM"), Keyword::kExitProgram);
+  EXPECT_EQ(KeywordOf(u"BEEP"), Keyword::kUnknown);
+  EXPECT_EQ(ScriptNumber(u" 1050ms"), 1050);
+  EXPECT_EQ(ScriptNumber(u"-5"), 0);
+  EXPECT_EQ(ScriptNumber(u"abc"), 0);
+  EXPECT_EQ(ScriptNumber(u"99999999999"), INT32_MAX);
+}
+
+// Records what a script does, on a clock that moves only when it waits.
+class RecordingHost : public ScriptHost {
+ public:
+  bool Sleep(int ms) override {
+    now += ms;
+    waits.push_back(ms);
+    if (onSleep) onSleep(now);
+    return true;
+  }
+  [[nodiscard]] bool Ending() const override { return false; }
+  void WriteToReceiveWindow(std::u16string_view text) override { Log(u"W:" + std::u16string(text)); }
+  void LoadConfiguration(const std::u16string& path) override { Log(u"CONFIG:" + path); }
+  void SendText(const std::u16string& text) override { Log(u"SEND:" + text); }
+  void Play() override { Log(u"PLAY"); }
+  void Stop() override { Log(u"STOP"); }
+  void ExitProgram() override { Log(u"EXIT"); }
+  void ScriptEnded() override { Log(u"ENDED"); }
+
+  void Log(std::u16string entry) { events.push_back(core::WideToUtf8(entry) + "@" + std::to_string(now)); }
+
+  int now = 0;
+  std::vector<int> waits;
+  std::vector<std::string> events;
+  std::function<void(int)> onSleep;
+};
+
+TEST(ScriptRunner, CarriesOutCommandsInOrderAndEndsWithTheBanner) {
+  RecordingHost host;
+  std::atomic<int32_t> state{kScriptRunning};
+  ScriptEnd end = RunScript(
+      u"<COMMENT>hi</COMMENT><COMMENT></COMMENT><CONFIG>/a.cfg</CONFIG><SEND>AT</SEND><PLAY></PLAY>"
+      u"<BEEP>x</BEEP><CONFIG></CONFIG><SEND></SEND><DELAY></DELAY><STOP>ignored</STOP>",
+      state, true, host);
+  EXPECT_EQ(end, ScriptEnd::kEndOfText);
+  EXPECT_EQ(state, kScriptEnded);
+  // Each command is followed by one 100 ms poll; ten empty scans end it.
+  const std::vector<std::string> expected = {
+      "W:\r\nFound pair:\r\n <COMMENT></COMMENT>@0",
+      "W:\r\nhi\r\n@0",
+      "W:\r\nFound pair:\r\n <COMMENT></COMMENT>@100",
+      "W:\r\n@100",
+      "W:\r\nFound pair:\r\n <CONFIG></CONFIG>@200",
+      "CONFIG:/a.cfg@200",
+      "W:\r\nFound pair:\r\n <SEND></SEND>@300",
+      "SEND:AT@300",
+      "W:\r\nFound pair:\r\n <PLAY></PLAY>@400",
+      "PLAY@400",
+      "W:\r\nFound pair:\r\n <BEEP></BEEP>@500",
+      "W:\r\nFound pair:\r\n <CONFIG></CONFIG>@600",
+      "W:\r\nFound pair:\r\n <SEND></SEND>@700",
+      "W:\r\nFound pair:\r\n <DELAY></DELAY>@800",
+      "W:\r\nFound pair:\r\n <STOP></STOP>@900",
+      "STOP@900",
+      "W:\r\n@1900",
+      "W: ============================\r\n@1900",
+      "W: Script Automation mode:[END]\r\n\r\n@1900",
+      "ENDED@1900",
+      // The last command runs once more after the banner.
+      "STOP@1900",
+  };
+  EXPECT_EQ(host.events, expected);
+}
+
+TEST(ScriptRunner, DelaysInWholeStepsAboveOneHundredMilliseconds) {
+  struct Case {
+    const char16_t* delay;
+    std::vector<int> waits;  // before the first poll after the command
+  };
+  const Case cases[] = {
+      {u"1050", std::vector<int>(10, 100)},
+      {u"99", {99}},
+      {u"100", {100}},
+      {u"0", {}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(core::WideToUtf8(c.delay));
+    RecordingHost host;
+    std::atomic<int32_t> state{kScriptRunning};
+    RunScript(u"<DELAY>" + std::u16string(c.delay) + u"</DELAY><EXITPROGRAM></EXITPROGRAM>", state, false,
+              host);
+    std::vector<int> waits = c.waits;
+    waits.push_back(kScriptPollMs);
+    EXPECT_EQ(host.waits, waits);
+    EXPECT_EQ(host.events.back(), "EXIT@" + std::to_string(host.now));
+  }
+}
+
+TEST(ScriptRunner, HoldingCutsADelayShortAndResumesWithTheNextCommand) {
+  RecordingHost host;
+  std::atomic<int32_t> state{kScriptRunning};
+  host.onSleep = [&](int now) {
+    if (now == 300) state = 2;  // held during the delay
+    if (now == 800) state = kScriptRunning;
+  };
+  ScriptEnd end =
+      RunScript(u"<DELAY>5000</DELAY><SEND>next</SEND><EXITPROGRAM></EXITPROGRAM>", state, false, host);
+  EXPECT_EQ(end, ScriptEnd::kExitProgram);
+  // Three steps of the delay, then polls while held; no banner.
+  EXPECT_EQ(host.events, (std::vector<std::string>{"SEND:next@800", "EXIT@900"}));
+}
+
+TEST(PortScanTable, StartsAtTheCurrentSettingAndStepsInLockstep) {
+  struct Case {
+    uint32_t baud;
+    ScanRotation rotate;
+    int32_t customCount;
+    size_t total;
+    std::vector<std::string> first;  // the first headings
+  };
+  auto headings = [](const std::vector<ScanEntry>& table, size_t n) {
+    std::vector<std::string> result;
+    for (size_t i = 0; i < std::min(n, table.size()); ++i) {
+      std::string heading = ScanHeading(u"COM1:", table[i]).substr(2);  // after the leading CR LF
+      if (heading.ends_with("\r\n")) heading.resize(heading.size() - 2);
+      result.push_back(heading);
+    }
+    return result;
+  };
+  const Case cases[] = {
+      {9600,
+       {true, true, true, true},
+       0,
+       360,
+       {"[COM1:,9600,8,N,1]", "[COM1:,9600,7,O,1.5]", "[COM1:,9600,6,E,2]", "[COM1:,9600,5,M,1]",
+        "[COM1:,9600,8,S,1.5]"}},
+      {115200, {true, false, false, false}, 0, 1, {"[COM1:,115200,8,N,1]"}},
+      // Six baud steps share four entries: none per rate, all stay empty.
+      {9600, {false, true, false, false}, 0, 4, {"[COM1:,0,0,", "[COM1:,0,0,"}},
+      // A rate that is not in the list counts as the first one.
+      {12345, {true, false, false, false}, 0, 16, {"[COM1:,75,8,N,1]", "[COM1:,110,8,N,1]"}},
+      // The custom rate comes last, when there is one.
+      {115200, {true, false, false, false}, 1, 2, {"[COM1:,115200,8,N,1]", "[COM1:,12345,8,N,1]"}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.baud);
+    core::PortSettings port;
+    port.SelectedBaud = c.baud;
+    port.CustomBauds_count = c.customCount;
+    port.CustomBaud_01 = 12345;
+    std::vector<ScanEntry> table = BuildScanTable(port, c.rotate);
+    EXPECT_EQ(table.size(), c.total);
+    EXPECT_EQ(headings(table, c.first.size()), c.first);
+  }
+  // Within a rate every pairing of data bits, parity and stop bits occurs once.
+  core::PortSettings port;
+  std::vector<ScanEntry> table = BuildScanTable(port, {true, true, true, true});
+  std::set<std::string> pairings;
+  for (size_t i = 0; i < 60; ++i) pairings.insert(headings({table[i]}, 1)[0]);
+  EXPECT_EQ(pairings.size(), 60u);
+  EXPECT_EQ(table[60].Baud, 14400u);
+}
+
+using ProgramAutomation = testing::ProgramFixture;
+
+TEST_F(ProgramAutomation, TokensRunOnlyFromHardwareButtons) {
+  state.Port.SelectedPort = u"VSP0:";
+  state.Data.HardwareButtonData[0] = u"{PLAY}";
+  state.Data.SoftwareButtonData[0] = u"{PLAY}";
+  state.Data.SoftwareButtonData[2] = u"third";
+  auto press = [&](int key) { state.Queue.Send(core::MakeMessage(core::kWmStripCommand, key)); };
+  int firstSoftware = core::strip::kSoftwareStrip + core::strip::kFirstSoftwareButton;
+  press(firstSoftware);
+  EXPECT_EQ(state.Screen.TxText(), u"{PLAY}");
+  EXPECT_FALSE(state.PlayFlag);
+  press(firstSoftware + 2);  // buttons 3 to 6 stay disabled
+  EXPECT_EQ(state.Screen.TxText(), u"{PLAY}");
+  state.Queue.Send(core::MakeMessage(core::kWmHotKey, 197));  // application key 5: nothing
+  EXPECT_FALSE(state.PlayFlag);
+  state.Queue.Send(core::MakeMessage(core::kWmHotKey, core::kFirstHotKey));
+  EXPECT_TRUE(state.PlayFlag);
+  ASSERT_TRUE(PumpUntil([&] { return state.Screen.IsButtonEnabled(core::cmd::kStop); }));
+  // A second press finds the port open and does nothing.
+  auto port = state.PortHandle;
+  state.Queue.Send(core::MakeMessage(core::kWmHotKey, core::kFirstHotKey));
+  EXPECT_EQ(state.PortHandle, port);
+  EXPECT_FALSE(state.Screen.IsButtonEnabled(firstSoftware + 3));
+}
+
+TEST_F(ProgramAutomation, StopDuringAScanRestoresTheLineSetting) {
+  state.Port.SelectedPort = u"VSP0:";
+  state.Port.SelectedBaud = 1200;
+  state.Port.Parity = u"Even";
+  state.Psm = {1, 1, 1, 1, 1, 1, 0};
+  core::PublishSettings(state);
+  auto strip = [&](int control) {
+    state.Queue.Send(core::MakeMessage(core::kWmStripCommand, core::strip::kPsmStrip + control));
+  };
+  strip(core::strip::kPsmStart);
+  EXPECT_FALSE(state.Screen.IsButtonEnabled(core::strip::kPsmStrip + core::strip::kPsmStart));
+  ASSERT_TRUE(PumpUntil([&] { return state.PortOpen && state.Port.SelectedBaud == 1200; }));
+  EXPECT_EQ(state.Port.Parity, u"Even");
+  ASSERT_TRUE(PumpUntil([&] { return state.Port.Parity == u"Mark"; }));  // the second combination
+  strip(core::strip::kPsmStop);
+  // START comes back once the thread has put the setting back and stopped.
+  ASSERT_TRUE(PumpUntil([&] {
+    return state.PsmThread->HasEnded() &&
+           state.Screen.IsButtonEnabled(core::strip::kPsmStrip + core::strip::kPsmStart);
+  }));
+  EXPECT_EQ(state.PsmOutcome, kScanStopped);
+  EXPECT_FALSE(state.PortOpen);
+  EXPECT_EQ(state.Port.SelectedBaud, 1200u);
+  EXPECT_EQ(state.Port.Parity, u"Even");
+  EXPECT_EQ(state.Port.SelectedDataBits, 8);
+  EXPECT_TRUE(core::SettingsArePublished(state));
+  EXPECT_FALSE(state.PortScanMode);
+}
+
+// wavetrace-cli run to its end in a fresh configuration folder: its exit
+// code, standard output and standard error.
+struct CliRun {
+  int exitCode = -1;
+  std::string out;
+  std::string err;
+};
+
+CliRun RunCli(const testing::TempFolder& home, const std::string& args) {
+  std::string out = home.Path() + "/stdout", err = home.Path() + "/stderr";
+  std::string command = "WAVETRACE_HOME='" + home.Path() + "' timeout 120 " WAVETRACE_CLI_PATH " " + args +
+                        " </dev/null >'" + out + "' 2>'" + err + "'";
+  int status = std::system(command.c_str());
+  CliRun run;
+  run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  run.out = platform::ReadWholeFile(out).value_or("");
+  run.err = platform::ReadWholeFile(err).value_or("");
+  return run;
+}
+
+void WriteFile(const std::string& path, const std::string& text) {
+  ASSERT_FALSE(!platform::WriteFileAtomically(path, text));
+}
+
+TEST(HeadlessScript, LoadsOpensSendsStopsAndExits) {
+  testing::TempFolder home;
+  testing::WriteRegistry(home.Path());
+  platform::PtyPair device;
+  ASSERT_TRUE(device.Valid());
+  WriteFile(home.Path() + "/port.cfg.txt",
+            "[Wavetrace Pro]\r\nConfigFile=1\r\n[COMMs]\r\nSelectedPort=" + device.SlavePath() +
+                "\r\nSelectedBaud=115200\r\n; 64 bytes at least\r\n");
+  WriteFile(home.Path() + "/run.txt",
+            "<COMMENT>start</COMMENT>\r\n<CONFIG>" + home.Path() +
+                "/port.cfg.txt</CONFIG>\r\n<PLAY></PLAY>\r\n<SEND>one[0D][0A]</SEND>\r\n"
+                "<send>two[0D][0A]</send>\r\n<DELAY>300</DELAY>\r\n<STOP></STOP>\r\n"
+                "<EXITPROGRAM></EXITPROGRAM>\r\n<SEND>never</SEND>");
+  CliRun run;
+  std::thread program([&] { run = RunCli(home, "--script " + home.Path() + "/run.txt"); });
+  std::string received = device.Read(12, 20000);
+  program.join();
+  EXPECT_EQ(received, "one\r\ntwo\r\n");
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_NE(run.out.find("\r\nstart\r\n"), std::string::npos);
+  EXPECT_EQ(run.out.find("[END]"), std::string::npos);  // EXITPROGRAM: no end banner
+}
+
+TEST(HeadlessScript, UnreadableScriptsEndTheRunAndExitAfterScriptEndsAtTheBanner) {
+  testing::TempFolder home;
+  testing::WriteRegistry(home.Path());
+  WriteFile(home.Path() + "/empty.txt", "");
+  WriteFile(home.Path() + "/note.txt", "<COMMENT>note</COMMENT>");
+  for (std::string script : {"/missing.txt", "/empty.txt"}) {
+    CliRun run = RunCli(home, "--script " + home.Path() + script);
+    EXPECT_EQ(run.exitCode, 1) << script;
+    EXPECT_NE(run.err.find("init failed... aborting."), std::string::npos) << run.err;
+  }
+  CliRun run = RunCli(home, "--exit-after-script /SCRIPT::" + home.Path() + "/note.txt");
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  // The banner, then the last command once more.
+  EXPECT_NE(
+      run.out.find("\r\nnote\r\n\r\n ============================\r\n Script Automation mode:[END]\r\n\r\n"
+                   "\r\nnote\r\n"),
+      std::string::npos)
+      << run.out;
+}
+
+TEST(HeadlessScan, FindsTheSimulatedDevicesSetting) {
+  testing::TempFolder home;
+  testing::WriteRegistry(home.Path(), "SimulatedSentenceMs=dword:000000fa\n");
+  CliRun run = RunCli(home, "--port VSP0: --baud 2400 --scan --scan-interval 1");
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_NE(run.out.find("PSM started.\r\n(Total combinations = 9)\r\nScan interval = 1 sec.\r\n"),
+            std::string::npos);
+  // Readable sentences under the device's own setting, and only there.
+  auto section = [&](const std::string& heading) {
+    size_t at = run.out.find(heading);
+    if (at == std::string::npos) return std::string("(missing)");
+    size_t next = run.out.find("\r\n[VSP0:", at + heading.size());
+    return run.out.substr(at, next == std::string::npos ? std::string::npos : next - at);
+  };
+  EXPECT_NE(section("[VSP0:,4800,8,N,1]").find("$GPGGA,"), std::string::npos);
+  for (const char* other : {"[VSP0:,2400,8,N,1]", "[VSP0:,9600,8,N,1]", "[VSP0:,115200,8,N,1]"}) {
+    std::string text = section(other);
+    EXPECT_NE(text, "(missing)");
+    EXPECT_EQ(text.find("$GP"), std::string::npos) << other;
+  }
+}
+
+}  // namespace
+}  // namespace wavetrace::automation

@@ -13,7 +13,9 @@
 #include "rx/bracket_escapes.h"
 #include "rx/byte_search.h"
 #include "rx/line_end_swap.h"
+#include "rx/nonprintable_filter.h"
 #include "rx/postamble.h"
+#include "rx/radix_view.h"
 #include "rx/receive_pipeline.h"
 #include "rx/replace_rules.h"
 #include "rx/search_replace.h"
@@ -38,20 +40,27 @@ std::string Text(const core::DataBlock& block, uint32_t past = 0) {
   return std::string(block.Buffer.Data(), block.Buffer.Data() + block.Length + past);
 }
 
-// The pipeline with the settings as the state holds them; a single stage is
-// the pipeline with only that stage on (every stage but the swap is off by
-// default, and modeASCII switches the swap).
+// The pipeline and single stages with the settings as the state holds them.
 uint32_t Process(core::AppState& state, core::DataBlock& block) {
   const uint32_t length = ProcessReceivedData(state, core::RxSettingsOf(state), block);
   EXPECT_EQ(length, block.Length);
   return length;
 }
 
-// Stage 2 alone, for its result.
 bool SearchAndReplace(core::AppState& state, core::DataBlock& block) {
   core::SharedAllocator memory(state);
   SharedStampSource stamps(state);
   return rx::SearchAndReplace(core::RxSettingsOf(state), memory, stamps, block);
+}
+
+uint32_t ConvertToRadix(core::AppState& state, core::DataBlock& block) {
+  core::SharedAllocator memory(state);
+  return rx::ConvertToRadix(core::RxSettingsOf(state), memory, block);
+}
+
+uint32_t FilterNonPrintable(core::AppState& state, core::DataBlock& block) {
+  core::SharedAllocator memory(state);
+  return rx::FilterNonPrintable(memory, block);
 }
 
 enum Mode { kAll, kFirst, kLast };
@@ -224,8 +233,6 @@ TEST(ConvertToRadixTest, WidthsAndBracketsForEveryRadix) {
       {2, 0, "[00000000]"}, {2, 13, "[00001101]"}, {2, 65, "[01000001]"}, {2, 255, "[11111111]"},
   };
   core::AppState state;
-  state.Data.modeASCII = 0;
-  state.Data.modeBINARY = 1;
   for (const auto& c : cases) {
     for (int32_t brackets : {0, 1}) {
       SCOPED_TRACE(::testing::Message() << c.base << " " << int{c.byte} << " brackets off " << brackets);
@@ -233,7 +240,7 @@ TEST(ConvertToRadixTest, WidthsAndBracketsForEveryRadix) {
       state.Data.BinBrackets = brackets;
       core::DataBlock block = MakeBlock(state, std::string(1, static_cast<char>(c.byte)));
       const std::string expected = brackets ? c.bracketed.substr(1, c.bracketed.size() - 2) : c.bracketed;
-      EXPECT_EQ(Process(state, block), expected.size());
+      EXPECT_EQ(ConvertToRadix(state, block), expected.size());
       EXPECT_EQ(Text(block), expected);
       // The block has its worst-case size with the spare bytes zero.
       EXPECT_EQ(block.Buffer.Size(), c.bracketed.size());
@@ -262,14 +269,12 @@ TEST(ConvertToRadixTest, NonCharsAndBasesTheMenuDoesNotOffer) {
       {-5, 0, 0, "\xff", "[FF]"},
   };
   core::AppState state;
-  state.Data.modeASCII = 0;
-  state.Data.modeBINARY = 1;
   for (const auto& c : cases) {
     state.Data.Base = c.base;
     state.Data.NonChars = c.nonChars;
     state.Data.BinBrackets = c.brackets;
     core::DataBlock block = MakeBlock(state, c.input);
-    Process(state, block);
+    ConvertToRadix(state, block);
     EXPECT_EQ(Text(block), c.expected) << c.base << " " << c.nonChars << c.brackets << c.input;
   }
 }
@@ -278,11 +283,9 @@ TEST(FilterNonPrintableTest, KeepsOnlyPrintableBytes) {
   const std::pair<std::string, std::string> cases[] = {
       {"AB\r\nC", "ABC"}, {"\t x~\x7f\x1f", " x~"}, {"\x80\xff\0"s, ""}, {"plain", "plain"}};
   core::AppState state;
-  state.Data.modeASCII = 0;
-  state.Data.FilterNP = 1;
   for (const auto& [input, expected] : cases) {
     core::DataBlock block = MakeBlock(state, input);
-    EXPECT_EQ(Process(state, block), expected.size());
+    EXPECT_EQ(FilterNonPrintable(state, block), expected.size());
     EXPECT_EQ(Text(block, 1), expected + '\0') << "the filtered block ends in a zero";
   }
 }

@@ -27,6 +27,8 @@ using testing::LoopbackServer;
 using testing::Narrow;
 
 constexpr char kLoopback[] = "127.0.0.1";
+constexpr int32_t kTcp = RelaySocket::kTcp;
+constexpr int32_t kUdp = RelaySocket::kUdp;
 
 template <typename Condition>
 bool Eventually(Condition condition) {
@@ -46,7 +48,7 @@ const uint8_t* Bytes(const std::string& text) {
 std::unique_ptr<RelaySocket> ConnectedTcp(uint16_t port, const char* host = kLoopback,
                                           int32_t blockSize = 0) {
   auto socket = std::make_unique<RelaySocket>();
-  EXPECT_TRUE(socket->Create(RelaySocket::kTcp, blockSize));
+  EXPECT_TRUE(socket->Create(kTcp, blockSize));
   EXPECT_TRUE(socket->Connect(host, port)) << socket->LastError();
   return socket;
 }
@@ -63,33 +65,27 @@ TEST(RelaySocket, RefusalsStoreTheirCodes) {
       {"connect without a socket", [](RelaySocket& s) { return s.Connect(kLoopback, 1); }, kErrorNoSocket},
       {"listen without a socket", [](RelaySocket& s) { return s.Listen(0, 1); }, kErrorNoSocket},
       {"bad type", [](RelaySocket& s) { return s.Create(3, 0); }, kErrorInvalid},
-      {"second create", [](RelaySocket& s) { return s.Create(RelaySocket::kTcp, 0) && s.Create(1, 0); },
-       kErrorSocketOpen},
-      {"port above 65535",
-       [](RelaySocket& s) { return s.Create(RelaySocket::kUdp, 0) && s.Connect(kLoopback, 65536); },
+      {"second create", [](RelaySocket& s) { return s.Create(kTcp, 0) && s.Create(1, 0); }, kErrorSocketOpen},
+      {"port above 65535", [](RelaySocket& s) { return s.Create(kUdp, 0) && s.Connect(kLoopback, 65536); },
        kErrorInvalid},
-      {"send before connect",
-       [&](RelaySocket& s) { return s.Create(RelaySocket::kTcp, 0) && s.Send(&byte, 1) != -1; },
+      {"send before connect", [&](RelaySocket& s) { return s.Create(kTcp, 0) && s.Send(&byte, 1) != -1; },
        kErrorNotConnected},
       {"send of nothing",
        [](RelaySocket& s) {
-         return s.Create(RelaySocket::kUdp, 0) && s.Connect(kLoopback, 9) && s.Send(nullptr, 1) != -1;
+         return s.Create(kUdp, 0) && s.Connect(kLoopback, 9) && s.Send(nullptr, 1) != -1;
        },
        kErrorNoData},
       {"second TCP connect",
        [&](RelaySocket& s) {
-         return s.Create(RelaySocket::kTcp, 0) && s.Connect(kLoopback, server.Port()) &&
+         return s.Create(kTcp, 0) && s.Connect(kLoopback, server.Port()) &&
                 s.Connect(kLoopback, server.Port());
        },
        kErrorConnected},
       {"listen when connected",
-       [](RelaySocket& s) {
-         return s.Create(RelaySocket::kUdp, 0) && s.Connect(kLoopback, 9) && s.Listen(0, 1);
-       },
+       [](RelaySocket& s) { return s.Create(kUdp, 0) && s.Connect(kLoopback, 9) && s.Listen(0, 1); },
        kErrorConnected},
       {"closed local port",
-       [](RelaySocket& s) { return s.Create(RelaySocket::kTcp, 0) && s.Connect(kLoopback, ClosedPort()); },
-       ECONNREFUSED},
+       [](RelaySocket& s) { return s.Create(kTcp, 0) && s.Connect(kLoopback, ClosedPort()); }, ECONNREFUSED},
   };
   for (const Case& c : cases) {
     RelaySocket socket;
@@ -144,7 +140,7 @@ TEST(RelaySocket, ConnectGivesUpAtTheTimeLimit) {
   platform::OpenSocket(SocketKind::kStream, first);
   ASSERT_TRUE(platform::ConnectWithin(first, local, 1000));
   RelaySocket socket;
-  ASSERT_TRUE(socket.Create(RelaySocket::kTcp, 0));
+  ASSERT_TRUE(socket.Create(kTcp, 0));
   socket.SetConnectTimeoutMs(300);
   auto start = std::chrono::steady_clock::now();
   EXPECT_FALSE(socket.Connect(kLoopback, local.Port));
@@ -159,7 +155,7 @@ TEST(RelaySocket, ConnectGivesUpAtTheTimeLimit) {
 
 TEST(RelaySocket, TcpListenerRefusesConnectionsByDefault) {
   RelaySocket listener;
-  ASSERT_TRUE(listener.Create(RelaySocket::kTcp, 0));
+  ASSERT_TRUE(listener.Create(kTcp, 0));
   ASSERT_TRUE(listener.Listen(0, 1, platform::kLoopbackAddress));
   EXPECT_EQ(listener.State(), RelayStateListening);
   auto client = ConnectedTcp(listener.LocalEndpoint().Port);
@@ -173,10 +169,10 @@ TEST(RelaySocket, TcpListenerRefusesConnectionsByDefault) {
 
 TEST(RelaySocket, UdpListenerQueuesLinesAndAnswersWithEachEnding) {
   RelaySocket listener;
-  ASSERT_TRUE(listener.Create(RelaySocket::kUdp, 0));
+  ASSERT_TRUE(listener.Create(kUdp, 0));
   ASSERT_TRUE(listener.Listen(0, 0, platform::kLoopbackAddress));
   RelaySocket sender;
-  ASSERT_TRUE(sender.Create(RelaySocket::kUdp, 0));
+  ASSERT_TRUE(sender.Create(kUdp, 0));
   ASSERT_TRUE(sender.Connect(kLoopback, listener.LocalEndpoint().Port));
   for (const char* datagram : {"ab", "c\r\nde", "f\n"}) {
     ASSERT_EQ(sender.SendString(datagram), static_cast<long>(std::strlen(datagram)));
@@ -338,7 +334,7 @@ TEST(NetworkRelay, ServerClosingMidStreamLeavesRelayOnWithSendFailure) {
   EXPECT_EQ(relayed.Status(), "");
   EXPECT_EQ(session->Socket->Send(Bytes("z"), 1), -1);
   EXPECT_EQ(session->Socket->LastError(), kErrorNotConnected);
-  EXPECT_TRUE(session->Socket->Create(RelaySocket::kTcp, 0));  // the old descriptor is released
+  EXPECT_TRUE(session->Socket->Create(kTcp, 0));  // the old descriptor is released
 }
 
 TEST(RelayPage, FieldsClampAndFollowTheirSettings) {

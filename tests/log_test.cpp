@@ -129,11 +129,7 @@ class FakeClock final : public IntervalClock {
     if (recordOffAt && now_ - start_ >= *recordOffAt) state_.RecordFlag = false;
     return now_ - start_ < end_;
   }
-  struct Change {
-    uint32_t at;
-    bool open;
-    bool operator==(const Change&) const = default;
-  };
+  using Change = std::pair<uint32_t, bool>;  // the time and the new flag
   std::vector<Change> changes;
   std::optional<uint32_t> recordOffAt;
 
@@ -150,13 +146,21 @@ TEST(IntervalRecordingTest, WindowsOnTheClock) {
     const char* name;
     int interval, duration;
     uint32_t start;  // the tick count's wrap must not matter
+    std::optional<uint32_t> recordOffAt;
     std::vector<FakeClock::Change> changes;
   };
   const Case cases[] = {
-      {"one second in ten", 10, 1, 0, {{10000, true}, {11000, false}, {20000, true}, {21000, false}}},
-      {"across the wrap", 10, 1, 0xFFFFF000u, {{10000, true}, {11000, false}, {20000, true}, {21000, false}}},
+      {"one second in ten", 10, 1, 0, {}, {{10000, true}, {11000, false}, {20000, true}, {21000, false}}},
+      {"across the wrap",
+       10,
+       1,
+       0xFFFFF000u,
+       {},
+       {{10000, true}, {11000, false}, {20000, true}, {21000, false}}},
       // Equal interval and duration: the flag is clear only for an instant.
-      {"continuous", 3, 3, 0, {{3000, true}}},
+      {"continuous", 3, 3, 0, {}, {{3000, true}}},
+      // RECORD off ends the wait and closes the log at once.
+      {"RECORD off within a window", 10, 1, 0, 10500, {{10000, true}, {10500, false}}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -168,30 +172,21 @@ TEST(IntervalRecordingTest, WindowsOnTheClock) {
     state.RecordFlag = true;
     state.PortOpen = true;
     FakeClock clock(state, c.start, 25000);
+    clock.recordOffAt = c.recordOffAt;
     LogIntervalThread(state, clock);
     EXPECT_EQ(clock.changes, c.changes);
+    EXPECT_FALSE(c.recordOffAt && state.LogOpen);
   }
 }
 
-TEST(IntervalRecordingTest, RecordOffEndsTheWaitAndRecordAllLeavesTheFlagAlone) {
-  core::AppState state;
-  state.Log.RecordALL = 0;
-  core::PublishSettings(state);
+TEST(IntervalRecordingTest, RecordAllLeavesTheFlagAlone) {
+  core::AppState state;  // RecordALL 1: RECORD itself opened the log
   state.RecordFlag = true;
   state.PortOpen = true;
-  FakeClock clock(state, 0, 60000);
-  clock.recordOffAt = 10500;  // within the first window
-  LogIntervalThread(state, clock);
-  EXPECT_EQ(clock.changes, (std::vector<FakeClock::Change>{{10000, true}, {10500, false}}));
-  EXPECT_FALSE(state.LogOpen);
-
-  core::AppState all;  // RecordALL 1: RECORD itself opened the log
-  all.RecordFlag = true;
-  all.PortOpen = true;
-  all.LogOpen = true;
-  FakeClock idle(all, 0, 5000);
-  LogIntervalThread(all, idle);
-  EXPECT_TRUE(all.LogOpen);
+  state.LogOpen = true;
+  FakeClock idle(state, 0, 5000);
+  LogIntervalThread(state, idle);
+  EXPECT_TRUE(state.LogOpen);
 }
 
 class RecordingTest : public testing::ProgramFixture {

@@ -1,14 +1,25 @@
-// Log records, file names and paths, size texts and the interval recorder.
+// Log records, file names and paths, size texts and the interval recorder;
+// then recording end to end over pseudo-terminals: RECORD on, data in, RECORD
+// off; a device that refuses writes; a fast stream with "Never drop log data".
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <mutex>
 #include <optional>
+#include <random>
+#include <thread>
 #include <vector>
 
 #include "core/code_page.h"
+#include "core/messages.h"
+#include "core/reporting.h"
 #include "log/interval_recording.h"
 #include "log/log_names.h"
 #include "log/log_record.h"
 #include "log/record_command.h"
+#include "platform/files.h"
+#include "platform/pty.h"
+#include "program_fixture.h"
 
 namespace wavetrace::log {
 namespace {
@@ -118,11 +129,7 @@ class FakeClock final : public IntervalClock {
     if (recordOffAt && now_ - start_ >= *recordOffAt) state_.RecordFlag = false;
     return now_ - start_ < end_;
   }
-  struct Change {
-    uint32_t at;
-    bool open;
-    bool operator==(const Change&) const = default;
-  };
+  using Change = std::pair<uint32_t, bool>;  // the time and the new flag
   std::vector<Change> changes;
   std::optional<uint32_t> recordOffAt;
 
@@ -139,13 +146,21 @@ TEST(IntervalRecordingTest, WindowsOnTheClock) {
     const char* name;
     int interval, duration;
     uint32_t start;  // the tick count's wrap must not matter
+    std::optional<uint32_t> recordOffAt;
     std::vector<FakeClock::Change> changes;
   };
   const Case cases[] = {
-      {"one second in ten", 10, 1, 0, {{10000, true}, {11000, false}, {20000, true}, {21000, false}}},
-      {"across the wrap", 10, 1, 0xFFFFF000u, {{10000, true}, {11000, false}, {20000, true}, {21000, false}}},
+      {"one second in ten", 10, 1, 0, {}, {{10000, true}, {11000, false}, {20000, true}, {21000, false}}},
+      {"across the wrap",
+       10,
+       1,
+       0xFFFFF000u,
+       {},
+       {{10000, true}, {11000, false}, {20000, true}, {21000, false}}},
       // Equal interval and duration: the flag is clear only for an instant.
-      {"continuous", 3, 3, 0, {{3000, true}}},
+      {"continuous", 3, 3, 0, {}, {{3000, true}}},
+      // RECORD off ends the wait and closes the log at once.
+      {"RECORD off within a window", 10, 1, 0, 10500, {{10000, true}, {10500, false}}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -157,30 +172,123 @@ TEST(IntervalRecordingTest, WindowsOnTheClock) {
     state.RecordFlag = true;
     state.PortOpen = true;
     FakeClock clock(state, c.start, 25000);
+    clock.recordOffAt = c.recordOffAt;
     LogIntervalThread(state, clock);
     EXPECT_EQ(clock.changes, c.changes);
+    EXPECT_FALSE(c.recordOffAt && state.LogOpen);
   }
 }
 
-TEST(IntervalRecordingTest, RecordOffEndsTheWaitAndRecordAllLeavesTheFlagAlone) {
-  core::AppState state;
-  state.Log.RecordALL = 0;
-  core::PublishSettings(state);
+TEST(IntervalRecordingTest, RecordAllLeavesTheFlagAlone) {
+  core::AppState state;  // RecordALL 1: RECORD itself opened the log
   state.RecordFlag = true;
   state.PortOpen = true;
-  FakeClock clock(state, 0, 60000);
-  clock.recordOffAt = 10500;  // within the first window
-  LogIntervalThread(state, clock);
-  EXPECT_EQ(clock.changes, (std::vector<FakeClock::Change>{{10000, true}, {10500, false}}));
-  EXPECT_FALSE(state.LogOpen);
+  state.LogOpen = true;
+  FakeClock idle(state, 0, 5000);
+  LogIntervalThread(state, idle);
+  EXPECT_TRUE(state.LogOpen);
+}
 
-  core::AppState all;  // RecordALL 1: RECORD itself opened the log
-  all.RecordFlag = true;
-  all.PortOpen = true;
-  all.LogOpen = true;
-  FakeClock idle(all, 0, 5000);
-  LogIntervalThread(all, idle);
-  EXPECT_TRUE(all.LogOpen);
+class RecordingTest : public testing::ProgramFixture {
+ protected:
+  void SetUp() override {
+    ProgramFixture::SetUp();
+    ASSERT_TRUE(pty.Valid());
+    state.Port.SelectedPort = core::Utf8ToWide(pty.SlavePath());
+    state.Queue.SendCommand(core::cmd::kPlay);
+    ASSERT_TRUE(PumpUntil([&] { return state.Screen.Status() == u"Port opened!  Send/Receive active..."; }));
+  }
+  void Record(const std::string& path) {
+    state.Log.wszLogDir.clear();
+    state.Log.wszLogFile = core::Utf8ToWide(path);
+    state.Queue.SendCommand(core::cmd::kRecord);
+  }
+  std::string FileText(const std::string& path) { return platform::ReadWholeFile(path).value_or("<none>"); }
+  // The receive thread fills the cache under the receive-data lock.
+  uint32_t CachedBytes() {
+    std::lock_guard lock(state.RxDataLock);
+    return state.DataLogCacheCount;
+  }
+  bool WriteFailing() {
+    std::lock_guard lock(state.RxDataLock);
+    return state.LogWriteFailing;
+  }
+
+  platform::PtyPair pty;
+  std::string logPath = folder.Path() + "/run.log.txt";
+};
+
+TEST_F(RecordingTest, RecordOnDataRecordOff) {
+  state.Log.LOGtransmitdata = 1;
+  core::PublishSettings(state);
+  Record(logPath);
+  EXPECT_TRUE(state.RecordFlag);
+  EXPECT_TRUE(state.Screen.IsButtonPressed(core::cmd::kRecord));
+  EXPECT_EQ(state.Screen.Status(), u"RECORD all data, activated.\r\n[" + core::Utf8ToWide(logPath) +
+                                       u"]\r\n[Starting Size: 0 Bytes]");
+  ASSERT_TRUE(pty.Write("OK"));
+  ASSERT_TRUE(PumpUntil([&] { return state.Screen.RxText().find(u"OK") != std::u16string::npos; }));
+  state.Queue.SendCommand(core::cmd::kRecord);
+  EXPECT_FALSE(state.RecordFlag);
+  EXPECT_EQ(FileText(logPath), "\r\n,Rx,, OK");
+  EXPECT_EQ(state.Screen.Status(), u"RECORD all data, deactivated.\r\n[LogFile Size: 10 Bytes]\r\n[" +
+                                       core::Utf8ToWide(logPath) + u"]");
+  // A second recording appends.
+  Record(logPath);
+  EXPECT_NE(state.Screen.Status().find(u"[Starting Size: 10 Bytes]"), std::u16string::npos);
+}
+
+TEST_F(RecordingTest, AFolderThatIsNotThereLeavesRecordOff) {
+  Record(folder.Path() + "/missing/run.txt");
+  EXPECT_FALSE(state.RecordFlag);
+  EXPECT_EQ(state.Screen.Status().rfind(u"Failed to open Log File:\r\n", 0), 0U);
+}
+
+TEST_F(RecordingTest, AFullDeviceIsReportedOnceAndRecordingGoesOn) {
+  Record("/dev/full");
+  ASSERT_TRUE(state.RecordFlag);
+  for (int flush = 0; flush < 2; ++flush) {
+    ASSERT_TRUE(pty.Write("data"));
+    ASSERT_TRUE(PumpUntil([&] { return CachedBytes() == 0 && WriteFailing(); }));
+  }
+  EXPECT_EQ(state.Screen.Status().rfind(u"Error writing to LogFile: /dev/full: Error code=28", 0), 0U);
+  core::ShowStatus(state, u"");
+  ASSERT_TRUE(pty.Write("more"));
+  ASSERT_TRUE(PumpUntil([&] { return CachedBytes() == 0; }));
+  EXPECT_EQ(state.Screen.Status(), u"") << "one report per run of failures";
+  EXPECT_TRUE(state.RecordFlag);
+}
+
+TEST_F(RecordingTest, NeverDropKeepsAFastBinaryStreamWhole) {
+  state.Log.NeverDropLogData = 1;
+  core::PublishSettings(state);
+  Record(logPath);
+  ASSERT_TRUE(state.RecordFlag);
+  std::string data(32u << 20, '\0');
+  std::mt19937 random(7);
+  for (size_t i = 0; i < data.size(); i += 4) {
+    uint32_t word = random();
+    // A quarter of the bytes are zero.
+    for (size_t k = 0; k < 4; ++k) data[i + k] = static_cast<char>(k == 0 ? 0 : word >> (8 * k));
+  }
+  // The text view swaps LF CR pairs; the log holds the processed bytes.
+  std::replace_if(
+      data.begin(), data.end(), [](char c) { return c == '\n' || c == '\r'; }, '\v');
+  std::thread device([&] { pty.Write(data); });
+  bool whole = program.PumpUntil(
+      [&] {
+        auto size = platform::ReadWholeFile(logPath).value_or("").size() + CachedBytes();
+        return size >= data.size();
+      },
+      std::chrono::seconds(60));
+  device.join();
+  state.Queue.SendCommand(core::cmd::kRecord);
+  ASSERT_TRUE(whole);
+  std::string logged = FileText(logPath);
+  ASSERT_EQ(logged.size(), data.size());
+  auto diff = std::mismatch(logged.begin(), logged.end(), data.begin());
+  EXPECT_EQ(diff.first, logged.end())
+      << "the log holds the stream byte for byte; first difference at " << (diff.first - logged.begin());
 }
 
 }  // namespace

@@ -13,8 +13,7 @@ namespace wavetrace::testing {
 
 // A TCP or UDP server on 127.0.0.1 at an ephemeral port that keeps what it
 // receives. TCP: one connection is accepted; the server closes it after
-// closeAfter bytes (the rest of the stream is not read). Replies go back
-// with Reply.
+// closeAfter bytes (the rest of the stream is not read). Reply answers it.
 class LoopbackServer {
  public:
   explicit LoopbackServer(platform::SocketKind kind, size_t closeAfter = SIZE_MAX)
@@ -48,12 +47,12 @@ class LoopbackServer {
     std::unique_lock lock(mutex_);
     return arrived_.wait_for(lock, limit, [&] { return received_.size() >= bytes; });
   }
-  // Sends to the connected client (TCP) or the last sender (UDP).
+  // Sends to the connected TCP client.
   void Reply(const std::string& data) {
     platform::SysResult ignored;
     std::lock_guard lock(mutex_);
-    platform::SendSome(tcp_ ? connection_ : fd_, reinterpret_cast<const uint8_t*>(data.data()), data.size(),
-                       tcp_ ? nullptr : &sender_, ignored);
+    platform::SendSome(connection_, reinterpret_cast<const uint8_t*>(data.data()), data.size(), nullptr,
+                       ignored);
   }
 
  private:
@@ -69,11 +68,9 @@ class LoopbackServer {
     uint8_t buffer[65536];
     for (;;) {
       platform::SysResult failure;
-      platform::Ipv4Endpoint sender;
-      long n = platform::ReceiveSome(from, buffer, sizeof buffer, &sender, failure);
+      long n = platform::ReceiveSome(from, buffer, sizeof buffer, nullptr, failure);
       if (n <= 0) break;  // the client ended, or the server is being taken down
       std::lock_guard lock(mutex_);
-      sender_ = sender;
       received_.append(reinterpret_cast<const char*>(buffer), static_cast<size_t>(n));
       arrived_.notify_all();
       if (received_.size() >= closeAfter_) {
@@ -90,7 +87,6 @@ class LoopbackServer {
   int fd_ = platform::kNoSocket;
   int connection_ = platform::kNoSocket;
   platform::Ipv4Endpoint local_;
-  platform::Ipv4Endpoint sender_;
   std::mutex mutex_;
   std::condition_variable arrived_;
   std::string received_;

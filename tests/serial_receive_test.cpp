@@ -2,13 +2,6 @@
 // receive window, STOP, the device going away.
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <fstream>
-#include <functional>
-#include <thread>
-
-#include "app/main_window.h"
-#include "app/startup.h"
 #include "core/code_page.h"
 #include "core/messages.h"
 #include "platform/pty.h"
@@ -19,34 +12,45 @@ namespace wavetrace::serial {
 namespace {
 
 using namespace std::chrono_literals;
+namespace cmd = core::cmd;
 
 class ReceivePathTest : public testing::ProgramFixture {
  protected:
-  void SetUp() override {
-    ProgramFixture::SetUp();
-    ASSERT_TRUE(pty.Valid());
-  }
   bool Play(const platform::PtyPair& device) {
+    if (!device.Valid()) return false;
     state.Port.SelectedPort = core::Utf8ToWide(device.SlavePath());
-    state.Queue.SendCommand(core::cmd::kPlay);
+    state.Queue.SendCommand(cmd::kPlay);
     return PumpUntil([&] { return state.Screen.Status() == u"Port opened!  Send/Receive active..."; });
   }
-  bool Closed() { return state.Screen.IsButtonEnabled(core::cmd::kPlay) && !state.PortOpen; }
+  bool Closed() {
+    return PumpUntil([&] { return state.Screen.IsButtonEnabled(cmd::kPlay) && !state.PortOpen; });
+  }
+  // Whether another program could open the device now.
+  static bool Free(const platform::PtyPair& device) {
+    platform::SysResult failure;
+    bool opened = platform::OpenTermiosPort(device.SlavePath(), failure) != nullptr;
+    EXPECT_TRUE(opened || platform::IsDeviceBusyOrGone(failure));
+    return opened;
+  }
 
   platform::PtyPair pty;
 };
 
-TEST_F(ReceivePathTest, PlayReceivesABurstWholeAndInOrderThenStop) {
-  ASSERT_TRUE(Play(pty));
-  EXPECT_FALSE(state.Screen.IsButtonEnabled(core::cmd::kPlay));
-  EXPECT_TRUE(state.Screen.IsButtonEnabled(core::cmd::kStop));
-  EXPECT_TRUE(state.Screen.IsMenuItemGrey(core::cmd::kConfigLoad));
-  EXPECT_EQ(state.Screen.TrayState(), 2);
-  // A second program cannot take the port meanwhile.
-  platform::SysResult failure;
-  EXPECT_FALSE(platform::OpenTermiosPort(pty.SlavePath(), failure));
-  EXPECT_TRUE(platform::IsDeviceBusyOrGone(failure));
+TEST_F(ReceivePathTest, AFailedOpenThenABurstWholeAndInOrderStopAndTheDeviceGoingAway) {
+  state.Port.SelectedPort = u"/dev/does-not-exist-wavetrace";
+  state.Queue.SendCommand(cmd::kPlay);
+  EXPECT_EQ(state.Screen.Status().rfind(
+                u"Error! Selected port failed to open. Check settings.: Error code=2 (0x2)", 0),
+            0u);
+  EXPECT_TRUE(state.Screen.IsButtonEnabled(cmd::kPlay));
+  EXPECT_FALSE(state.PlayFlag);
 
+  // The thread was never resumed: a good port opens after that, and no other program can take it meanwhile.
+  ASSERT_TRUE(Play(pty));
+  EXPECT_FALSE(state.Screen.IsButtonEnabled(cmd::kPlay));
+  EXPECT_TRUE(state.Screen.IsButtonEnabled(cmd::kStop) && state.Screen.IsMenuItemGrey(cmd::kConfigLoad));
+  EXPECT_EQ(state.Screen.TrayState(), 2);
+  EXPECT_FALSE(Free(pty));
   state.Screen.RxClear();
   std::string burst;
   for (int i = 0; i < 12000; ++i) burst += static_cast<char>('A' + i % 26);
@@ -54,13 +58,24 @@ TEST_F(ReceivePathTest, PlayReceivesABurstWholeAndInOrderThenStop) {
   EXPECT_TRUE(PumpUntil([&] { return state.Screen.RxText().size() >= burst.size(); }));
   EXPECT_EQ(core::WideToBytes(state.Screen.RxText()), burst);
 
-  state.Queue.SendCommand(core::cmd::kStop);
-  EXPECT_TRUE(PumpUntil([&] { return Closed(); }));
+  state.Queue.SendCommand(cmd::kStop);
+  EXPECT_TRUE(Closed());
   EXPECT_EQ(state.Screen.Status(), u"Port closed!  Send/Receive deactivated.");
-  EXPECT_FALSE(state.Screen.IsButtonEnabled(core::cmd::kStop));
-  EXPECT_TRUE(state.Screen.IsMenuItemGrey(core::cmd::kConfigLoad));  // stays grey
+  EXPECT_FALSE(state.Screen.IsButtonEnabled(cmd::kStop));
+  EXPECT_TRUE(state.Screen.IsMenuItemGrey(cmd::kConfigLoad));  // stays grey
   EXPECT_EQ(state.Screen.TrayState(), 1);
-  EXPECT_TRUE(platform::OpenTermiosPort(pty.SlavePath(), failure));  // released
+  EXPECT_TRUE(Free(pty));
+
+  // The device going away closes the port; PLAY works again on another.
+  ASSERT_TRUE(Play(pty));
+  pty.CloseMaster();
+  EXPECT_TRUE(Closed());
+  EXPECT_EQ(state.Screen.Status(), u"Port closed!  The device went away.");
+  EXPECT_FALSE(CurrentPort(state));
+  platform::PtyPair again;
+  ASSERT_TRUE(Play(again));
+  ASSERT_TRUE(again.Write("back"));
+  EXPECT_TRUE(PumpUntil([&] { return state.Screen.RxText().find(u"back") != std::u16string::npos; }));
 }
 
 TEST_F(ReceivePathTest, StopWhileDataFlows) {
@@ -73,8 +88,8 @@ TEST_F(ReceivePathTest, StopWhileDataFlows) {
     }
   });
   std::this_thread::sleep_for(100ms);
-  state.Queue.SendCommand(core::cmd::kStop);
-  EXPECT_TRUE(PumpUntil([&] { return Closed(); }));
+  state.Queue.SendCommand(cmd::kStop);
+  EXPECT_TRUE(Closed());
   sending = false;
   device.join();
   // Nothing more arrives once closed.
@@ -84,31 +99,6 @@ TEST_F(ReceivePathTest, StopWhileDataFlows) {
   std::this_thread::sleep_for(450ms);
   state.Queue.DispatchPending();
   EXPECT_EQ(state.Screen.RxText().size(), shown);
-}
-
-TEST_F(ReceivePathTest, TheDeviceGoingAwayClosesThePortAndPlayWorksAgain) {
-  ASSERT_TRUE(Play(pty));
-  pty.CloseMaster();
-  EXPECT_TRUE(PumpUntil([&] { return Closed(); }));
-  EXPECT_EQ(state.Screen.Status(), u"Port closed!  The device went away.");
-  EXPECT_FALSE(CurrentPort(state));
-
-  platform::PtyPair again;
-  ASSERT_TRUE(Play(again));
-  ASSERT_TRUE(again.Write("back"));
-  EXPECT_TRUE(PumpUntil([&] { return state.Screen.RxText().find(u"back") != std::u16string::npos; }));
-}
-
-TEST_F(ReceivePathTest, AFailedOpenLeavesPlayEnabledWithTheErrorCode) {
-  state.Port.SelectedPort = u"/dev/does-not-exist-wavetrace";
-  state.Queue.SendCommand(core::cmd::kPlay);
-  EXPECT_EQ(state.Screen.Status().rfind(
-                u"Error! Selected port failed to open. Check settings.: Error code=2 (0x2)", 0),
-            0u);
-  EXPECT_TRUE(state.Screen.IsButtonEnabled(core::cmd::kPlay));
-  EXPECT_FALSE(state.PlayFlag);
-  // The thread was never resumed: a good port opens after that.
-  EXPECT_TRUE(Play(pty));
 }
 
 }  // namespace

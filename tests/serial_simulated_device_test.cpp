@@ -1,12 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
+#include <chrono>
+#include <thread>
 
-#include "core/code_page.h"
-#include "core/messages.h"
 #include "platform/line_setting_text.h"
-#include "program_fixture.h"
-#include "serial/port.h"
 #include "serial/simulated_device.h"
 #include "serial/uart_model.h"
 
@@ -14,7 +11,6 @@ namespace wavetrace::serial {
 namespace {
 
 using namespace std::chrono_literals;
-namespace cmd = core::cmd;
 
 platform::LineSettings Line(const std::string& text) {
   platform::LineSettings line;
@@ -95,72 +91,6 @@ TEST(SimulatedDevice, SentencesCarryTheirChecksums) {
     for (size_t i = start + 1; i < star; ++i) sum ^= static_cast<unsigned char>(sentences[i]);
     EXPECT_EQ(std::stoul(sentences.substr(star + 1, 2), nullptr, 16), sum);
   }
-}
-
-// The simulated device on VSP0 through the program (found there by discovery:
-// see Discovery.AMissingTreeFindsNothingAndDoesNotFail).
-class SimulatedPortTest : public testing::ProgramFixture {
- protected:
-  // Sentences five times a second keep the tests short.
-  [[nodiscard]] std::string ExtraRegistry() const override { return "SimulatedSentenceMs=dword:000000c8\n"; }
-  bool Play(uint32_t baud = 4800) {
-    state.Port.SelectedPort = u"VSP0:";
-    state.Port.SelectedBaud = baud;
-    state.Screen.RxClear();
-    state.Queue.SendCommand(cmd::kPlay);
-    return PumpUntil([&] { return state.Screen.IsButtonEnabled(cmd::kStop); });
-  }
-  bool Send(const std::u16string& text) {
-    state.Screen.SetTxText(text);
-    state.Queue.SendCommand(cmd::kSend);
-    return PumpUntil([&] { return !state.TxActive && state.Screen.TxEnabled(); });
-  }
-  size_t Count(const std::u16string& text) {
-    std::u16string rx = state.Screen.RxText();
-    size_t count = 0;
-    for (size_t at = rx.find(text); at != std::u16string::npos; at = rx.find(text, at + 1)) ++count;
-    return count;
-  }
-};
-
-TEST_F(SimulatedPortTest, ReadExactlyWithItsSettingAndAnswersWhatIsSent) {
-  EXPECT_EQ(state.Simulated.SimulatedSentenceMs, 200);
-  ASSERT_TRUE(Play());
-  std::u16string expected = core::BytesToWide(SimulatedSentences(0) + SimulatedSentences(1));
-  EXPECT_TRUE(PumpUntil([&] { return state.Screen.RxText().size() >= expected.size(); }));
-  EXPECT_EQ(state.Screen.RxText().substr(0, expected.size()), expected);
-  // It answers AT commands sent through the transmit path and echoes other lines.
-  ASSERT_TRUE(Send(u"AT[0D]"));
-  EXPECT_TRUE(PumpUntil([&] { return Count(u"OK\r\n") == 1; }));
-  ASSERT_TRUE(Send(u"hello[0D]"));
-  EXPECT_TRUE(PumpUntil([&] { return Count(u"hello\r\n") == 1; }));
-}
-
-TEST_F(SimulatedPortTest, AFileIsPacedByTheLine) {
-  ASSERT_TRUE(Play());
-  // Five chunks of 96 bytes: a second of line time at 4800 baud, where
-  // writing them takes a quarter of that.
-  std::string text;
-  for (int i = 0; i < 48; ++i) text += "ATI" + std::to_string(100000 + i) + "\r";
-  std::ofstream(folder.Path() + "/commands.txt", std::ios::binary) << text;
-  ASSERT_TRUE(Send(u"[File::" + core::Utf8ToWide(folder.Path()) + u"/commands.txt]"));
-  // The transfer ended only once the line had carried the file.
-  EXPECT_TRUE(CurrentPort(state)->DrainOutput(0));
-  EXPECT_TRUE(PumpUntil([&] { return Count(u"OK\r\n") == 48; }));
-}
-
-TEST_F(SimulatedPortTest, SurvivesManyOpensAndClosesAndAnExitWhileOpen) {
-  for (int i = 0; i < 20; ++i) {
-    ASSERT_TRUE(Play()) << i;
-    state.Queue.SendCommand(cmd::kStop);
-    ASSERT_TRUE(PumpUntil([&] { return state.Screen.IsButtonEnabled(cmd::kPlay) && !state.PortOpen; })) << i;
-  }
-  // Another line setting reads garbage; the hex view shows every byte, zeros
-  // included (text would stop at them).
-  state.Queue.SendCommand(cmd::kBinaryButton);
-  ASSERT_TRUE(Play(9600));
-  EXPECT_TRUE(PumpUntil([&] { return state.Screen.RxText().size() >= 600; }));
-  EXPECT_EQ(state.Screen.RxText().find(u"[24][47][50][47][47][41]"), std::u16string::npos);  // "$GPGGA"
 }
 
 }  // namespace

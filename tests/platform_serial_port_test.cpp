@@ -115,8 +115,7 @@ class PtyPortTest : public ::testing::Test {
 };
 
 // That a second opener is refused as busy, and reads and writes of bursts,
-// are shown through the program in serial_receive_test.cpp and
-// serial_transmit_test.cpp.
+// are shown through the program in serial_program_test.cpp.
 TEST_F(PtyPortTest, CustomRatesAndModemLinesAreAcceptedOnAPty) {
   std::string error;
   LineSettings custom{.Baud = 31250, .Rts = true, .Dtr = true};

@@ -105,7 +105,7 @@ TEST(ClosePort, ClearsTheLinesThatAreOnAndThrowsAwayUnsentOutput) {
 
 // Opening and closing a pty as the program's port. (That the open keeps
 // other openers out, and that closing lets them in again, is shown through
-// PLAY and STOP in serial_receive_test.cpp.)
+// PLAY and STOP in serial_program_test.cpp.)
 TEST(ConfigurePort, OnAPtyWhatCannotBeOpenedAndARefusedLineSetting) {
   platform::PtyPair pty;
   ASSERT_TRUE(pty.Valid());

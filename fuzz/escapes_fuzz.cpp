@@ -5,7 +5,6 @@
 // stands for. Also checks what the parser promises: it zeroes what it frees
 // and leaves the bytes behind the terminator alone.
 #include <algorithm>
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <vector>

@@ -1,11 +1,4 @@
 // Arbitrary bytes as an INI file: loading, reading back and saving must hold.
-#include <unistd.h>
-
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <string>
-
 #include "config/ini_store.h"
 #include "fuzz/fuzz_file.h"
 
@@ -17,10 +10,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::string value;
   store.Get("COMMs", "SelectedPort", value, 8);
   store.Get("", "", value, 3);
-  config::IniSave(store.Raw(), (file.Path() + ".out").c_str());
+  config::IniSave(store.Raw(), file.Out().c_str());
   // What was saved loads again.
   config::IniStore again;
-  again.Open(file.Path() + ".out", false);
-  std::remove((file.Path() + ".out").c_str());
+  again.Open(file.Out(), false);
   return 0;
 }

@@ -2,7 +2,6 @@
 // "Replace all" rule in one pass; this target replays the rule one match at
 // a time, exactly as a single replacement step is described, and requires
 // the same bytes, the same length and the same byte just past the end.
-#include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <vector>

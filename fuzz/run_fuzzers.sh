@@ -3,19 +3,11 @@
 # fails when any of them finds a crash, a leak or a sanitizer error.
 # Usage: fuzz/run_fuzzers.sh BUILD_DIR SECONDS
 set -eu
-
-if [ "$#" -ne 2 ]; then
-  echo "usage: $0 BUILD_DIR SECONDS" >&2
-  exit 2
-fi
-build_dir=$1
-seconds=$2
-
+fail() { echo "$1" >&2; exit 2; }
+[ "$#" -eq 2 ] || fail "usage: $0 BUILD_DIR SECONDS"
+build_dir=$1 seconds=$2
 targets=$(find "$build_dir/fuzz" -maxdepth 1 -type f -name '*_fuzz' -perm -u+x 2>/dev/null | sort)
-if [ -z "$targets" ]; then
-  echo "no fuzz targets in $build_dir/fuzz (configure with clang and -DWAVETRACE_FUZZ=ON)" >&2
-  exit 2
-fi
+[ -n "$targets" ] || fail "no fuzz targets in $build_dir/fuzz (configure with clang and -DWAVETRACE_FUZZ=ON)"
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT

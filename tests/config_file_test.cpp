@@ -14,6 +14,7 @@ namespace wavetrace::config {
 namespace {
 
 using core::AppState;
+using namespace std::string_literals;
 
 // Every persisted setting away from its default.
 void SetEverything(AppState& s) {
@@ -166,16 +167,12 @@ TEST_F(ConfigFileTest, AHandwrittenFileLoadsWithItsQuirks) {
         fresh.Port.PortPresent[3] = 1;                     // set by discovery
         fresh.Port.FriendlyName[2] = u"USB Serial Cable";  // a real driver name
       });
-  EXPECT_EQ(s->Port.PortPresent[3] + s->Port.PortPresent[4], 2);  // 3 is not cleared
-  EXPECT_EQ(s->Port.FriendlyName[1], u"My GPS");
-  EXPECT_EQ(s->Port.FriendlyName[2], u"USB Serial Cable");
-  EXPECT_EQ(s->Port.SelectedPort, u"COM4:");
-  EXPECT_EQ(s->Port.SelectedBaud, 115200u);
-  EXPECT_EQ(s->Port.CustomBauds_count, 3);
-  EXPECT_EQ(s->Port.CustomBaud_01, 31250u);
-  EXPECT_EQ(s->Data.Base, 10);
-  EXPECT_EQ(s->Data.modeASCII, 1);
-  EXPECT_EQ(s->Data.TxRepeatNum, 12u);
+  const auto& p = s->Port;
+  EXPECT_EQ(p.PortPresent[3] + p.PortPresent[4], 2);  // 3 is not cleared
+  EXPECT_EQ(std::pair(p.FriendlyName[1], p.FriendlyName[2]), std::pair(u"My GPS"s, u"USB Serial Cable"s));
+  EXPECT_EQ(std::tuple(p.SelectedPort, p.SelectedBaud, p.CustomBauds_count, p.CustomBaud_01),
+            std::tuple(u"COM4:"s, 115200u, 3, 31250u));
+  EXPECT_EQ(std::tuple(s->Data.Base, s->Data.modeASCII, s->Data.TxRepeatNum), std::tuple(10, 1, 12u));
   ASSERT_GT(s->LoadWarnings, 0);
   char warnings[16];
   std::snprintf(warnings, sizeof warnings, "]*\r\n(LW=%02d)", s->LoadWarnings);

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <sstream>
 
 #include "config/program_options.h"
 #include "config/registry_store.h"
@@ -11,43 +10,40 @@
 namespace wavetrace::config {
 namespace {
 
-using testing::RecordingFrontEnd;
-using testing::TempFolder;
-
-constexpr char kKeyHeader[] = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\n";
+constexpr char kKey[] = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro";
 
 class ProgramOptionsTest : public ::testing::Test {
  protected:
   void SetUp() override {
     state.View = &view;
-    file = folder.Path() + "/" + kRegistryFileName;
     state.RegistryFile = file;
   }
-  void WriteRegistry(const std::string& values) { std::ofstream(file) << kKeyHeader << values; }
-  std::string RegistryText() { return platform::ReadWholeFile(file).value_or(""); }
-  uint32_t Stored(const std::string& name) {
+  void WriteRegistry(const std::string& values) { std::ofstream(file) << "[" << kKey << "]\n" << values; }
+  // The four options as stored, in their order.
+  std::vector<uint32_t> Stored() {
     RegistryKey key;
     bool created = false;
-    EXPECT_TRUE(
-        RegistryStore(file).CreateKey("HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro", key, created));
-    uint32_t value = 0xDEAD;
-    EXPECT_TRUE(key.QueryDword(name, value)) << name;
-    return value;
+    EXPECT_TRUE(RegistryStore(file).CreateKey(kKey, key, created));
+    std::vector<uint32_t> values;
+    for (const char* name : {"DEFAULTcfg", "MULTIinst", "AcquireHWbuttons", "DisableIcon"}) {
+      values.push_back(0xDEAD);
+      EXPECT_TRUE(key.QueryDword(name, values.back())) << name;
+    }
+    return values;
   }
 
-  TempFolder folder;
-  std::string file;
+  testing::TempFolder folder;
+  std::string file = folder.Path() + "/" + kRegistryFileName;
   core::AppState state;
-  RecordingFrontEnd view;
+  testing::RecordingFrontEnd view;
 };
 
 TEST_F(ProgramOptionsTest, LoadRepairsTheKeyAndSaveKeepsOtherKeys) {
   // A fresh folder gets the key with the four options, zero and in their order.
   ASSERT_EQ(LoadProgramOptions(state), 0);
   EXPECT_EQ(state.ProgramOptions.Disposition, 1);
-  for (const char* name : {"DEFAULTcfg", "MULTIinst", "AcquireHWbuttons", "DisableIcon"})
-    EXPECT_EQ(Stored(name), 0u);
-  std::string text = RegistryText();
+  EXPECT_EQ(Stored(), std::vector<uint32_t>(4, 0));
+  std::string text = platform::ReadWholeFile(file).value_or("");
   EXPECT_LT(text.find("DEFAULTcfg"), text.find("MULTIinst"));
   EXPECT_LT(text.find("AcquireHWbuttons"), text.find("DisableIcon"));
   EXPECT_TRUE(view.Boxes().empty());
@@ -59,18 +55,18 @@ TEST_F(ProgramOptionsTest, LoadRepairsTheKeyAndSaveKeepsOtherKeys) {
   const auto& o = state.ProgramOptions;
   EXPECT_EQ(o.DEFAULTcfg + o.MULTIinst + o.DisableIcon, 0u);
   EXPECT_EQ(o.AcquireHWbuttons, 1u);
-  for (const char* name : {"DEFAULTcfg", "MULTIinst", "DisableIcon"}) EXPECT_EQ(Stored(name), 0u);
+  EXPECT_EQ(Stored(), (std::vector<uint32_t>{0, 0, 1, 0}));
   WriteRegistry("MULTIinst=dword:00000001\n");  // one option: the others are added
   state.ProgramOptions = {};
   ASSERT_EQ(LoadProgramOptions(state), 0);
-  for (const char* name : {"DEFAULTcfg", "AcquireHWbuttons", "DisableIcon"}) EXPECT_EQ(Stored(name), 0u);
+  EXPECT_EQ(Stored(), (std::vector<uint32_t>{0, 1, 0, 0}));
 
   // Saved options come back on the next load, and other keys survive.
   std::ofstream(file) << "[HKEY_CURRENT_USER\\Other]\nKeep=dword:0000002a\n";
   state.ProgramOptions = {};
   state.ProgramOptions.DEFAULTcfg = state.ProgramOptions.DisableIcon = 1;
   ASSERT_EQ(SaveProgramOptions(state), 0);
-  EXPECT_NE(RegistryText().find("Keep=dword:0000002a"), std::string::npos);
+  EXPECT_NE(platform::ReadWholeFile(file).value_or("").find("Keep=dword:0000002a"), std::string::npos);
   core::AppState next;
   next.RegistryFile = file;
   ASSERT_EQ(LoadProgramOptions(next), 0);
@@ -84,15 +80,16 @@ TEST_F(ProgramOptionsTest, VersionTest) {
     int expected;
     uint32_t major, minor;
   };
-  for (const auto& c : {Case{"MajorVersion=dword:00000002\nMinorVersion=dword:00000047\n", 0, 2, 71},
-                        Case{"MajorVersion=dword:00000002\nMinorVersion=dword:00000007\n", 1, 2, 7},
-                        Case{"MajorVersion=dword:00000002\nMinorVersion=dword:00000046\n", 1, 2, 70},
-                        Case{"MajorVersion=dword:00000002\n", 1, 0, 0}, Case{"", 1, 0, 0}}) {
+  const std::string major = "MajorVersion=dword:00000002\n";
+  for (const auto& c :
+       {Case{major + "MinorVersion=dword:00000047\n", 0, 2, 71},
+        Case{major + "MinorVersion=dword:00000007\n", 1, 2, 7},
+        Case{major + "MinorVersion=dword:00000046\n", 1, 2, 70}, Case{major, 1, 0, 0}, Case{"", 1, 0, 0}}) {
     WriteRegistry(c.values);
-    state.ProgramOptions.MajorVersion = state.ProgramOptions.MinorVersion = 0;
+    auto& o = state.ProgramOptions;
+    o.MajorVersion = o.MinorVersion = 0;
     EXPECT_EQ(IsRegisteredVersionCurrent(state), c.expected) << c.values;
-    EXPECT_EQ(state.ProgramOptions.MajorVersion, c.major) << c.values;
-    EXPECT_EQ(state.ProgramOptions.MinorVersion, c.minor) << c.values;
+    EXPECT_EQ(std::pair(o.MajorVersion, o.MinorVersion), std::pair(c.major, c.minor)) << c.values;
   }
   EXPECT_EQ(FormatVersion(2, 71), u"2.71");
   EXPECT_EQ(FormatVersion(0xFFFFFFFF, 5), u"-1.5");

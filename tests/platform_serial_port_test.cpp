@@ -16,6 +16,20 @@ namespace {
 
 using namespace std::chrono_literals;
 
+TEST(LineSettingText, ParsedAndFormatted) {
+  // A text and how it is formatted again; "" for a refused text.
+  using Case = std::pair<std::string, std::string>;
+  for (const auto& [text, formatted] :
+       {Case{"9600,7,E,1", "9600,7,E,1"}, Case{"4800,8,n,1", "4800,8,N,1"},
+        Case{"300,5,M,1.5", "300,5,M,1.5"}, Case{"115200,8,S,2", "115200,8,S,2"}, Case{"9600,9,N,1", ""},
+        Case{"9600,8,X,1", ""}, Case{"0,8,N,1", ""}, Case{"9600,8,N,3", ""}, Case{"9600", ""},
+        Case{"", ""}}) {
+    LineSettings line;
+    EXPECT_EQ(ParseLineSetting(text, line) ? FormatLineSetting(line) : "", formatted) << text;
+  }
+}
+
+// The record for a line setting over a terminal in cooked mode.
 TermiosRecord Map(const LineSettings& settings) {
   termios current{};
   current.c_iflag = ICRNL | IXON | ISTRIP;
@@ -27,89 +41,57 @@ TermiosRecord Map(const LineSettings& settings) {
   return record;
 }
 
-TEST(LineSettingText, ParsedAndFormatted) {
-  struct Case {
-    std::string text;
-    bool valid;
-    std::string formatted;
-  };
-  for (const auto& c :
-       {Case{"9600,7,E,1", true, "9600,7,E,1"}, Case{"4800,8,n,1", true, "4800,8,N,1"},
-        Case{"300,5,M,1.5", true, "300,5,M,1.5"}, Case{"115200,8,S,2", true, "115200,8,S,2"},
-        Case{"9600,9,N,1", false, ""}, Case{"9600,8,X,1", false, ""}, Case{"0,8,N,1", false, ""},
-        Case{"9600,8,N,3", false, ""}, Case{"9600", false, ""}, Case{"", false, ""}}) {
-    LineSettings line;
-    EXPECT_EQ(ParseLineSetting(c.text, line), c.valid) << c.text;
-    if (c.valid) {
-      EXPECT_EQ(FormatLineSetting(line), c.formatted) << c.text;
-    }
-  }
-}
-
-TEST(TermiosMapping, CharacterFormat) {
+TEST(TermiosMapping, CharacterFormatRawModeAndFlowControl) {
   struct Case {
     LineSettings settings;
-    tcflag_t size, parityFlags;
-    bool cstopb;
+    tcflag_t flags;  // size, parity and stop bits
   };
   for (const auto& c :
-       {Case{{.DataBits = 8}, CS8, 0, false},
-        Case{{.DataBits = 7, .ParityMode = Parity::kEven}, CS7, PARENB, false},
-        Case{{.DataBits = 7, .ParityMode = Parity::kOdd, .Stop = StopBits::kTwo}, CS7, PARENB | PARODD, true},
-        Case{{.DataBits = 6, .ParityMode = Parity::kMark}, CS6, PARENB | PARODD | CMSPAR, false},
+       {Case{{.DataBits = 8}, CS8}, Case{{.DataBits = 7, .ParityMode = Parity::kEven}, CS7 | PARENB},
+        Case{{.DataBits = 7, .ParityMode = Parity::kOdd, .Stop = StopBits::kTwo},
+             CS7 | PARENB | PARODD | CSTOPB},
+        Case{{.DataBits = 6, .ParityMode = Parity::kMark}, CS6 | PARENB | PARODD | CMSPAR},
         Case{{.DataBits = 5, .ParityMode = Parity::kSpace, .Stop = StopBits::kOneAndHalf},
-             CS5,
-             PARENB | CMSPAR,
-             true},
-        Case{{.DataBits = 8, .Stop = StopBits::kTwo}, CS8, 0, true}}) {
+             CS5 | PARENB | CMSPAR | CSTOPB},
+        Case{{.DataBits = 8, .Stop = StopBits::kTwo}, CS8 | CSTOPB}}) {
     tcflag_t cflag = Map(c.settings).Tio.c_cflag;
-    EXPECT_EQ(cflag & CSIZE, c.size) << c.settings.DataBits;
-    EXPECT_EQ(cflag & (PARENB | PARODD | CMSPAR), c.parityFlags) << static_cast<int>(c.settings.ParityMode);
-    EXPECT_EQ((cflag & CSTOPB) != 0, c.cstopb) << static_cast<int>(c.settings.Stop);
+    EXPECT_EQ(cflag & (CSIZE | PARENB | PARODD | CMSPAR | CSTOPB), c.flags) << c.settings.DataBits;
     EXPECT_EQ(cflag & (CREAD | CLOCAL), static_cast<tcflag_t>(CREAD | CLOCAL));
   }
-}
-
-TEST(TermiosMapping, RawModeAndFlowControl) {
   TermiosRecord r = Map(LineSettings{});
   EXPECT_EQ(r.Tio.c_iflag & (ICRNL | IXON | IXOFF | ISTRIP), 0u);
-  EXPECT_EQ(r.Tio.c_oflag & OPOST, 0u);
-  EXPECT_EQ(r.Tio.c_lflag & (ECHO | ICANON | ISIG), 0u);
-  EXPECT_EQ(r.Tio.c_cflag & CRTSCTS, 0u);
+  EXPECT_EQ((r.Tio.c_oflag & OPOST) | (r.Tio.c_lflag & (ECHO | ICANON | ISIG)) | (r.Tio.c_cflag & CRTSCTS),
+            0u);
   EXPECT_EQ(r.Tio.c_cc[VMIN] + r.Tio.c_cc[VTIME], 0);
   r = Map({.XonXoff = true, .CtsFlow = true});
   EXPECT_EQ(r.Tio.c_iflag & (IXON | IXOFF), static_cast<tcflag_t>(IXON | IXOFF));
   EXPECT_NE(r.Tio.c_cflag & CRTSCTS, 0u);
-  EXPECT_EQ(r.Tio.c_cc[VSTART], 17);
-  EXPECT_EQ(r.Tio.c_cc[VSTOP], 19);
+  EXPECT_EQ(std::pair(r.Tio.c_cc[VSTART], r.Tio.c_cc[VSTOP]), std::pair(cc_t{17}, cc_t{19}));
 }
 
-TEST(TermiosMapping, StandardAndCustomRates) {
-  struct Case {
-    uint32_t baud;
-    speed_t speed;
-  };
-  for (const auto& c :
-       {Case{50, B50}, Case{9600, B9600}, Case{115200, B115200}, Case{921600, B921600},
-        Case{4000000, B4000000}, Case{7200, 0}, Case{14400, 0}, Case{31250, 0}, Case{250000, 0}}) {
-    TermiosRecord r = Map({.Baud = c.baud});
-    EXPECT_EQ(r.StandardSpeed, c.speed) << c.baud;
-    EXPECT_EQ(r.Custom, c.speed == 0) << c.baud;
-    EXPECT_EQ(r.Rate, c.baud);
-    EXPECT_TRUE(c.speed == 0 || cfgetospeed(&r.Tio) == c.speed) << c.baud;
+TEST(TermiosMapping, StandardAndCustomRatesAndImpossibleRequests) {
+  // A rate without a Bxxx constant (speed 0) is set as a custom rate.
+  for (auto [baud, speed] : {std::pair<uint32_t, speed_t>{50, B50},
+                             {9600, B9600},
+                             {115200, B115200},
+                             {921600, B921600},
+                             {4000000, B4000000},
+                             {7200, 0},
+                             {14400, 0},
+                             {31250, 0},
+                             {250000, 0}}) {
+    TermiosRecord r = Map({.Baud = baud});
+    EXPECT_EQ(std::tuple(r.StandardSpeed, r.Custom, r.Rate), std::tuple(speed, speed == 0, baud)) << baud;
+    EXPECT_TRUE(speed == 0 || cfgetospeed(&r.Tio) == speed) << baud;
   }
-}
-
-TEST(TermiosMapping, ImpossibleRequestsAreRefusedInWords) {
-  struct Case {
-    LineSettings settings;
-    std::string text;
-  };
-  for (const auto& c : {Case{{.Baud = 0}, "0 baud"}, Case{{.DataBits = 9}, "9 data bits"},
-                        Case{{.DataBits = 4}, "4 data bits"},
-                        Case{{.DsrFlow = true}, "flow control by DSR is not available on Linux"}}) {
+  // Requests that cannot be met are refused in words.
+  for (const auto& [settings, text] :
+       {std::pair<LineSettings, std::string>{{.Baud = 0}, "0 baud"},
+        {{.DataBits = 9}, "9 data bits"},
+        {{.DataBits = 4}, "4 data bits"},
+        {{.DsrFlow = true}, "flow control by DSR is not available on Linux"}}) {
     TermiosRecord record;
-    EXPECT_NE(MakeTermios(c.settings, termios{}, record).find(c.text), std::string::npos) << c.text;
+    EXPECT_NE(MakeTermios(settings, termios{}, record).find(text), std::string::npos) << text;
   }
 }
 
@@ -123,19 +105,17 @@ class PtyPortTest : public ::testing::Test {
     std::string error;
     ASSERT_TRUE(port->Configure({.Baud = 115200}, error)) << error;
   }
+  int Write(const std::string& bytes, int timeoutMs = 1000) {
+    SysResult failure;
+    return port->Write(reinterpret_cast<const uint8_t*>(bytes.data()), static_cast<int>(bytes.size()),
+                       timeoutMs, failure);
+  }
   PtyPair pty;
   std::unique_ptr<SerialPort> port;
 };
 
-TEST_F(PtyPortTest, ASecondOpenerIsRefusedAsBusy) {
-  SysResult failure;
-  EXPECT_FALSE(OpenTermiosPort(pty.SlavePath(), failure));
-  EXPECT_TRUE(IsDeviceBusyOrGone(failure)) << failure.Errno << " " << failure.Operation;
-  port.reset();
-  EXPECT_TRUE(OpenTermiosPort(pty.SlavePath(), failure));
-  EXPECT_TRUE(failure);
-}
-
+// That a second opener is refused as busy, and reads and writes of bursts,
+// are shown through the program in serial_program_test.cpp.
 TEST_F(PtyPortTest, CustomRatesAndModemLinesAreAcceptedOnAPty) {
   std::string error;
   LineSettings custom{.Baud = 31250, .Rts = true, .Dtr = true};
@@ -145,30 +125,6 @@ TEST_F(PtyPortTest, CustomRatesAndModemLinesAreAcceptedOnAPty) {
   EXPECT_FALSE(refused);
   EXPECT_EQ(refused.Errno, 0);  // Linux's limit, not a failed call
   EXPECT_NE(error.find("DSR"), std::string::npos);
-}
-
-TEST_F(PtyPortTest, EventsBurstsAndWrites) {
-  std::string burst;
-  for (int i = 0; i < 20000; ++i) burst += static_cast<char>(i * 7 % 251);
-  std::thread device([&] { pty.Write(burst); });
-  std::string received;
-  uint8_t buffer[8192];
-  while (received.size() < burst.size()) {
-    ASSERT_EQ(port->WaitEvent(), event::kRxChar);
-    SysResult failure;
-    int n = port->Read(buffer, sizeof buffer, failure);
-    ASSERT_GE(n, 0);
-    received.append(reinterpret_cast<char*>(buffer), static_cast<size_t>(n));
-  }
-  device.join();
-  EXPECT_EQ(received, burst);
-
-  const std::string reply = "AT\r\x00\xff";
-  SysResult failure;
-  EXPECT_EQ(port->Write(reinterpret_cast<const uint8_t*>(reply.data()), static_cast<int>(reply.size()), 1000,
-                        failure),
-            static_cast<int>(reply.size()));
-  EXPECT_EQ(pty.Read(reply.size(), 2000), reply);
 }
 
 TEST_F(PtyPortTest, AZeroMaskOrTheDeviceGoingAwayEndsAPendingWait) {
@@ -193,43 +149,30 @@ TEST_F(PtyPortTest, AZeroMaskOrTheDeviceGoingAwayEndsAPendingWait) {
 // simulated device. What a pty does show: a write held up by a far side that
 // does not read ends when the port closes, so a close never waits for it.
 TEST_F(PtyPortTest, AClosingPortEndsAHeldWriteAndDrainsReturnAtOnce) {
-  const std::string small = "AT\r";
-  SysResult failure;
-  ASSERT_EQ(port->Write(reinterpret_cast<const uint8_t*>(small.data()), 3, 1000, failure), 3);
+  ASSERT_EQ(Write("AT\r"), 3);
   EXPECT_TRUE(port->DrainOutput(1000));
-  EXPECT_EQ(pty.Read(3, 2000), small);
+  EXPECT_EQ(pty.Read(3, 2000), "AT\r");
 
   const std::string big(4 << 20, 'x');  // far more than a pty holds
   constexpr int kWriteTimeoutMs = 20000;
   std::atomic<int> written{-2};
   auto start = std::chrono::steady_clock::now();
-  std::thread writer([&] {
-    SysResult writeFailure;
-    written = port->Write(reinterpret_cast<const uint8_t*>(big.data()), static_cast<int>(big.size()),
-                          kWriteTimeoutMs, writeFailure);
-  });
+  std::thread writer([&] { written = Write(big, kWriteTimeoutMs); });
   std::this_thread::sleep_for(100ms);
   port->Close();
   writer.join();
-  auto took = std::chrono::steady_clock::now() - start;
   EXPECT_GT(written, 0);
   EXPECT_LT(written, static_cast<int>(big.size()));
-  EXPECT_LT(took, std::chrono::milliseconds(kWriteTimeoutMs / 2));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(kWriteTimeoutMs / 2));
   EXPECT_FALSE(port->DrainOutput(1000));
 }
 
-TEST(TermiosPort, MissingDevicesAndNonTerminals) {
+// A device that is no terminal: Headless.APortThatFailsAtStartEndsTheRunWithOne.
+TEST(TermiosPort, AMissingDeviceFailsAsAnOpen) {
   SysResult failure;
   EXPECT_FALSE(OpenTermiosPort("/dev/does-not-exist-wavetrace", failure));
   EXPECT_EQ(failure.Errno, ENOENT);
   EXPECT_STREQ(failure.Operation, kOpenPortOperation);
-  auto notATerminal = OpenTermiosPort("/dev/null", failure);
-  ASSERT_TRUE(notATerminal);
-  std::string refusal = "stale";
-  // Reading the line setting fails with the system's code and no words.
-  failure = notATerminal->Configure(LineSettings{}, refusal);
-  EXPECT_EQ(failure.Errno, ENOTTY);
-  EXPECT_TRUE(refusal.empty());
 }
 
 }  // namespace

@@ -11,40 +11,38 @@ namespace {
 
 using namespace std::chrono_literals;
 
-void WaitUntil(const std::function<bool()>& condition) {
+bool WaitUntil(const std::function<bool()>& condition) {
   auto deadline = std::chrono::steady_clock::now() + 10s;
   while (!condition() && std::chrono::steady_clock::now() < deadline) std::this_thread::sleep_for(1ms);
+  return condition();
 }
 
-TEST(SuspendableThread, CreatedSuspendedStartsOnlyWhenResumed) {
+TEST(SuspendableThread, CreatedSuspendedStartsOnlyWhenResumedAndAResumeBeforeTheParkIsNotLost) {
   std::atomic<int> runs{0};
-  SuspendableThread thread(
+  SuspendableThread suspended(
       "t", [&](SuspendableThread&) { ++runs; }, true);
-  WaitUntil([&] { return thread.IsParked(); });
+  ASSERT_TRUE(WaitUntil([&] { return suspended.IsParked(); }));
   EXPECT_EQ(runs, 0);
-  EXPECT_TRUE(thread.Resume());
-  WaitUntil([&] { return thread.HasEnded(); });
+  EXPECT_TRUE(suspended.Resume());
+  ASSERT_TRUE(WaitUntil([&] { return suspended.HasEnded(); }));
   EXPECT_EQ(runs, 1);
-  EXPECT_FALSE(thread.Resume());
-}
+  EXPECT_FALSE(suspended.Resume());
 
-TEST(SuspendableThread, AResumeBeforeTheParkIsNotLost) {
-  std::atomic<bool> readyToPark{false};
-  std::atomic<bool> passed{false};
-  SuspendableThread thread(
+  std::atomic<bool> readyToPark{false}, passed{false};
+  SuspendableThread busy(
       "t",
       [&](SuspendableThread& self) {
         while (!readyToPark) std::this_thread::yield();
         passed = self.Park();
       },
       false);
-  EXPECT_TRUE(thread.Resume());  // arrives while the thread is still busy
+  EXPECT_TRUE(busy.Resume());  // arrives while the thread is still busy
   readyToPark = true;
-  WaitUntil([&] { return thread.HasEnded(); });
+  ASSERT_TRUE(WaitUntil([&] { return busy.HasEnded(); }));
   EXPECT_TRUE(passed);
 }
 
-TEST(SuspendableThread, ParkResumeCyclesAndStop) {
+TEST(SuspendableThread, ParkResumeCyclesStopAndAStopCutsASleepShort) {
   std::atomic<int> cycles{0};
   SuspendableThread thread(
       "t",
@@ -53,22 +51,19 @@ TEST(SuspendableThread, ParkResumeCyclesAndStop) {
       },
       false);
   for (int i = 1; i <= 5; ++i) {
-    WaitUntil([&] { return thread.IsParked(); });
+    ASSERT_TRUE(WaitUntil([&] { return thread.IsParked(); }));
     thread.Resume();
-    WaitUntil([&] { return cycles == i; });
+    ASSERT_TRUE(WaitUntil([&] { return cycles == i; }));
   }
-  EXPECT_EQ(cycles, 5);
   thread.RequestStop();
   thread.Join();
   EXPECT_TRUE(thread.HasEnded());
   EXPECT_EQ(cycles, 5);
-}
 
-TEST(SuspendableThread, StopCutsASleepShort) {
   std::atomic<bool> slept{true};
   auto start = std::chrono::steady_clock::now();
   {
-    SuspendableThread thread(
+    SuspendableThread sleeper(
         "t", [&](SuspendableThread& self) { slept = self.SleepFor(60'000); }, false);
     std::this_thread::sleep_for(10ms);
   }  // the destructor stops and joins

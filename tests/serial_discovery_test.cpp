@@ -12,66 +12,45 @@ namespace wavetrace::serial {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::TempFolder;
 
-// A fake /sys/class/tty with the device folders behind it.
-class FakeSysfs {
- public:
-  explicit FakeSysfs(const std::string& root) : root_(root) {
-    fs::create_directories(root_ / "class/tty");
-    fs::create_directories(root_ / "by-id");
-    sources.SysClassTty = (root_ / "class/tty").string();
-    sources.SerialById = (root_ / "by-id").string();
-    sources.DevFolder = "/dev";
-  }
-  // A USB serial adapter: tty -> interface -> USB device with attributes.
-  void AddUsb(const std::string& tty, const std::string& product, const std::string& vendor = "0403",
-              const std::string& byId = "", const std::string& manufacturer = "") {
-    fs::path usb = root_ / "devices/usb1" / ("1-" + std::to_string(++usbCount_));
-    fs::path iface = usb / "1-1:1.0" / tty;
-    fs::create_directories(iface);
-    Write(usb / "idVendor", vendor);
-    Write(usb / "product", product);
-    if (!manufacturer.empty()) Write(usb / "manufacturer", manufacturer);
-    AddTty(tty, iface);
-    if (!byId.empty()) fs::create_symlink("../../" + tty, root_ / "by-id" / byId);
-  }
-  void AddUart(const std::string& tty, const std::string& type) {
-    fs::path platform = root_ / "devices/platform/serial8250" / tty;
-    fs::create_directories(platform);
-    AddTty(tty, platform);
-    Write(root_ / "class/tty" / tty / "type", type);
-  }
-  void AddVirtual(const std::string& tty) { fs::create_directories(root_ / "class/tty" / tty); }
-  // Everything unplugged.
-  void Clear() {
-    for (const char* folder : {"class/tty", "by-id"}) {
-      fs::remove_all(root_ / folder);
-      fs::create_directories(root_ / folder);
-    }
-  }
-
-  DiscoverySources sources;
-
- private:
-  void AddTty(const std::string& tty, const fs::path& device) {
-    fs::create_directories(root_ / "class/tty" / tty);
-    fs::create_directory_symlink(device, root_ / "class/tty" / tty / "device");
-  }
-  static void Write(const fs::path& file, const std::string& text) { std::ofstream(file) << text << "\n"; }
-
-  fs::path root_;
-  int usbCount_ = 0;
-};
-
+// A fake /sys/class/tty with the device folders behind it, in a fresh folder.
 class DiscoveryTest : public ::testing::Test {
  protected:
-  void SetUp() override { state.RegistryFile = folder.Path() + "/registry.txt"; }
+  void SetUp() override { Clear(); }
+  // A USB serial adapter: tty -> interface -> USB device with attributes.
+  void AddUsb(const std::string& tty, const std::string& product, const std::string& vendor,
+              const std::string& byId, const std::string& manufacturer = "") {
+    fs::path usb = root / "devices/usb1" / ("1-" + std::to_string(++usbCount));
+    fs::create_directories(usb / "1-1:1.0" / tty);
+    std::ofstream(usb / "idVendor") << vendor << "\n";
+    std::ofstream(usb / "product") << product << "\n";
+    if (!manufacturer.empty()) std::ofstream(usb / "manufacturer") << manufacturer << "\n";
+    AddTty(tty, usb / "1-1:1.0" / tty);
+    fs::create_symlink("../../" + tty, root / "by-id" / byId);
+  }
+  void AddUart(const std::string& tty, const std::string& type) {
+    AddTty(tty, root / "devices/platform/serial8250" / tty);
+    std::ofstream(root / "class/tty" / tty / "type") << type << "\n";
+  }
+  void AddTty(const std::string& tty, const fs::path& device = {}) {
+    fs::create_directories(root / "class/tty" / tty);
+    if (device.empty()) return;  // a virtual terminal
+    fs::create_directories(device);
+    fs::create_directory_symlink(device, root / "class/tty" / tty / "device");
+  }
+  // Everything unplugged.
+  void Clear() {
+    for (const char* tree : {"class/tty", "by-id"}) {
+      fs::remove_all(root / tree);
+      fs::create_directories(root / tree);
+    }
+  }
   std::unique_ptr<core::AppState> Discover() {
     auto fresh = std::make_unique<core::AppState>();
-    fresh->RegistryFile = state.RegistryFile;
-    fresh->VirtualPortPath = state.VirtualPortPath;
-    EXPECT_EQ(app::DiscoverPorts(*fresh, sys.sources), 1);
+    fresh->RegistryFile = folder.Path() + "/registry.txt";
+    fresh->VirtualPortPath = virtualPorts;
+    EXPECT_EQ(app::DiscoverPorts(*fresh, {(root / "class/tty").string(), (root / "by-id").string(), "/dev"}),
+              1);
     return fresh;
   }
   // The name and device path of a slot.
@@ -80,21 +59,20 @@ class DiscoveryTest : public ::testing::Test {
     return {s.Port.FriendlyName[slot], s.PortDevicePath[slot]};
   }
 
-  TempFolder folder;
-  FakeSysfs sys{folder.Path() + "/sys"};
-  core::AppState state;
+  testing::TempFolder folder;
+  fs::path root = folder.Path() + "/sys";
+  int usbCount = 0;
+  decltype(core::AppState::VirtualPortPath) virtualPorts;
 };
 
 TEST_F(DiscoveryTest, KindsOfDevicesAndTheirNames) {
-  sys.AddUsb("ttyUSB0", "FT232R USB UART", "0403", "usb-FTDI_FT232R_USB_UART_A1-if00-port0");
-  sys.AddUsb("ttyUSB1", "USB-Serial Controller", "067b", "usb-Prolific_USB-Serial_Controller-if00-port0");
-  sys.AddUsb("ttyACM0", "u-blox 7 - GPS/GNSS Receiver", "1546", "usb-u-blox_AG-if00");
-  sys.AddUsb("ttyACM1", "Receiver", "1234", "usb-Acme_Receiver-if00", "Acme GPS");
-  sys.AddVirtual("rfcomm0");
-  sys.AddUart("ttyS0", "4");
-  sys.AddUart("ttyS1", "0");  // phantom
-  sys.AddVirtual("tty1");
-  sys.AddVirtual("ptmx");
+  AddUsb("ttyUSB0", "FT232R USB UART", "0403", "usb-FTDI_FT232R_USB_UART_A1-if00-port0");
+  AddUsb("ttyUSB1", "USB-Serial Controller", "067b", "usb-Prolific_USB-Serial_Controller-if00-port0");
+  AddUsb("ttyACM0", "u-blox 7 - GPS/GNSS Receiver", "1546", "usb-u-blox_AG-if00");
+  AddUsb("ttyACM1", "Receiver", "1234", "usb-Acme_Receiver-if00", "Acme GPS");
+  AddUart("ttyS0", "4");
+  AddUart("ttyS1", "0");  // phantom
+  for (const char* tty : {"rfcomm0", "tty1", "ptmx"}) AddTty(tty);
 
   auto s = Discover();
   // Ordered by stable name: rfcomm0, ttyS0, usb-Acme, usb-FTDI, usb-Prolific (a hyphen: not shown),
@@ -104,45 +82,40 @@ TEST_F(DiscoveryTest, KindsOfDevicesAndTheirNames) {
       {u"GPS Serial Port COM3:", "/dev/ttyACM1"},         {u"FT232R USB UART", "/dev/ttyUSB0"},
       {u"Serial connection using COM5:", "/dev/ttyUSB1"}, {u"GPS Serial Port COM6:", "/dev/ttyACM0"},
   };
-  for (size_t slot = 0; slot < 10; ++slot) {
-    const bool present = slot >= 1 && slot <= 6;
-    EXPECT_EQ(s->Port.PortPresent[slot], present ? 1 : 0) << slot;
-    if (present) {
-      EXPECT_EQ(Slot(*s, slot), expected[slot - 1]) << slot;
-    }
-  }
+  for (size_t slot = 0; slot < 10; ++slot)
+    EXPECT_EQ(s->Port.PortPresent[slot], slot >= 1 && slot <= 6) << slot;
+  for (size_t slot = 1; slot <= 6; ++slot) EXPECT_EQ(Slot(*s, slot), expected[slot - 1]) << slot;
 }
 
 TEST_F(DiscoveryTest, ADeviceKeepsItsNumberAcrossRunsAndReplugging) {
-  sys.AddUsb("ttyUSB0", "Adapter B", "0403", "usb-B-port0");
-  sys.AddUsb("ttyUSB1", "Adapter C", "0403", "usb-C-port0");
+  AddUsb("ttyUSB0", "Adapter B", "0403", "usb-B-port0");
+  AddUsb("ttyUSB1", "Adapter C", "0403", "usb-C-port0");
   auto first = Discover();
   EXPECT_EQ(Slot(*first, 1), NameAndPath(u"Adapter B", "/dev/ttyUSB0"));
   EXPECT_EQ(Slot(*first, 2), NameAndPath(u"Adapter C", "/dev/ttyUSB1"));
   // B is unplugged; A, which sorts first, arrives; C now enumerates as ttyUSB0. 1 stays B's.
-  sys.Clear();
-  sys.AddUsb("ttyUSB0", "Adapter C", "0403", "usb-C-port0");
-  sys.AddUsb("ttyUSB1", "Adapter A", "0403", "usb-A-port0");
+  Clear();
+  AddUsb("ttyUSB0", "Adapter C", "0403", "usb-C-port0");
+  AddUsb("ttyUSB1", "Adapter A", "0403", "usb-A-port0");
   auto second = Discover();
   EXPECT_EQ(second->Port.PortPresent[1], 0);
   EXPECT_EQ(Slot(*second, 2), NameAndPath(u"Adapter C", "/dev/ttyUSB0"));
   EXPECT_EQ(Slot(*second, 3), NameAndPath(u"Adapter A", "/dev/ttyUSB1"));
   // B comes back and finds its number.
-  sys.AddUsb("ttyUSB2", "Adapter B", "0403", "usb-B-port0");
+  AddUsb("ttyUSB2", "Adapter B", "0403", "usb-B-port0");
   EXPECT_EQ(Slot(*Discover(), 1), NameAndPath(u"Adapter B", "/dev/ttyUSB2"));
 }
 
 TEST_F(DiscoveryTest, MoreThanNineDevicesAndVirtualPorts) {
   for (int i = 0; i < 11; ++i)
-    sys.AddUsb("ttyUSB" + std::to_string(i), "Hub port", "0403", "usb-hub-" + std::to_string(i));
+    AddUsb("ttyUSB" + std::to_string(i), "Hub port", "0403", "usb-hub-" + std::to_string(i));
   std::ofstream(folder.Path() + "/vport") << "";
-  state.VirtualPortPath[11] = folder.Path() + "/vport";
-  state.VirtualPortPath[12] = folder.Path() + "/missing";
+  virtualPorts[11] = folder.Path() + "/vport";
+  virtualPorts[12] = folder.Path() + "/missing";
   auto s = Discover();
   // Nine COM slots, the simulated device on VSP0 and the virtual port that exists.
-  for (size_t slot = 0; slot <= 12; ++slot) {
+  for (size_t slot = 0; slot <= 12; ++slot)
     EXPECT_EQ(s->Port.PortPresent[slot], (slot >= 1 && slot <= 11) ? 1 : 0) << slot;
-  }
   EXPECT_EQ(s->PortDevicePath[11], folder.Path() + "/vport");
 }
 
@@ -156,16 +129,14 @@ TEST(DisplayNames, Vetting) {
 }
 
 TEST(Discovery, AMissingTreeFindsNothingAndDoesNotFail) {
-  core::AppState bare;
+  core::AppState bare, off;
   DiscoverySources nowhere{"/nonexistent/class/tty", "/nonexistent/by-id", "/dev"};
   PortNumbers numbers;
   EXPECT_EQ(DiscoverPorts(bare, numbers, nowhere), 1);
-  // Only the simulated device is there, on VSP0.
-  for (int slot = 0; slot < core::kPortSlots; ++slot) {
-    EXPECT_EQ(bare.Port.PortPresent[static_cast<size_t>(slot)], slot == 10 ? 1 : 0) << slot;
-  }
+  // Only the simulated device is there, on VSP0, unless it is switched off.
+  for (size_t slot = 0; slot < core::kPortSlots; ++slot)
+    EXPECT_EQ(bare.Port.PortPresent[slot], slot == 10) << slot;
   EXPECT_EQ(bare.Port.FriendlyName[10], u"Simulated device");
-  core::AppState off;
   off.Simulated.SimulatedDevice = false;
   DiscoverPorts(off, numbers, nowhere);
   EXPECT_EQ(off.Port.PortPresent[10], 0);

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <functional>
 
 #include "app/comm_properties.h"
 #include "core/code_page.h"
@@ -12,6 +13,10 @@
 namespace wavetrace::serial {
 namespace {
 
+using namespace std::string_literals;
+using platform::Parity;
+using platform::StopBits;
+
 TEST(WriteTimeouts, FromTheLineSpeed) {
   struct Case {
     uint32_t baud, multiplier, constant;
@@ -19,28 +24,27 @@ TEST(WriteTimeouts, FromTheLineSpeed) {
   for (const auto& c : {Case{9600, 4, 989}, Case{115200, 1, 934}, Case{230400, 1, 929}, Case{4000000, 1, 929},
                         Case{300, 97, 2849}, Case{57600, 1, 939}, Case{0, 0, 0}}) {
     WriteTimeouts t = ComputeWriteTimeouts(c.baud);
-    EXPECT_EQ(t.Multiplier, c.multiplier) << c.baud;
-    EXPECT_EQ(t.Constant, c.constant) << c.baud;
+    EXPECT_EQ(std::pair(t.Multiplier, t.Constant), std::pair(c.multiplier, c.constant)) << c.baud;
   }
 }
 
 TEST(PortSettings, LineSettingFromTheSettingsTexts) {
-  core::PortSettings port;
   struct Case {
-    std::u16string parity;
-    platform::Parity expected;
+    std::u16string parity, stop;
+    Parity expectedParity;
+    StopBits expectedStop;
   };
-  for (const auto& c : {Case{u"None", platform::Parity::kNone}, Case{u"Odd", platform::Parity::kOdd},
-                        Case{u"Even", platform::Parity::kEven}, Case{u"Mark", platform::Parity::kMark},
-                        Case{u"Space", platform::Parity::kSpace}, Case{u"odd", platform::Parity::kNone}}) {
+  core::PortSettings port;
+  for (const auto& c : {Case{u"None", u"1", Parity::kNone, StopBits::kOne},
+                        Case{u"Odd", u"1.5", Parity::kOdd, StopBits::kOneAndHalf},
+                        Case{u"Even", u"2", Parity::kEven, StopBits::kTwo},
+                        Case{u"Mark", u"1", Parity::kMark, StopBits::kOne},
+                        Case{u"Space", u"1", Parity::kSpace, StopBits::kOne},
+                        Case{u"odd", u"3", Parity::kNone, StopBits::kOne}}) {
     port.Parity = c.parity;
-    EXPECT_EQ(LineSettingsOf(port).ParityMode, c.expected) << core::WideToUtf8(c.parity);
-  }
-  for (auto [text, stop] :
-       {std::pair{u"1", platform::StopBits::kOne}, std::pair{u"1.5", platform::StopBits::kOneAndHalf},
-        std::pair{u"2", platform::StopBits::kTwo}}) {
-    port.StopBits = text;
-    EXPECT_EQ(LineSettingsOf(port).Stop, stop);
+    port.StopBits = c.stop;
+    EXPECT_EQ(LineSettingsOf(port).ParityMode, c.expectedParity) << core::WideToUtf8(c.parity);
+    EXPECT_EQ(LineSettingsOf(port).Stop, c.expectedStop) << core::WideToUtf8(c.stop);
   }
   port.XON = 1;
   port.RTS = 2;  // only 1 means on
@@ -53,15 +57,13 @@ TEST(PortNames, SelectedPortResolution) {
   state.PortDevicePath[3] = "/dev/ttyUSB0";
   state.PortDevicePath[10] = "/dev/sim";
   state.Port.RawIrPort = u"COM3:";
-  struct Case {
-    std::u16string selected;
-    std::string path;
-  };
-  for (const auto& c : {Case{u"COM3:", "/dev/ttyUSB0"}, Case{u"VSP0:", "/dev/sim"},
-                        Case{u"RawIr", "/dev/ttyUSB0"}, Case{u"/dev/ttyACM7", "/dev/ttyACM7"}, Case{u"", ""},
-                        Case{u"COM3", ""}, Case{u"COM4:", ""}, Case{u"XYZ1:", ""}, Case{u"COM10:", ""}}) {
-    state.Port.SelectedPort = c.selected;
-    EXPECT_EQ(ResolvePortPath(state), c.path) << core::WideToUtf8(c.selected);
+  using Case = std::pair<std::u16string, std::string>;
+  for (const auto& [selected, path] :
+       {Case{u"COM3:", "/dev/ttyUSB0"}, Case{u"VSP0:", "/dev/sim"}, Case{u"RawIr", "/dev/ttyUSB0"},
+        Case{u"/dev/ttyACM7", "/dev/ttyACM7"}, Case{u"", ""}, Case{u"COM3", ""}, Case{u"COM4:", ""},
+        Case{u"XYZ1:", ""}, Case{u"COM10:", ""}}) {
+    state.Port.SelectedPort = selected;
+    EXPECT_EQ(ResolvePortPath(state), path) << core::WideToUtf8(selected);
   }
 }
 
@@ -88,8 +90,7 @@ class RecordingPort : public platform::SerialPort {
 };
 
 TEST(ClosePort, ClearsTheLinesThatAreOnAndThrowsAwayUnsentOutput) {
-  for (auto [rts, dtr] :
-       {std::pair{0, 0}, std::pair{1, 0}, std::pair{0, 1}, std::pair{1, 1}, std::pair{2, 1}}) {
+  for (auto [rts, dtr] : {std::pair{0, 0}, {1, 0}, {0, 1}, {1, 1}, {2, 1}}) {
     core::AppState state;
     state.Port.RTS = rts;
     state.Port.DTR = dtr;
@@ -97,70 +98,44 @@ TEST(ClosePort, ClearsTheLinesThatAreOnAndThrowsAwayUnsentOutput) {
     state.PortHandle = port;
     state.PortOpen = true;
     ClosePort(state);
-    EXPECT_EQ(port->rtsCleared, rts == 1) << rts << dtr;
-    EXPECT_EQ(port->dtrCleared, dtr == 1) << rts << dtr;
-    EXPECT_TRUE(port->discardedWhileOpen);
-    EXPECT_TRUE(port->closed);
-    EXPECT_FALSE(state.PortOpen);
+    EXPECT_EQ(std::pair(port->rtsCleared, port->dtrCleared), std::pair(rts == 1, dtr == 1)) << rts << dtr;
+    EXPECT_TRUE(port->discardedWhileOpen && port->closed && !state.PortOpen);
   }
 }
 
-class PortOnPtyTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    ASSERT_TRUE(pty.Valid());
-    state.View = &view;
-    state.Port.SelectedPort = core::Utf8ToWide(pty.SlavePath());
-  }
+// Opening and closing a pty as the program's port. (That the open keeps
+// other openers out, and that closing lets them in again, is shown through
+// PLAY and STOP in serial_program_test.cpp.)
+TEST(ConfigurePort, OnAPtyWhatCannotBeOpenedAndARefusedLineSetting) {
   platform::PtyPair pty;
+  ASSERT_TRUE(pty.Valid());
   core::AppState state;
   testing::RecordingFrontEnd view;
-};
-
-TEST_F(PortOnPtyTest, ConfigureOpenAndClose) {
+  state.View = &view;
+  state.Port.SelectedPort = core::Utf8ToWide(pty.SlavePath());
   state.Port.SelectedBaud = 9600;
   ASSERT_EQ(ConfigurePort(state), 1);
   EXPECT_TRUE(state.PortOpen);
-  EXPECT_EQ(state.WriteTotalTimeoutMultiplier, 4u);
-  EXPECT_EQ(state.WriteTotalTimeoutConstant, 989u);
-  // Another program (or a second open) is kept out.
-  platform::SysResult failure;
-  EXPECT_FALSE(platform::OpenTermiosPort(pty.SlavePath(), failure));
-  EXPECT_TRUE(platform::IsDeviceBusyOrGone(failure));
+  EXPECT_EQ(std::pair(state.WriteTotalTimeoutMultiplier, state.WriteTotalTimeoutConstant),
+            std::pair(4u, 989u));
   ClosePort(state);
-  EXPECT_FALSE(state.PortOpen);
-  EXPECT_FALSE(CurrentPort(state));
+  EXPECT_FALSE(state.PortOpen || CurrentPort(state));
   EXPECT_EQ(state.Screen.Status(), u"Port closed.");
-  EXPECT_TRUE(platform::OpenTermiosPort(pty.SlavePath(), failure));
-}
 
-TEST_F(PortOnPtyTest, NothingToOpen) {
-  struct Case {
-    const char16_t* selected;
-    int code;  // a name that stands for no device has no system code
-  };
-  for (const Case& c :
-       {Case{u"", 0}, Case{u"COM1", 0}, Case{u"COM2:", 0}, Case{u"/dev/nonexistent-wavetrace", ENOENT}}) {
-    state.Port.SelectedPort = c.selected;
+  // A name that stands for no device has no system code; the caller reports these.
+  for (auto [selected, code] :
+       {std::pair{u"", 0}, {u"COM1", 0}, {u"COM2:", 0}, {u"/dev/nonexistent-wavetrace", ENOENT}}) {
+    state.Port.SelectedPort = selected;
     platform::SysResult failure;
-    EXPECT_EQ(ConfigurePort(state, failure), 0) << core::WideToUtf8(c.selected);
+    EXPECT_EQ(ConfigurePort(state, failure), 0) << core::WideToUtf8(selected);
     EXPECT_FALSE(failure);
-    EXPECT_EQ(failure.Errno, c.code) << core::WideToUtf8(c.selected);
+    EXPECT_EQ(failure.Errno, code) << core::WideToUtf8(selected);
     EXPECT_FALSE(state.PortOpen);
   }
-  EXPECT_TRUE(view.Boxes().empty());  // the caller reports these
-}
+  EXPECT_TRUE(view.Boxes().empty());
 
-TEST_F(PortOnPtyTest, ADeviceWithoutALineSettingIsNamedOnceWithTheSystemText) {
-  state.Port.SelectedPort = u"/dev/null";
-  EXPECT_EQ(ConfigurePort(state), 0);
-  EXPECT_FALSE(state.PortOpen);
-  ASSERT_EQ(view.Boxes().size(), 1u);
-  std::u16string words = core::Utf8ToWide(platform::ErrorText(ENOTTY));
-  EXPECT_EQ(view.Boxes()[0].text, u"ConfigurePort::GetCommState: Error code=25 (0x19) (" + words + u")");
-}
-
-TEST_F(PortOnPtyTest, ARefusedLineSettingIsReportedAndClosesThePort) {
+  // A line setting the system refuses is reported, and the port is closed again.
+  state.Port.SelectedPort = core::Utf8ToWide(pty.SlavePath());
   state.Port.DsrFlow = 1;
   EXPECT_EQ(ConfigurePort(state), 0);
   EXPECT_FALSE(state.PortOpen);
@@ -177,82 +152,59 @@ TEST_F(PortOnPtyTest, ARefusedLineSettingIsReportedAndClosesThePort) {
 namespace wavetrace::app {
 namespace {
 
-TEST(CommProperties, SlotNamesAndTheCustomRate) {
+using namespace std::string_literals;
+
+TEST(CommProperties, SlotNamesTheCustomRateAndPortListLines) {
   for (int slot = 0; slot < core::kPortSlots; ++slot)
     EXPECT_EQ(core::PortSlotOfName(core::PortSlotName(slot)), slot);
   EXPECT_EQ(core::PortSlotName(3), u"COM3:");
   EXPECT_EQ(core::PortSlotName(10), u"VSP0:");
   core::PortSettings port;
   SetBaud(port, 115200);
-  EXPECT_EQ(port.SelectedBaud, 115200u);
-  EXPECT_EQ(port.CustomBaud_01, 0u);
+  EXPECT_EQ(std::pair(port.SelectedBaud, port.CustomBaud_01), std::pair(115200u, 0u));
   SetBaud(port, 31250);
-  EXPECT_EQ(port.CustomBaud_01, 31250u);
-  EXPECT_EQ(port.CustomBauds_count, 1);
+  EXPECT_EQ(std::pair(port.CustomBaud_01, port.CustomBauds_count), std::pair(31250u, 1));
   SetBaud(port, 9600);  // a standard rate leaves the custom one in its slot
   EXPECT_EQ(port.CustomBaud_01, 31250u);
-}
-
-TEST(CommProperties, PortListLines) {
-  struct Case {
-    int slot;
-    std::u16string name;
-    std::string path;
-    std::u16string line;
-  };
-  for (const auto& c :
-       {Case{10, u"Simulated device", serial::kSimulatedDevicePath,
-             u"VSP0:  Simulated device  (simulated device)"},
-        Case{3, u"USB Serial", "/dev/ttyUSB0", u"COM3:  USB Serial  (/dev/ttyUSB0)"},
-        Case{11, u"", "/dev/pts/4", u"VSP1:  (/dev/pts/4)"}, Case{1, u"Serial", "", u"COM1:  Serial"}}) {
-    EXPECT_EQ(PortListLine(c.slot, c.name, c.path), c.line) << c.path;
-  }
+  // Lines with a name and a device path are shown in qt/comm_properties_test.cpp.
+  EXPECT_EQ(PortListLine(10, u"Simulated device", serial::kSimulatedDevicePath),
+            u"VSP0:  Simulated device  (simulated device)");
+  EXPECT_EQ(PortListLine(11, u"", "/dev/pts/4"), u"VSP1:  (/dev/pts/4)");
 }
 
 TEST(CommProperties, ChangingBackToTheLoadedPortBringsItsLineSettingBack) {
   core::AppState state;
-  state.Port.SelectedPort = u"COM3:";
-  state.Port.SelectedBaud = 4800;
-  state.Port.Parity = u"Even";
-  state.Port.XON = 1;
-  state.Snapshot.Port = state.Port;
-
-  core::PortSettings edited = state.Port;
-  edited.SelectedPort = u"COM5:";
-  edited.SelectedBaud = 115200;
-  edited.Parity = u"None";
-  edited.XON = 0;
-  EXPECT_EQ(ApplyPortPages(state, edited), 1);
-  EXPECT_EQ(state.Port.SelectedBaud, 115200u);
-
+  core::PortSettings& p = state.Port;
+  p.SelectedPort = u"COM3:";
+  p.SelectedBaud = 4800;
+  p.Parity = u"Even";
+  p.XON = 1;
+  state.Snapshot.Port = p;
+  // The pages as they stand with a port (and a rate) chosen and other changes made.
+  auto apply = [&](const char16_t* port, uint32_t baud,
+                   const std::function<void(core::PortSettings&)>& more) {
+    core::PortSettings edited = p;
+    edited.SelectedPort = port;
+    if (baud) edited.SelectedBaud = baud;
+    more(edited);
+    return ApplyPortPages(state, edited);
+  };
+  auto none = [](core::PortSettings&) {};
+  EXPECT_EQ(apply(u"COM5:", 115200, [](core::PortSettings& e) { e.Parity = u"None", e.XON = 0; }), 1);
+  EXPECT_EQ(p.SelectedBaud, 115200u);
   // Back on COM3: the loaded line setting returns...
-  edited = state.Port;
-  edited.SelectedPort = u"COM3:";
-  ApplyPortPages(state, edited);
-  EXPECT_EQ(state.Port.SelectedPort, u"COM3:");
-  EXPECT_EQ(state.Port.SelectedBaud, 4800u);
-  EXPECT_EQ(state.Port.Parity, u"Even");
-  EXPECT_EQ(state.Port.XON, 1);
-
+  apply(u"COM3:", 0, none);
+  EXPECT_EQ(std::tuple(p.SelectedPort, p.SelectedBaud, p.Parity, p.XON),
+            std::tuple(u"COM3:"s, 4800u, u"Even"s, 1));
   // ...except what was typed on the other pages in the same visit.
-  state.Port.SelectedPort = u"COM5:";
-  state.Port.Parity = u"None";
-  state.Port.XON = 0;
-  edited = state.Port;
-  edited.SelectedPort = u"COM3:";
-  edited.SelectedBaud = 9600;
-  edited.DTR = 1;
-  ApplyPortPages(state, edited);
-  EXPECT_EQ(state.Port.SelectedBaud, 9600u);
-  EXPECT_EQ(state.Port.DTR, 1);
-  EXPECT_EQ(state.Port.Parity, u"Even");
-  EXPECT_EQ(state.Port.XON, 1);
-
+  p.SelectedPort = u"COM5:";
+  p.Parity = u"None";
+  p.XON = 0;
+  apply(u"COM3:", 9600, [](core::PortSettings& e) { e.DTR = 1; });
+  EXPECT_EQ(std::tuple(p.SelectedBaud, p.DTR, p.Parity, p.XON), std::tuple(9600u, 1, u"Even"s, 1));
   // Same port: what the pages hold is applied as it is.
-  edited = state.Port;
-  edited.SelectedBaud = 57600;
-  ApplyPortPages(state, edited);
-  EXPECT_EQ(state.Port.SelectedBaud, 57600u);
+  apply(u"COM3:", 57600, none);
+  EXPECT_EQ(p.SelectedBaud, 57600u);
 }
 
 }  // namespace

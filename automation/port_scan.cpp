@@ -7,7 +7,6 @@
 #include "core/code_page.h"
 #include "core/messages.h"
 #include "core/reporting.h"
-#include "platform/clock.h"
 #include "rx/dispatcher.h"
 
 namespace wavetrace::automation {
@@ -218,12 +217,7 @@ void ShowPsmStrip(core::AppState& state) {
 void EndPortScan(core::AppState& state) {
   if (!state.PsmThread) return;
   state.PsmStopRequested = true;
-  state.PsmThread->RequestStop();
-  while (!state.PsmThread->HasEnded()) {
-    state.Queue.DispatchPendingSends();
-    platform::SleepMs(2);
-  }
-  state.PsmThread->Join();
+  state.Queue.StopAndJoin(*state.PsmThread);
   state.PsmThread.reset();
   state.PortScanMode = false;
 }

@@ -7,7 +7,6 @@
 #include "core/code_page.h"
 #include "core/messages.h"
 #include "core/reporting.h"
-#include "platform/clock.h"
 #include "platform/files.h"
 
 namespace wavetrace::automation {
@@ -143,13 +142,7 @@ int StartScript(core::AppState& state, const std::u16string& path) {
 void EndScript(core::AppState& state) {
   if (!state.AutomationThread) return;
   state.ScriptState = kScriptEnded;
-  state.AutomationThread->RequestStop();
-  // The thread may be waiting for the main thread to run a step for it.
-  while (!state.AutomationThread->HasEnded()) {
-    state.Queue.DispatchPendingSends();
-    platform::SleepMs(2);
-  }
-  state.AutomationThread->Join();
+  state.Queue.StopAndJoin(*state.AutomationThread);
   state.AutomationThread.reset();
   state.ScriptRunning = false;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/messages.h"
+#include "platform/clock.h"
 
 namespace wavetrace::core {
 
@@ -162,6 +163,15 @@ bool MessageQueue::DispatchPending() {
 int MessageQueue::RunLoop() {
   while (DispatchPending()) wake_.Wait(NextTimerDelayMs());
   return QuitCode();
+}
+
+void MessageQueue::StopAndJoin(platform::SuspendableThread& worker) {
+  worker.RequestStop();
+  while (!worker.HasEnded()) {
+    DispatchPendingSends();
+    platform::SleepMs(2);
+  }
+  worker.Join();
 }
 
 void MessageQueue::BeginShutdown() {

@@ -9,6 +9,7 @@
 #include <mutex>
 #include <thread>
 
+#include "platform/suspendable_thread.h"
 #include "platform/wake_event.h"
 
 namespace wavetrace::core {
@@ -69,6 +70,9 @@ class MessageQueue {
   // Serves only the synchronous requests of waiting senders (used while the
   // main thread waits for a lock such a sender may hold).
   void DispatchPendingSends();
+  // On the main thread: asks a worker that drives the main window to stop and
+  // waits for it to end, serving the requests it sends meanwhile.
+  void StopAndJoin(platform::SuspendableThread& worker);
   // The headless loop: serves the queue until quit; returns the quit code.
   int RunLoop();
 

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "core/code_page.h"
+#include "rx/time_stamp.h"
 #include "platform/files.h"
 
 namespace wavetrace::log {
@@ -18,22 +19,15 @@ void InitLogSettings(core::LogSettings& log) {
 }
 
 void AutoNameLogFile(core::LogSettings& log, const platform::LocalTime& now) {
-  char date[32];
-  switch (log.DateFormat) {
-    case 2:
-      std::snprintf(date, sizeof date, "%02d-%02d-%d", now.Month, now.Day, now.Year);
-      break;
-    case 3:
-      std::snprintf(date, sizeof date, "%d-%02d-%02d", now.Year, now.Month, now.Day);
-      break;
-    default:
-      std::snprintf(date, sizeof date, "%02d-%02d-%d", now.Day, now.Month, now.Year);
-      break;
-  }
+  // Every format but 2 and 3 (a stamp without a date too) names the day first.
+  rx::DateOrder order = log.DateFormat == 2   ? rx::DateOrder::kMonthFirst
+                        : log.DateFormat == 3 ? rx::DateOrder::kYearFirst
+                                              : rx::DateOrder::kDayFirst;
+  std::string date = rx::FormatDate(order, now, '-');
   // Names always carry the hour and minute, so two recordings on one day
   // never share a file by accident.
   char name[64];
-  std::snprintf(name, sizeof name, "%s-t%02d%02d.log.txt", date, now.Hour, now.Minute);
+  std::snprintf(name, sizeof name, "%s-t%02d%02d.log.txt", date.c_str(), now.Hour, now.Minute);
   log.wszLogFile = core::Utf8ToWide(name);
 }
 

@@ -9,21 +9,10 @@ namespace {
 
 using Stamp = std::array<uint8_t, core::LogSettings::kTimeStampBytes>;
 
-void FormatDate(int32_t format, const platform::LocalTime& t, char (&out)[32]) {
-  switch (format) {
-    case 1:
-      std::snprintf(out, sizeof out, "%02d/%02d/%d", t.Day, t.Month, t.Year);
-      break;
-    case 2:
-      std::snprintf(out, sizeof out, "%02d/%02d/%d", t.Month, t.Day, t.Year);
-      break;
-    case 3:
-      std::snprintf(out, sizeof out, "%d/%02d/%02d", t.Year, t.Month, t.Day);
-      break;
-    default:
-      out[0] = 0;
-      break;
-  }
+// The stamp's date: 1 to 3 name an order, any other value none.
+DateOrder StampDateOrder(int32_t format) {
+  static constexpr DateOrder kOrders[] = {DateOrder::kDayFirst, DateOrder::kMonthFirst, DateOrder::kYearFirst};
+  return format >= 1 && format <= 3 ? kOrders[format - 1] : DateOrder::kNone;
 }
 
 void FormatTime(int32_t format, const platform::LocalTime& t, char (&out)[32]) {
@@ -45,15 +34,32 @@ void FormatTime(int32_t format, const platform::LocalTime& t, char (&out)[32]) {
 
 }  // namespace
 
+std::string FormatDate(DateOrder order, const platform::LocalTime& t, char separator) {
+  char out[32] = {};
+  switch (order) {
+    case DateOrder::kDayFirst:
+      std::snprintf(out, sizeof out, "%02d%c%02d%c%d", t.Day, separator, t.Month, separator, t.Year);
+      break;
+    case DateOrder::kMonthFirst:
+      std::snprintf(out, sizeof out, "%02d%c%02d%c%d", t.Month, separator, t.Day, separator, t.Year);
+      break;
+    case DateOrder::kYearFirst:
+      std::snprintf(out, sizeof out, "%d%c%02d%c%02d", t.Year, separator, t.Month, separator, t.Day);
+      break;
+    case DateOrder::kNone:
+      break;
+  }
+  return out;
+}
+
 void FormatTimeStamp(const core::TimeStampFormat& format, const platform::LocalTime& time, Stamp& stamp) {
-  char date[32];
+  std::string date = FormatDate(StampDateOrder(format.DateFormat), time, '/');
   char clock[32];
-  FormatDate(format.DateFormat, time, date);
   FormatTime(format.TimeFormat, time, clock);
   char separator[2] = {0, 0};
   if (format.DateFormat != 4 && format.TimeFormat != 7) separator[0] = static_cast<char>(format.Delimiter);
   stamp.fill(0);
-  std::snprintf(reinterpret_cast<char*>(stamp.data()), stamp.size(), "%s%s%s", date, separator, clock);
+  std::snprintf(reinterpret_cast<char*>(stamp.data()), stamp.size(), "%s%s%s", date.c_str(), separator, clock);
 }
 
 void BuildTimeStamp(core::AppState& state, const core::TimeStampFormat& format,

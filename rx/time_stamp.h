@@ -10,6 +10,13 @@
 
 namespace wavetrace::rx {
 
+// The order of a date's parts; a date of kNone is empty.
+enum class DateOrder { kDayFirst, kMonthFirst, kYearFirst, kNone };
+// "%02d/%02d/%d" of day, month, year (kDayFirst), month, day, year
+// (kMonthFirst), or "%d/%02d/%02d" of year, month, day (kYearFirst), with
+// separator in place of "/". Stamps and log file names share it.
+std::string FormatDate(DateOrder order, const platform::LocalTime& time, char separator);
+
 // DateFormat: 1 "dd/mm/yyyy", 2 "mm/dd/yyyy", 3 "yyyy/mm/dd", 4 none.
 // TimeFormat: 5 "hh:mm", 6 "hh:mm:ss", 7 none, 8 "hh:mm:ss.mmm". Any other value gives an
 // empty part. The Delimiter goes between date and time only when both exist.

@@ -102,9 +102,9 @@ class Child {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
   }
   // SIGTERM, then the exit code.
-  int Terminate() {
+  int Terminate(int ms = 5000) {
     Signal(SIGTERM);
-    return WaitForExit();
+    return WaitForExit(ms);
   }
   void Signal(int sig) { kill(pid_, sig); }
   void Type(const std::string& text) { (void)!write(in_, text.data(), text.size()); }
@@ -210,7 +210,7 @@ TEST(Headless, StandardOutputCarriesEveryReceivedByteInOrder) {
     });
     run.Until([&] { return run.Out().size() >= c.data.size(); }, 120000);
     line.join();
-    EXPECT_EQ(run.Terminate(), 0);
+    EXPECT_EQ(run.Terminate(10000), 0);
     EXPECT_EQ(run.Out().size(), c.data.size());
     EXPECT_TRUE(run.Out() == c.data) << "first difference at byte "
                                      << std::ranges::mismatch(run.Out(), c.data).in1 - run.Out().begin();

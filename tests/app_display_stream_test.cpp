@@ -21,16 +21,13 @@ TEST(DisplayStream, ASlowReaderLosesTheOldestOutputAndIsToldHowMuch) {
   constexpr size_t kLimit = 256 << 10;
   std::mutex mutex;
   std::vector<std::string> notices;
-  std::string pushed;
-  std::string out;
+  std::string pushed, out;
   {
-    DisplayStream stream(
-        fds[1], StreamEncoding::kBytes,
-        [&](std::u16string_view text) {
-          std::lock_guard lock(mutex);
-          notices.push_back(core::WideToUtf8(text));
-        },
-        kLimit);
+    auto notice = [&](std::u16string_view text) {
+      std::lock_guard lock(mutex);
+      notices.push_back(core::WideToUtf8(text));
+    };
+    DisplayStream stream(fds[1], StreamEncoding::kBytes, notice, kLimit);
     // Nobody reads yet: the pipe fills, the writer waits in it, the queue
     // overflows.
     for (int i = 0; i < 4000; ++i) {

@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <thread>
+#include <tuple>
 
 #include "app/main_window.h"
 #include "app/startup.h"
@@ -16,48 +17,35 @@ namespace wavetrace::app {
 namespace {
 
 using core::AppState;
-using testing::RecordingFrontEnd;
 using testing::StartedProgram;
 using testing::TempFolder;
 using testing::WriteRegistry;
 namespace cmd = core::cmd;
 
-TEST(OperatingSystem, OnlyLinuxIsSupported) {
-  struct Case {
-    platform::OsInfo os;
-    bool supported;
-  };
-  for (const auto& c : {Case{{true, "Linux", 6, 1}, true}, Case{{true, "Linux", 2, 6}, true},
-                        Case{{true, "FreeBSD", 14, 0}, false}, Case{{true, "linux", 6, 1}, false},
-                        Case{{false, "Linux", 6, 1}, false}, Case{{false, "", 0, 0}, false}}) {
-    EXPECT_EQ(IsSupportedPlatform(c.os), c.supported) << c.os.Valid << c.os.SystemName << c.os.Major;
-  }
-}
-
-TEST(StartUp, AnUnsupportedSystemGetsOneBoxAndNothingElse) {
+TEST(StartUp, OnlyLinuxIsSupportedAndAnotherSystemGetsOneBoxAndNothingElse) {
+  for (const platform::OsInfo& os : {platform::OsInfo{true, "Linux", 6, 1}, {true, "Linux", 2, 6}})
+    EXPECT_TRUE(IsSupportedPlatform(os)) << os.Major;
+  for (const platform::OsInfo& os :
+       {platform::OsInfo{true, "FreeBSD", 14, 0}, {true, "linux", 6, 1}, {false, "Linux", 6, 1}})
+    EXPECT_FALSE(IsSupportedPlatform(os)) << os.Valid << os.SystemName;
   TempFolder folder;
   StartedProgram start(folder.Path());
   EXPECT_EQ(start.Start({true, "FreeBSD", 14, 0}), -1);
   auto boxes = start.view.Boxes();
   ASSERT_EQ(boxes.size(), 1u);
-  EXPECT_EQ(boxes[0].title, u"O/S not supported");
-  EXPECT_EQ(boxes[0].text, u"This program requires the Pocket PC 2003 or later Operating System.");
+  EXPECT_EQ(boxes[0].title + u": " + boxes[0].text,
+            u"O/S not supported: This program requires the Pocket PC 2003 or later Operating System.");
   EXPECT_TRUE(start.state.g_RxWindowBuf.Empty());
   EXPECT_FALSE(start.state.RxThread);
   EXPECT_FALSE(platform::FileExists(folder.Path() + "/registry.txt"));
 }
 
 TEST(StartUp, TheVersionWarningAndTheRecordedRelease) {
-  // A store without a release (none at all, one left by --list-ports, a
-  // hand-written one) warns once and records this release; another release
-  // (empty: a registry of 2.70) warns on every start.
+  // A store without a release (none at all, or a hand-written one) warns once
+  // and records this release; another release (empty: a registry of 2.70)
+  // warns on every start.
   using Case = std::pair<const char*, uint32_t>;
-  for (const auto& [store, multi] :
-       {Case{nullptr, 0},
-        Case{"DEFAULTcfg=dword:00000000\nMULTIinst=dword:00000000\nAcquireHWbuttons=dword:00000000\n"
-             "DisableIcon=dword:00000000\n",
-             0},
-        Case{"MULTIinst=dword:00000001\n", 1}, Case{"", 0}}) {
+  for (const auto& [store, multi] : {Case{nullptr, 0}, Case{"MULTIinst=dword:00000001\n", 1}, Case{"", 0}}) {
     TempFolder folder;
     const bool otherRelease = store && !*store;
     if (otherRelease) {
@@ -74,9 +62,9 @@ TEST(StartUp, TheVersionWarningAndTheRecordedRelease) {
       ASSERT_EQ(boxes.size(), run == 1 && !otherRelease ? 0u : 1u) << (store ? store : "(none)") << run;
       EXPECT_EQ(start.state.ProgramOptions.MULTIinst, multi);
       if (boxes.empty()) continue;
-      EXPECT_EQ(boxes[0].title, u"Warning: Version mismatch");
-      EXPECT_EQ(boxes[0].text,
-                std::u16string(u"Expected: 2.71 \r\nReceived: Rel. \"") + (otherRelease ? u"2.70" : u"0.0") +
+      EXPECT_EQ(boxes[0].title + u": " + boxes[0].text,
+                std::u16string(u"Warning: Version mismatch: Expected: 2.71 \r\nReceived: Rel. \"") +
+                    (otherRelease ? u"2.70" : u"0.0") +
                     u"\" \r\nSome features may not function properly.  You have been warned.  :)");
     }
   }
@@ -88,9 +76,8 @@ TEST(StartUp, AnUnusableConfigurationFolderIsReportedOnce) {
   StartedProgram start(folder.Path() + "/plain");
   start.Start();  // ends for want of an instance lock, as before
   int reports = 0;
-  for (const auto& box : start.view.Boxes()) {
-    if (box.text.find(u"Error opening Program Options registry key: ") != std::u16string::npos) ++reports;
-  }
+  for (const auto& box : start.view.Boxes())
+    reports += box.text.find(u"Error opening Program Options registry key: ") != std::u16string::npos;
   EXPECT_EQ(reports, 1);
   EXPECT_EQ(start.state.ProgramOptions.MULTIinst, 0u);
 }
@@ -155,16 +142,17 @@ TEST(StartUp, AutomationModeAndAScriptThatCannotBeRead) {
   std::ofstream(folder.Path() + "/run.txt") << "<COMMENT>hi</COMMENT>";
   std::ofstream(folder.Path() + "/empty.txt");
   for (const std::string name : {"/run.txt", "/missing.txt", "/empty.txt"}) {
+    SCOPED_TRACE(name);
     const std::u16string script = core::Utf8ToWide(folder.Path() + name);
     const bool runs = name == "/run.txt";
     StartedProgram start(folder.Path());
     AppState& s = start.state;
     s.Switches.ScriptPath = script;
     ASSERT_EQ(start.Start(), 0);
-    EXPECT_EQ(s.AutomationMode, runs ? 1 : 0) << name;
+    EXPECT_EQ(s.AutomationMode, runs ? 1 : 0);
     EXPECT_EQ(s.WindowTitle, runs ? u"Wavetrace Pro(Auto) " : u"Wavetrace Pro ");
     auto boxes = start.view.Boxes();
-    ASSERT_EQ(boxes.size(), runs ? 0u : 1u) << name;
+    ASSERT_EQ(boxes.size(), runs ? 0u : 1u);
     if (!runs) {
       EXPECT_EQ(boxes[0].title + u": " + boxes[0].text, u"Script file automation: init failed... aborting.");
       continue;
@@ -174,47 +162,46 @@ TEST(StartUp, AutomationModeAndAScriptThatCannotBeRead) {
               u" Welcome to Wavetrace Pro(Auto)\r\n        AUTOMATION MODE\r\n    Rel. 2.71.3089 "
               u"(11.2008)\r\n\r\n[Running script:] \r\n" +
                   script + u"\r\n\r\n");
-    for (int item : {cmd::kConfigLoad, cmd::kConfigSave, cmd::kConfigSaveAs, cmd::kConfigSetDefault}) {
+    for (int item : {cmd::kConfigLoad, cmd::kConfigSave, cmd::kConfigSaveAs, cmd::kConfigSetDefault})
       EXPECT_TRUE(s.Screen.IsMenuItemGrey(item)) << item;
-    }
   }
 }
 
 TEST(StartUp, LoadsTheDefaultConfigurationThenTheOneAskedFor) {
   TempFolder folder;
-  const std::string padding = "\r\n" + std::string(64, ';') + "\r\n";
-  std::ofstream(folder.Path() + "/Default.cfg.txt")
-      << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nBase=2\r\nmodeASCII=0\r\nmodeBINARY=1" << padding;
-  std::ofstream(folder.Path() + "/night.cfg.txt")
-      << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nBase=8" << padding;
-  // Both views off is a valid file: the data is shown as it comes.
-  std::ofstream(folder.Path() + "/plain.cfg.txt")
-      << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nmodeASCII=0\r\nmodeBINARY=0" << padding;
+  for (auto [name, data] : {std::pair{"/Default.cfg.txt", "Base=2\r\nmodeASCII=0\r\nmodeBINARY=1"},
+                            {"/night.cfg.txt", "Base=8"},
+                            // Both views off is a valid file: the data is shown as it comes.
+                            {"/plain.cfg.txt", "modeASCII=0\r\nmodeBINARY=0"}}) {
+    std::ofstream(folder.Path() + name) << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\n"
+                                        << data << "\r\n"
+                                        << std::string(64, ';') << "\r\n";
+  }
   // A configuration asked for that is missing is reported; the default stays current.
   struct Case {
     std::string options, config, current;
     int base, checked;
     int ascii, binary;
   };
-  for (const auto& c :
-       {Case{"", "", "/Default.cfg.txt", 2, cmd::kBinary, 0, 1},
-        Case{"DEFAULTcfg=dword:00000001\n", "", "/Default.cfg.txt", 16, cmd::kHex, 1, 0},
-        Case{"", "/night.cfg.txt", "/night.cfg.txt", 8, cmd::kOctal, 0, 1},
-        Case{"DEFAULTcfg=dword:00000001\n", "/night.cfg.txt", "/night.cfg.txt", 8, cmd::kOctal, 1, 0},
-        Case{"DEFAULTcfg=dword:00000001\n", "/plain.cfg.txt", "/plain.cfg.txt", 16, cmd::kHex, 0, 0},
-        Case{"", "/gone.cfg.txt", "/Default.cfg.txt", 2, cmd::kBinary, 0, 1}}) {
+  const std::string ignoreDefault = "DEFAULTcfg=dword:00000001\n";
+  for (const auto& c : {Case{"", "", "/Default.cfg.txt", 2, cmd::kBinary, 0, 1},
+                        Case{ignoreDefault, "", "/Default.cfg.txt", 16, cmd::kHex, 1, 0},
+                        Case{"", "/night.cfg.txt", "/night.cfg.txt", 8, cmd::kOctal, 0, 1},
+                        Case{ignoreDefault, "/night.cfg.txt", "/night.cfg.txt", 8, cmd::kOctal, 1, 0},
+                        Case{ignoreDefault, "/plain.cfg.txt", "/plain.cfg.txt", 16, cmd::kHex, 0, 0},
+                        Case{"", "/gone.cfg.txt", "/Default.cfg.txt", 2, cmd::kBinary, 0, 1}}) {
+    SCOPED_TRACE(c.options + c.config);
     WriteRegistry(folder.Path(), c.options);
     StartedProgram start(folder.Path());
     AppState& s = start.state;
     if (!c.config.empty()) s.Switches.ConfigPath = core::Utf8ToWide(folder.Path() + c.config);
     ASSERT_EQ(start.Start(), 0);
-    EXPECT_EQ(s.Data.Base, c.base) << c.options << c.config;
-    EXPECT_TRUE(s.Screen.IsMenuItemChecked(c.checked)) << c.options << c.config;
-    EXPECT_EQ(s.Data.modeASCII, c.ascii) << c.options << c.config;
-    EXPECT_EQ(s.Data.modeBINARY, c.binary) << c.options << c.config;
+    EXPECT_EQ(std::tuple(s.Data.Base, s.Data.modeASCII, s.Data.modeBINARY),
+              std::tuple(c.base, c.ascii, c.binary));
+    EXPECT_TRUE(s.Screen.IsMenuItemChecked(c.checked));
     // A button is greyed only while its view is the only one on.
-    EXPECT_EQ(s.Screen.IsButtonEnabled(cmd::kAsciiButton), !(c.ascii && !c.binary)) << c.config;
-    EXPECT_EQ(s.Screen.IsButtonEnabled(cmd::kBinaryButton), !(c.binary && !c.ascii)) << c.config;
+    EXPECT_EQ(s.Screen.IsButtonEnabled(cmd::kAsciiButton), !(c.ascii && !c.binary));
+    EXPECT_EQ(s.Screen.IsButtonEnabled(cmd::kBinaryButton), !(c.binary && !c.ascii));
     EXPECT_EQ(s.CurrentConfigPath, core::Utf8ToWide(folder.Path() + c.current));
     const bool gone = c.config == "/gone.cfg.txt";
     EXPECT_EQ(s.Screen.Status().rfind(u"Config file not found [", 0) == 0, gone);
@@ -232,11 +219,10 @@ TEST(Instances, ASecondStartBringsTheFirstToTheFront) {
   EXPECT_EQ(second.Start(), -1);
   EXPECT_TRUE(second.view.Boxes().empty());
   EXPECT_FALSE(second.state.RxThread);
-  bool activated = false;
   EXPECT_TRUE(first.PumpUntil([&] {
     for (const auto& e : first.state.Screen.TakeEvents())
-      activated |= e.Type == core::ScreenEvent::Kind::kActivate;
-    return activated;
+      if (e.Type == core::ScreenEvent::Kind::kActivate) return true;
+    return false;
   }));
 }
 

@@ -47,10 +47,9 @@ class StartedProgram {
   // Serves the main thread's queue until the condition holds.
   bool PumpUntil(const std::function<bool()>& condition,
                  std::chrono::milliseconds limit = std::chrono::seconds(10)) {
-    auto deadline = std::chrono::steady_clock::now() + limit;
-    while (!condition()) {
+    for (auto deadline = std::chrono::steady_clock::now() + limit; !condition();
+         state.Queue.DispatchPending()) {
       if (std::chrono::steady_clock::now() > deadline) return false;
-      state.Queue.DispatchPending();
       std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
     return true;

@@ -35,15 +35,13 @@ class TempFolder {
 class RecordingFrontEnd : public core::FrontEnd {
  public:
   struct Box {
-    std::u16string title;
-    std::u16string text;
+    std::u16string title, text;
   };
 
   void ShowMessageBox(std::u16string_view title, std::u16string_view text, core::BoxIcon) override {
-    {
-      std::lock_guard lock(mutex_);
-      boxes_.push_back({std::u16string(title), std::u16string(text)});
-    }
+    std::unique_lock lock(mutex_);
+    boxes_.push_back({std::u16string(title), std::u16string(text)});
+    lock.unlock();
     if (onBox) onBox();
   }
   [[nodiscard]] bool BoxesNeedMainThread() const override { return needsMainThread; }

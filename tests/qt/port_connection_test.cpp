@@ -9,52 +9,46 @@
 namespace wavetrace::ui {
 namespace {
 
-using testing::WaitUntil;
+using namespace testing;
 namespace cmd = core::cmd;
 
-constexpr int kPortTimeoutMs = 10000;
-
-bool Shows(const MainWindowWidget& window, bool opened, const QString& status) {
-  return window.Button(cmd::kPlay)->isEnabled() != opened &&
-         window.Button(cmd::kStop)->isEnabled() == opened &&
-         window.Action(cmd::kCommProperties)->isEnabled() != opened &&
-         window.StatusLine()->text().startsWith(status);
+// Waits until the window shows the port open or closed with a status line
+// that starts with status (null: any).
+bool Shows(const MainWindowWidget& window, bool opened, const char* status) {
+  return WaitUntil(
+      [&] {
+        return window.Button(cmd::kPlay)->isEnabled() != opened &&
+               window.Button(cmd::kStop)->isEnabled() == opened &&
+               window.Action(cmd::kCommProperties)->isEnabled() != opened &&
+               window.StatusLine()->text().startsWith(status);
+      },
+      10000);
 }
 
 TEST(PortConnection, PlayReceivesStopClosesAndAnUnpluggedDeviceCloses) {
   platform::PtyPair pty;
   ASSERT_TRUE(pty.Valid());
-  testing::GuiProgram program;
-  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+  RunShown([&](MainWindowWidget& window, core::AppState& state) {
     ASSERT_TRUE(WaitUntil([&] { return !window.Receive()->ModelText().empty(); }));
-    ASSERT_TRUE(Shows(window, false, QString()));
+    ASSERT_TRUE(Shows(window, false, nullptr));  // with any status line
     state.Port.SelectedPort = QString::fromStdString(pty.SlavePath()).toStdU16String();
     state.Port.SelectedBaud = 9600;
-    const QString opened = QStringLiteral("Port opened!  Send/Receive active...");
-
+    const char* opened = "Port opened!  Send/Receive active...";
     window.Button(cmd::kPlay)->click();
-    EXPECT_TRUE(WaitUntil([&] { return Shows(window, true, opened); }, kPortTimeoutMs))
-        << window.StatusLine()->text().toStdString();
+    EXPECT_TRUE(Shows(window, true, opened)) << window.StatusLine()->text().toStdString();
     ASSERT_TRUE(pty.Write("hello"));
-    EXPECT_TRUE(
-        WaitUntil([&] { return window.Receive()->ModelText().find(u"hello") != std::u16string::npos; },
-                  kPortTimeoutMs));
-
-    window.Button(cmd::kStop)->click();
     EXPECT_TRUE(WaitUntil(
-        [&] { return Shows(window, false, QStringLiteral("Port closed!  Send/Receive deactivated.")); },
-        kPortTimeoutMs))
+        [&] { return window.Receive()->ModelText().find(u"hello") != std::u16string::npos; }, 10000));
+    window.Button(cmd::kStop)->click();
+    EXPECT_TRUE(Shows(window, false, "Port closed!  Send/Receive deactivated."))
         << window.StatusLine()->text().toStdString();
 
     // The port is free again: a second PLAY opens it; then the device goes.
     window.Button(cmd::kPlay)->click();
-    EXPECT_TRUE(WaitUntil([&] { return Shows(window, true, opened); }, kPortTimeoutMs));
+    EXPECT_TRUE(Shows(window, true, opened));
     pty.CloseMaster();
-    EXPECT_TRUE(
-        WaitUntil([&] { return Shows(window, false, QStringLiteral("Port closed!")); }, kPortTimeoutMs))
-        << window.StatusLine()->text().toStdString();
-  }),
-            0);
+    EXPECT_TRUE(Shows(window, false, "Port closed!")) << window.StatusLine()->text().toStdString();
+  });
 }
 
 }  // namespace

@@ -6,9 +6,9 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QSpinBox>
-#include <QTabWidget>
 #include <QToolButton>
 #include <string>
+#include <tuple>
 
 #include "app/transmit_options.h"
 #include "rx/postamble.h"
@@ -18,93 +18,76 @@
 namespace wavetrace::ui {
 namespace {
 
-using testing::WaitUntil;
-
-// Chooses the named key from the "Add..." menu, as a tap on it does.
-bool ChooseKey(TransmitOptionsDialog& dialog, const QString& name) {
-  for (QAction* action : dialog.AddKeyButton()->menu()->actions()) {
-    if (action->text() != name) continue;
-    action->trigger();
-    return true;
-  }
-  return false;
-}
+using namespace testing;
 
 TEST(TransmitOptions, PagesShowAndReturnTheValuesAndAddAppendsWhileTheFieldHasRoom) {
-  testing::TestApplication();
+  TestApplication();
   TransmitOptionsDialog dialog(app::TransmitOptionValues{5, 250, u"[0D]", 1, 0});
-  auto* pages = dialog.findChild<QTabWidget*>();
-  ASSERT_NE(pages, nullptr);
-  EXPECT_EQ(pages->count(), 2);
-  EXPECT_EQ(pages->tabText(0), QStringLiteral("Repeat"));
-  EXPECT_EQ(pages->tabText(1), QStringLiteral("Filters"));
-  EXPECT_EQ(dialog.RepeatCountField()->value(), 5);
-  EXPECT_EQ(dialog.RepeatDelayField()->value(), 250);
-  EXPECT_TRUE(dialog.ClearReceiveBox()->isChecked());
-  EXPECT_FALSE(dialog.WholeFileBox()->isChecked());
+  EXPECT_EQ(std::tuple(dialog.RepeatCountField()->value(), dialog.RepeatDelayField()->value(),
+                       dialog.PostambleField()->text(), dialog.ClearReceiveBox()->isChecked(),
+                       dialog.WholeFileBox()->isChecked()),
+            std::tuple(5, 250, "[0D]", true, false));
   dialog.RepeatCountField()->setValue(0);
   dialog.RepeatDelayField()->setValue(1500);
   dialog.ClearReceiveBox()->setChecked(false);
   dialog.WholeFileBox()->setChecked(true);
 
-  QStringList listed;
-  for (QAction* action : dialog.AddKeyButton()->menu()->actions()) listed << action->text();
+  // "Add..." offers every key by name; choosing one appends it.
   QStringList names;
   for (const rx::PostambleKey& key : rx::PostambleKeys())
     names << QString::fromStdU16String(std::u16string(key.Name));
+  QStringList listed;
+  for (QAction* key : dialog.AddKeyButton()->menu()->actions()) listed << key->text();
   EXPECT_EQ(listed, names);
-  EXPECT_EQ(dialog.PostambleField()->text(), QStringLiteral("[0D]"));
-  ASSERT_TRUE(ChooseKey(dialog, QStringLiteral("LineFeed")));
-  ASSERT_TRUE(ChooseKey(dialog, QStringLiteral("Tab")));
-  EXPECT_EQ(dialog.PostambleField()->text(), QStringLiteral("[0D][0A][09]"));
+  auto choose = [&](const char* name) {
+    for (QAction* key : dialog.AddKeyButton()->menu()->actions())
+      if (key->text() == name) key->trigger();
+  };
+  choose("LineFeed");
+  choose("Tab");
+  EXPECT_EQ(dialog.PostambleField()->text(), "[0D][0A][09]");
   // 12 characters and a 4-character key make the 16 the field takes; then
   // not even one more character fits.
-  ASSERT_TRUE(ChooseKey(dialog, QStringLiteral("Esc")));
-  ASSERT_TRUE(ChooseKey(dialog, QStringLiteral("Comma")));
-  EXPECT_EQ(dialog.PostambleField()->text(), QStringLiteral("[0D][0A][09][1B]"));
+  choose("Esc");
+  choose("Comma");
+  EXPECT_EQ(dialog.PostambleField()->text(), "[0D][0A][09][1B]");
   app::TransmitOptionValues chosen = dialog.Values();
-  EXPECT_EQ(chosen.TxRepeatNum, 0u);
-  EXPECT_EQ(chosen.TxRepeatDelay, 1500u);
-  EXPECT_EQ(chosen.PostambleKeysTX, u"[0D][0A][09][1B]");
-  EXPECT_EQ(chosen.TxClrRCVEtxt, 0);
-  EXPECT_EQ(chosen.TxSendWholeFile, 1);
+  EXPECT_EQ(std::tuple(chosen.TxRepeatNum, chosen.TxRepeatDelay, chosen.PostambleKeysTX, chosen.TxClrRCVEtxt,
+                       chosen.TxSendWholeFile),
+            std::tuple(0u, 1500u, u"[0D][0A][09][1B]", 0, 1));
 }
 
 TEST(TransmitOptions, ThroughTheMenuCancelKeepsAndOkStores) {
-  testing::GuiProgram program;
-  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
-    testing::CancelThenOk<TransmitOptionsDialog>(
+  RunShown([&](MainWindowWidget& window, core::AppState& state) {
+    CancelThenOk<TransmitOptionsDialog>(
         window, core::cmd::kTransmitOptions,
         [](TransmitOptionsDialog& dialog) {
           dialog.RepeatDelayField()->setValue(1500);
-          dialog.PostambleField()->setText(QStringLiteral("[0D][0A]"));
+          dialog.PostambleField()->setText("[0D][0A]");
         },
         [&](bool ok) {
           EXPECT_EQ(state.Data.TxRepeatDelay, ok ? 1500u : 0u);
           EXPECT_EQ(state.Data.PostambleLengthTX, ok ? 2 : 0);
         });
-  }),
-            0);
+  });
 }
 
 TEST(TransmitOptions, FilePickerPutsTheFileIntoTheTransmitField) {
   QTemporaryDir folder;
-  const QString first = folder.filePath(QStringLiteral("firmware image.bin"));
-  const QString second = folder.filePath(QStringLiteral("setup.txt"));
+  const QString first = folder.filePath("firmware image.bin");
+  const QString second = folder.filePath("setup.txt");
   for (const QString& path : {first, second}) ASSERT_TRUE(QFile(path).open(QIODevice::WriteOnly));
-  testing::GuiProgram program;
-  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+  RunShown([&](MainWindowWidget& window, core::AppState& state) {
     // The button beside the field and the Edit menu's item; cancelling leaves the field as it is.
     struct Pick {
       QString path, expected;
       bool button;
     };
-    for (const auto& pick :
-         {Pick{first, first, true}, Pick{QString(), first, false}, Pick{second, second, false}}) {
-      testing::ModalHandler<QFileDialog> picker([&](QFileDialog& dialog) {
-        testing::ExpectFitsTheWindow(dialog, window);
+    for (const auto& pick : {Pick{first, first, true}, Pick{"", first, false}, Pick{second, second, false}}) {
+      ModalHandler<QFileDialog> picker([&](QFileDialog& dialog) {
+        ExpectFitsTheWindow(dialog, window);
         // Typed as a user does: selectFile() depends on how far the folder listing has loaded.
-        auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
         if (pick.path.isEmpty() || !name) return dialog.reject();
         name->setText(pick.path);
         static_cast<QDialog&>(dialog).accept();  // the file dialog's own, which checks the file exists
@@ -123,8 +106,7 @@ TEST(TransmitOptions, FilePickerPutsTheFileIntoTheTransmitField) {
                window.SendFileAction()->isEnabled() == enabled;
       }));
     }
-  }),
-            0);
+  });
 }
 
 }  // namespace

@@ -12,7 +12,7 @@
 namespace wavetrace::ui {
 namespace {
 
-TEST(ReceiveText, EveryCharacterKeepsItsPosition) {
+TEST(ReceiveText, EveryCharacterKeepsItsPositionAndLineEndsBecomeOneBreak) {
   std::string bytes;
   for (int byte = 1; byte < 256; ++byte) bytes.push_back(static_cast<char>(byte));
   const std::u16string model = core::BytesToWide(bytes);
@@ -22,9 +22,7 @@ TEST(ReceiveText, EveryCharacterKeepsItsPosition) {
   QString odd = ToDocumentText(std::u16string{u'a', 0, 0x2029, 0x2028, 0xFDD0});
   ASSERT_EQ(odd.size(), 5);
   EXPECT_EQ(odd.mid(1, 2), QString(2, QChar(0xFFFD)));
-}
 
-TEST(ReceiveText, LineEndsBecomeOneBreakAndCopyBack) {
   testing::TestApplication();
   ReceiveView view;
   view.ResetText(u"one\r\ntwo\r\nthree");
@@ -44,10 +42,9 @@ TEST(ScreenFit, ScalesInHalfStepsUpToTheLargest) {
     QSize window;
   };
   for (const auto& c :
-       {Case{QSize(480, 640), 2.0, QSize(480, 640)}, Case{QSize(800, 570), 1.5, QSize(360, 480)},
-        Case{QSize(1920, 1050), 2.5, QSize(600, 800)}, Case{QSize(320, 240), 1.0, QSize(320, 240)},
-        Case{QSize(480, 320), 1.0, QSize(480, 320)}, Case{QSize(240, 320), 1.0, QSize(240, 320)},
-        Case{QSize(), 1.0, QSize(240, 320)}}) {
+       {Case{{480, 640}, 2.0, {480, 640}}, Case{{800, 570}, 1.5, {360, 480}},
+        Case{{1920, 1050}, 2.5, {600, 800}}, Case{{320, 240}, 1.0, {320, 240}},
+        Case{{480, 320}, 1.0, {480, 320}}, Case{{240, 320}, 1.0, {240, 320}}, Case{{}, 1.0, {240, 320}}}) {
     ScreenFit fit = FitToScreen(c.screen);
     EXPECT_EQ(fit.Scale, c.scale) << c.screen.width() << "x" << c.screen.height();
     EXPECT_EQ(fit.WindowSize, c.window) << c.screen.width() << "x" << c.screen.height();

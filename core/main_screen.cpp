@@ -210,10 +210,6 @@ void MainScreen::SetTxHistory(std::vector<std::u16string> items) {
   WAVETRACE_CONTROL_SETTER(txHistory_ = std::move(items); txSelection_ = -1);
 }
 
-void MainScreen::AddTxHistory(std::u16string_view item) {
-  WAVETRACE_CONTROL_SETTER(txHistory_.emplace_back(item));
-}
-
 std::vector<std::u16string> MainScreen::TxHistory() const {
   std::lock_guard lock(mutex_);
   return txHistory_;

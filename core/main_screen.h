@@ -82,7 +82,6 @@ class MainScreen {
   void SetTxEnabled(bool enabled);
   [[nodiscard]] bool TxEnabled() const;
   void SetTxHistory(std::vector<std::u16string> items);
-  void AddTxHistory(std::u16string_view item);
   [[nodiscard]] std::vector<std::u16string> TxHistory() const;
   // Index of the selected history entry, -1 for none; selecting an entry puts
   // its text in the field.

@@ -5,6 +5,7 @@
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFileSystemModel>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -289,6 +290,12 @@ void LoggingPage::Browse() {
   dialog.setAcceptMode(QFileDialog::AcceptOpen);
   dialog.setNameFilters({QStringLiteral("All Log Files (*.Log.Txt)"), QStringLiteral("All CSV Files (*.CSV)"),
                          QStringLiteral("All TXT Files (*.TXT)"), QStringLiteral("All Files (*.*)")});
+  // "*.*" would leave out the names without a dot, which are common here:
+  // the last filter shows every file.
+  connect(&dialog, &QFileDialog::filterSelected, &dialog, [&dialog](const QString& filter) {
+    auto* files = dialog.findChild<QFileSystemModel*>();
+    if (files && filter == dialog.nameFilters().back()) files->setNameFilters({QStringLiteral("*")});
+  });
   const QFileInfo current(path_->text());
   dialog.setDirectory(current.absolutePath());
   dialog.selectFile(current.fileName());

@@ -1,4 +1,5 @@
-// Log records, file names and paths, size texts and the interval recorder;
+// Log records, file names and paths, size texts, the interval recorder and the
+// rules of the Logging page and its advanced sheet;
 // then recording end to end over pseudo-terminals: RECORD on, data in, RECORD
 // off; a device that refuses writes; a fast stream with "Never drop log data".
 #include <gtest/gtest.h>
@@ -15,6 +16,7 @@
 #include "core/reporting.h"
 #include "log/interval_recording.h"
 #include "log/log_names.h"
+#include "log/log_page.h"
 #include "log/log_record.h"
 #include "log/record_command.h"
 #include "platform/files.h"
@@ -187,6 +189,96 @@ TEST(IntervalRecordingTest, RecordAllLeavesTheFlagAlone) {
   FakeClock idle(state, 0, 5000);
   LogIntervalThread(state, idle);
   EXPECT_TRUE(state.LogOpen);
+}
+
+TEST(LoggingPageTest, PathSwitchesAndCancel) {
+  core::AppState state;
+  InitLogSettings(state.Log);
+  core::PublishSettings(state);
+  const core::LogSettings opened = LogSettingsBackup(state);
+  // The field holds 127 characters; what is typed beyond them is not read.
+  std::u16string longPath = u"/" + std::u16string(130, u'd') + u"/run.txt";
+  EXPECT_EQ(StoreLogPath(state, longPath), longPath.substr(0, kLogPathFieldChars));
+  EXPECT_EQ(StoreLogPath(state, u"/var/log/run.csv"), u"/var/log/run.csv");
+  // "AutoName" keeps the typed folder and names the file by the date.
+  std::u16string named = AutoNameLogPath(state, u"/srv/logs/old.txt");
+  EXPECT_EQ(state.Log.wszLogDir, u"/srv/logs/");
+  EXPECT_EQ(named, u"/srv/logs/" + state.Log.wszLogFile);
+  EXPECT_TRUE(named.ends_with(u".log.txt"));
+  const std::pair<LogSwitch, int32_t core::LogSettings::*> switches[] = {
+      {LogSwitch::Timestamp, &core::LogSettings::LOGtimestamp},
+      {LogSwitch::TransmitData, &core::LogSettings::LOGtransmitdata},
+      {LogSwitch::Overwrite, &core::LogSettings::LOGoverwrite}};
+  for (auto [which, field] : switches) {
+    StoreLogSwitch(state, which, true);
+    EXPECT_EQ(state.Log.*field, 1);
+    EXPECT_TRUE(LogSwitchTicked(state.Log, which));
+    EXPECT_TRUE(core::SettingsArePublished(state));
+  }
+  // Cancel puts the keys back but leaves the stamps the threads keep.
+  state.Log.CurrentTimeStamp[0] = '7';
+  RestoreLogSettings(state, opened);
+  EXPECT_EQ(state.Log.CurrentTimeStamp[0], '7');
+  state.Log.CurrentTimeStamp = opened.CurrentTimeStamp;
+  EXPECT_TRUE(state.Log == opened);
+  EXPECT_TRUE(core::SettingsArePublished(state));
+  EXPECT_TRUE(LoggingPageEnabled(state));
+  state.RecordFlag = true;
+  EXPECT_FALSE(LoggingPageEnabled(state));
+}
+
+TEST(LoggingPageTest, IntervalAndDurationFields) {
+  enum Field { kInterval, kDuration };
+  struct Case {
+    int32_t interval, duration;
+    Field field;
+    std::u16string text;
+    int32_t storedInterval, storedDuration;
+    std::optional<std::u16string> intervalText, durationText;
+  };
+  const Case cases[] = {
+      {10, 1, kInterval, u"0", 10, 1, u"10", {}}, {10, 1, kInterval, u"", 10, 1, u"10", {}},
+      {5, 5, kInterval, u"3", 3, 3, {}, u"3"},  // a lower interval lowers the duration
+      {10, 4, kInterval, u"20", 20, 4, {}, {}},   {10, 4, kInterval, u"12345", 9999, 4, u"9999", {}},
+      {10, 4, kDuration, u"0", 10, 4, {}, u"4"},  {10, 4, kDuration, u"12", 10, 10, {}, u"10"},
+      {10, 4, kDuration, u"7", 10, 7, {}, {}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(core::WideToUtf8(c.text) + (c.field == kInterval ? " in the interval" : " in the duration"));
+    core::AppState state;
+    state.Log.RecordInterval = c.interval;
+    state.Log.RecordDuration = c.duration;
+    core::PublishSettings(state);
+    RecordFieldTexts rewrite =
+        c.field == kInterval ? EditRecordInterval(state, c.text) : EditRecordDuration(state, c.text);
+    EXPECT_EQ(state.Log.RecordInterval, c.storedInterval);
+    EXPECT_EQ(state.Log.RecordDuration, c.storedDuration);
+    EXPECT_EQ(rewrite.Interval, c.intervalText);
+    EXPECT_EQ(rewrite.Duration, c.durationText);
+    EXPECT_TRUE(core::SettingsArePublished(state));
+  }
+}
+
+TEST(LoggingPageTest, DelimiterPageStoresItsStagedValues) {
+  struct Case {
+    uint8_t delimiter;
+    std::optional<size_t> shown;
+    std::optional<uint8_t> staged;
+    uint8_t stored;
+  };
+  const Case cases[] = {
+      {',', 0, '\t', '\t'}, {'\t', 1, ' ', ' '}, {';', 2, ';', ';'},
+      {' ', 3, ',', ','},   {'|', {}, {}, '|'},  // no radio checked: the delimiter stays
+  };
+  for (const Case& c : cases) {
+    core::AppState state;
+    state.Log.Delimiter = {c.delimiter, 0};
+    EXPECT_EQ(DelimiterChoiceOf(c.delimiter), c.shown) << c.delimiter;
+    ApplyDelimiterPage(state, c.staged, true);
+    EXPECT_EQ(state.Log.Delimiter[0], c.stored);
+    EXPECT_EQ(state.Log.TSremoveCRLF, 1);
+    EXPECT_EQ(state.PublishedRx.Load()->Stamp.Delimiter, c.stored);
+  }
 }
 
 class RecordingTest : public testing::ProgramFixture {

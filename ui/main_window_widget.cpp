@@ -132,10 +132,12 @@ MainWindowWidget::MainWindowWidget(double scale, QWidget* parent) : QMainWindow(
     button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     int command = entry.command;
     connect(button, &QPushButton::clicked, this, [this, command] { OnButtonClicked(command); });
-    if (command == kRelay) {
-      // Press and hold (or the right button) opens the Relay page.
+    if (command == kRelay || command == kRecord) {
+      // Press and hold (or the right button) opens the Relay or the Logging page.
       button->setContextMenuPolicy(Qt::CustomContextMenu);
-      connect(button, &QPushButton::customContextMenuRequested, this, &MainWindowWidget::RelayOptionsRequested);
+      connect(button, &QPushButton::customContextMenuRequested, this,
+              command == kRelay ? &MainWindowWidget::RelayOptionsRequested
+                                : &MainWindowWidget::LogOptionsRequested);
     }
     grid->addWidget(button, static_cast<int>(i) / kButtonColumns, static_cast<int>(i) % kButtonColumns);
     buttons_[entry.command] = button;

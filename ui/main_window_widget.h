@@ -52,6 +52,7 @@ class MainWindowWidget : public QMainWindow {
   void TransmitHistoryChosen(int index);
   void SendFileRequested();
   void RelayOptionsRequested();
+  void LogOptionsRequested();
   void CloseRequested();
   void FirstShown();
 

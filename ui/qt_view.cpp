@@ -20,11 +20,13 @@
 #include "core/messages.h"
 #include "core/reporting.h"
 #include "ui/about_dialog.h"
-#include "ui/relay_dialogs.h"
 #include "ui/comm_properties_dialog.h"
+#include "ui/file_dialog_fit.h"
+#include "ui/log_dialogs.h"
 #include "ui/main_window_widget.h"
 #include "ui/program_options_dialog.h"
 #include "ui/receive_view.h"
+#include "ui/relay_dialogs.h"
 #include "ui/screen_scale.h"
 #include "ui/transmit_options_dialog.h"
 #include "ui/tray_icon.h"
@@ -75,6 +77,7 @@ QtView::QtView(core::AppState& state, QObject* parent) : QObject(parent), state_
           [this](int index) { state_.Screen.SetTxSelection(index); });
   connect(window_.get(), &MainWindowWidget::SendFileRequested, this, &QtView::ChooseFileToSend);
   connect(window_.get(), &MainWindowWidget::RelayOptionsRequested, this, &QtView::ShowRelayOptions);
+  connect(window_.get(), &MainWindowWidget::LogOptionsRequested, this, &QtView::ShowLogOptions);
   connect(window_.get(), &MainWindowWidget::FirstShown, this, &QtView::OnFirstShown);
 
   if (QSystemTrayIcon::isSystemTrayAvailable()) {
@@ -287,6 +290,14 @@ void QtView::ShowTransmitOptions() {
   app::ApplyTransmitOptions(state_, dialog.Values());
 }
 
+void QtView::ShowLogOptions() {
+  LoggingDialog dialog(state_, BoxParent());
+  dialog.setFont(window_->font());
+  // On a small screen the page takes the window's room, not more.
+  dialog.resize(dialog.sizeHint().boundedTo(window_->size()));
+  dialog.exec();
+}
+
 void QtView::ShowRelayOptions() {
   RelayPageDialog dialog(state_, BoxParent());
   dialog.setFont(window_->font());
@@ -294,24 +305,10 @@ void QtView::ShowRelayOptions() {
 }
 
 void QtView::ChooseFileToSend() {
-  // Qt's own dialog rather than the desktop's: it takes the window's font
-  // and size, which a 240x320 panel needs.
   QFileDialog dialog(BoxParent(), QStringLiteral("Send file..."), sendFileFolder_);
-  dialog.setOption(QFileDialog::DontUseNativeDialog);
   dialog.setFileMode(QFileDialog::ExistingFile);
   dialog.setAcceptMode(QFileDialog::AcceptOpen);
-  dialog.setFont(window_->font());
-  if (dialog.minimumSizeHint().width() > window_->width()) {
-    // A narrow panel: the list of places, the detail columns and the tool
-    // buttons other than "up" and the one-entry type filter give their room
-    // to the file list.
-    dialog.setViewMode(QFileDialog::List);
-    for (const char* name : {"sidebar", "backButton", "forwardButton", "newFolderButton", "listModeButton",
-                             "detailModeButton", "fileTypeLabel", "fileTypeCombo"}) {
-      if (auto* part = dialog.findChild<QWidget*>(QLatin1String(name))) part->hide();
-    }
-  }
-  dialog.resize(dialog.sizeHint().boundedTo(window_->size()));
+  FitFileDialog(dialog, *window_);
   if (dialog.exec() != QDialog::Accepted) return;
   const QStringList chosen = dialog.selectedFiles();
   if (chosen.isEmpty() || chosen.front().isEmpty()) return;

@@ -60,6 +60,9 @@ class QtView : public QObject, public core::FrontEnd {
   void ShowWindow(bool shown);
   void Activate();
   void ChooseFileToSend();
+  // The Logging page, from the RECORD button's context menu (the receive
+  // options that hold it elsewhere are not built yet).
+  void ShowLogOptions();
   // The Relay page, from the RELAY button's context menu (the receive
   // options that hold it elsewhere are not built yet).
   void ShowRelayOptions();

@@ -1,0 +1,196 @@
+#include "log/log_page.h"
+
+#include <algorithm>
+#include <array>
+#include <mutex>
+
+#include "core/published_settings.h"
+#include "log/log_names.h"
+
+namespace wavetrace::log {
+namespace {
+
+// The leading decimal digits, saturating; no digits read as 0.
+uint32_t UnsignedDecimal(std::u16string_view text) {
+  uint64_t value = 0;
+  for (char16_t ch : text) {
+    if (ch < u'0' || ch > u'9') break;
+    value = std::min<uint64_t>(value * 10 + (ch - u'0'), UINT32_MAX);
+  }
+  return static_cast<uint32_t>(value);
+}
+
+std::u16string Decimal(int32_t value) {
+  std::string digits = std::to_string(value);
+  return {digits.begin(), digits.end()};
+}
+
+constexpr std::array kDelimiterChoices = {
+    DelimiterChoice{',', u" ,     (comma)"},
+    DelimiterChoice{'\t', u" <>  (tab)"},
+    DelimiterChoice{';', u" ;     (semicolon)"},
+    DelimiterChoice{' ', u"\" \"    (blank space)"},
+};
+
+constexpr std::array kDateFormatChoices = {
+    FormatChoice{1, u"dd-mm-yyyy"},
+    FormatChoice{2, u"mm-dd-yyyy"},
+    FormatChoice{3, u"yyyy-mm-dd"},
+    FormatChoice{4, u"None"},
+};
+
+constexpr std::array kTimeFormatChoices = {
+    FormatChoice{5, u"hh:mm"},
+    FormatChoice{6, u"hh:mm:ss"},
+    FormatChoice{7, u"None"},
+    FormatChoice{8, u"hh:mm:ss.mmm"},
+};
+
+// int32_t& or const int32_t&, as the settings are.
+template <typename Log>
+auto& SwitchField(Log& log, LogSwitch which) {
+  switch (which) {
+    case LogSwitch::Timestamp:
+      return log.LOGtimestamp;
+    case LogSwitch::TransmitData:
+      return log.LOGtransmitdata;
+    case LogSwitch::Overwrite:
+      break;
+  }
+  return log.LOGoverwrite;
+}
+
+}  // namespace
+
+core::LogSettings LogSettingsBackup(core::AppState& state) {
+  std::lock_guard lock(state.RxDataLock);
+  return state.Log;
+}
+
+void RestoreLogSettings(core::AppState& state, const core::LogSettings& backup) {
+  {
+    std::lock_guard lock(state.RxDataLock);
+    core::LogSettings restored = backup;
+    restored.CurrentTimeStamp = state.Log.CurrentTimeStamp;
+    restored.PreviousTimeStamp = state.Log.PreviousTimeStamp;
+    state.Log = restored;
+  }
+  core::PublishSettings(state);
+}
+
+bool LoggingPageEnabled(const core::AppState& state) {
+  return !state.RecordFlag;
+}
+
+std::u16string StoreLogPath(core::AppState& state, std::u16string_view text) {
+  {
+    // The update thread reads the path, under this lock, for its messages.
+    std::lock_guard lock(state.RxDataLock);
+    SplitLogPath(state.Log, text.substr(0, kLogPathFieldChars));
+  }
+  core::PublishSettings(state);
+  return LogPath(state.Log);
+}
+
+std::u16string AutoNameLogPath(core::AppState& state, std::u16string_view text) {
+  {
+    std::lock_guard lock(state.RxDataLock);
+    SplitLogPath(state.Log, text.substr(0, kLogPathFieldChars));
+    AutoNameLogFile(state.Log);
+  }
+  core::PublishSettings(state);
+  return LogPath(state.Log);
+}
+
+void StoreLogSwitch(core::AppState& state, LogSwitch which, bool ticked) {
+  SwitchField(state.Log, which) = ticked ? 1 : 0;
+  core::PublishSettings(state);
+}
+
+bool LogSwitchTicked(const core::LogSettings& log, LogSwitch which) {
+  return SwitchField(log, which) != 0;
+}
+
+void StoreRecordAll(core::AppState& state, bool ticked) {
+  state.Log.RecordALL = ticked ? 1 : 0;
+  core::PublishSettings(state);
+}
+
+bool RecordPartialEnabled(const core::LogSettings& log) {
+  return log.RecordALL == 0;
+}
+
+RecordFieldTexts EditRecordInterval(core::AppState& state, std::u16string_view text) {
+  core::LogSettings& log = state.Log;
+  uint32_t value = UnsignedDecimal(text);
+  RecordFieldTexts rewrite;
+  if (value < 1) {
+    rewrite.Interval = Decimal(log.RecordInterval);
+    return rewrite;
+  }
+  if (value > kRecordIntervalMaximum) {
+    value = kRecordIntervalMaximum;
+    rewrite.Interval = Decimal(static_cast<int32_t>(value));
+  }
+  log.RecordInterval = static_cast<int32_t>(value);
+  if (log.RecordDuration > log.RecordInterval) {
+    log.RecordDuration = log.RecordInterval;
+    rewrite.Duration = Decimal(log.RecordDuration);
+  }
+  core::PublishSettings(state);
+  return rewrite;
+}
+
+RecordFieldTexts EditRecordDuration(core::AppState& state, std::u16string_view text) {
+  core::LogSettings& log = state.Log;
+  uint32_t value = UnsignedDecimal(text);
+  RecordFieldTexts rewrite;
+  if (value < 1) {
+    rewrite.Duration = Decimal(log.RecordDuration);
+    return rewrite;
+  }
+  if (value > static_cast<uint32_t>(log.RecordInterval)) {
+    value = static_cast<uint32_t>(log.RecordInterval);
+    rewrite.Duration = Decimal(log.RecordInterval);
+  }
+  log.RecordDuration = static_cast<int32_t>(value);
+  core::PublishSettings(state);
+  return rewrite;
+}
+
+std::span<const DelimiterChoice> DelimiterChoices() {
+  return kDelimiterChoices;
+}
+
+std::optional<size_t> DelimiterChoiceOf(uint8_t delimiter) {
+  for (size_t i = 0; i < kDelimiterChoices.size(); ++i) {
+    if (kDelimiterChoices[i].Delimiter == delimiter) return i;
+  }
+  return std::nullopt;
+}
+
+void ApplyDelimiterPage(core::AppState& state, std::optional<uint8_t> delimiter, bool removeCrLf) {
+  if (delimiter) state.Log.Delimiter = {*delimiter, 0};
+  state.Log.TSremoveCRLF = removeCrLf ? 1 : 0;
+  core::PublishSettings(state);
+}
+
+std::span<const FormatChoice> DateFormatChoices() {
+  return kDateFormatChoices;
+}
+
+std::span<const FormatChoice> TimeFormatChoices() {
+  return kTimeFormatChoices;
+}
+
+void StoreDateFormat(core::AppState& state, int32_t value) {
+  state.Log.DateFormat = value;
+  core::PublishSettings(state);
+}
+
+void StoreTimeFormat(core::AppState& state, int32_t value) {
+  state.Log.TimeFormat = value;
+  core::PublishSettings(state);
+}
+
+}  // namespace wavetrace::log

@@ -105,6 +105,9 @@ void RxWndUpdateCycle(core::AppState& state, int& countdown) {
     --countdown;
     const auto settings = state.PublishedRx.Load();
     if (!settings->PauseRxDisplay) RefreshReceiveWindow(state, *settings);
+    // "Never drop log data" is for fast lines: their records wait one cycle
+    // (200 ms) for the file, not seven.
+    if (state.PublishedLog.Load()->NeverDropLogData) FlushLogCache(state);
     return;
   }
   FlushLogCache(state);

@@ -20,11 +20,11 @@
 #include "core/messages.h"
 #include "core/reporting.h"
 #include "ui/about_dialog.h"
-#include "ui/relay_dialogs.h"
 #include "ui/comm_properties_dialog.h"
 #include "ui/main_window_widget.h"
 #include "ui/program_options_dialog.h"
 #include "ui/receive_view.h"
+#include "ui/relay_dialogs.h"
 #include "ui/screen_scale.h"
 #include "ui/transmit_options_dialog.h"
 #include "ui/tray_icon.h"
@@ -293,10 +293,10 @@ void QtView::ShowRelayOptions() {
   dialog.exec();
 }
 
-void QtView::ChooseFileToSend() {
+QString QtView::PickExistingFile(const QString& title, const QString& folder) {
   // Qt's own dialog rather than the desktop's: it takes the window's font
   // and size, which a 240x320 panel needs.
-  QFileDialog dialog(BoxParent(), QStringLiteral("Send file..."), sendFileFolder_);
+  QFileDialog dialog(BoxParent(), title, folder);
   dialog.setOption(QFileDialog::DontUseNativeDialog);
   dialog.setFileMode(QFileDialog::ExistingFile);
   dialog.setAcceptMode(QFileDialog::AcceptOpen);
@@ -312,14 +312,32 @@ void QtView::ChooseFileToSend() {
     }
   }
   dialog.resize(dialog.sizeHint().boundedTo(window_->size()));
-  if (dialog.exec() != QDialog::Accepted) return;
+  if (dialog.exec() != QDialog::Accepted) return {};
   const QStringList chosen = dialog.selectedFiles();
-  if (chosen.isEmpty() || chosen.front().isEmpty()) return;
-  const QString path = chosen.front();
+  return chosen.isEmpty() ? QString() : chosen.front();
+}
+
+void QtView::ChooseFileToSend() {
+  const QString path = PickExistingFile(QStringLiteral("Send file..."), sendFileFolder_);
+  if (path.isEmpty()) return;
   sendFileFolder_ = QFileInfo(path).absolutePath();
   // The field names the file; SEND then transmits the file instead of text.
   const QString field = QStringLiteral("[File::") + path + QLatin1Char(']');
   state_.Screen.SetTxText(field.toStdU16String());
+}
+
+std::u16string QtView::ChooseScriptFile() {
+  // The folder of the last script (chosen here or named at start), else the
+  // configuration folder.
+  if (scriptFolder_.isEmpty()) {
+    const std::u16string& named = state_.Switches.ScriptPath;
+    scriptFolder_ = named.empty() ? QString::fromStdU16String(state_.ConfigFolder)
+                                  : QFileInfo(QString::fromStdU16String(named)).absolutePath();
+  }
+  const QString path = PickExistingFile(QStringLiteral("Run script"), scriptFolder_);
+  if (path.isEmpty()) return {};
+  scriptFolder_ = QFileInfo(path).absolutePath();
+  return path.toStdU16String();
 }
 
 void QtView::ShowCommProperties() {

@@ -2,6 +2,8 @@
 // its menu items, buttons and fields do.
 #include <QClipboard>
 #include <QComboBox>
+#include <QFile>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QRegularExpression>
@@ -210,6 +212,27 @@ TEST(MainWindow, ClosingTheWindowIsTheExitCommand) {
   const core::AppState& state = program.State();
   EXPECT_FALSE(state.RxThread || state.TxThread || state.RxWndUpdate || state.LogIntervalThread);
   EXPECT_TRUE(state.ShuttingDown);
+}
+
+TEST(MainWindow, RunScriptOffersTheConfigurationFolderAndRunsTheChosenScript) {
+  GuiProgram program;
+  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+    const QString folder = QString::fromStdU16String(state.ConfigFolder);
+    QFile script(folder + QStringLiteral("/hello.txt"));
+    ASSERT_TRUE(script.open(QIODevice::WriteOnly) &&
+                script.write("<COMMENT>said by the script</COMMENT>") > 0);
+    script.close();
+    testing::ModalHandler<QFileDialog> picker([&](QFileDialog& dialog) {
+      EXPECT_EQ(dialog.windowTitle() + dialog.directory().canonicalPath(),
+                QStringLiteral("Run script") + QDir(folder).canonicalPath());
+      dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(script.fileName());
+      static_cast<QDialog&>(dialog).accept();
+    });
+    window.Action(cmd::kRunScript)->trigger();
+    EXPECT_TRUE(WaitUntil(
+        [&] { return window.Receive()->ModelText().find(u"said by the script") != std::u16string::npos; }));
+  }),
+            0);
 }
 
 }  // namespace

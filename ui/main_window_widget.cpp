@@ -88,6 +88,17 @@ MainWindowWidget::MainWindowWidget(double scale, QWidget* parent) : QMainWindow(
   receive_->setFont(fixed);
   column->addWidget(receive_, 1);
 
+  // The strips take their room from the receive window, which alone
+  // stretches; full screen keeps them.
+  psmStrip_ = new PsmStrip(scale_, central);
+  psmStrip_->hide();
+  column->addWidget(psmStrip_);
+  softwareStrip_ = new SoftwareButtonStrip(scale_, central);
+  softwareStrip_->hide();
+  column->addWidget(softwareStrip_);
+  connect(psmStrip_, &PsmStrip::StripCommand, this, &MainWindowWidget::StripCommandRequested);
+  connect(softwareStrip_, &SoftwareButtonStrip::StripCommand, this, &MainWindowWidget::StripCommandRequested);
+
   buttonPanel_ = new QWidget(central);
   auto* panel = new QVBoxLayout(buttonPanel_);
   panel->setContentsMargins(0, 0, 0, 0);
@@ -135,7 +146,8 @@ MainWindowWidget::MainWindowWidget(double scale, QWidget* parent) : QMainWindow(
     if (command == kRelay) {
       // Press and hold (or the right button) opens the Relay page.
       button->setContextMenuPolicy(Qt::CustomContextMenu);
-      connect(button, &QPushButton::customContextMenuRequested, this, &MainWindowWidget::RelayOptionsRequested);
+      connect(button, &QPushButton::customContextMenuRequested, this,
+              &MainWindowWidget::RelayOptionsRequested);
     }
     grid->addWidget(button, static_cast<int>(i) / kButtonColumns, static_cast<int>(i) % kButtonColumns);
     buttons_[entry.command] = button;
@@ -322,6 +334,12 @@ void MainWindowWidget::RefreshControls(const core::MainScreen& screen) {
   // Full screen gives the receive window the room of the controls below it.
   buttonPanel_->setVisible(!screen.IsMenuItemChecked(kFullscreen));
   ApplyFocus(screen.Focus());
+}
+
+void MainWindowWidget::RefreshStrips(const core::MainScreen& screen,
+                                     const SoftwareButtonStrip::Labels& softwareLabels) {
+  psmStrip_->Refresh(screen);
+  softwareStrip_->Refresh(screen, softwareLabels);
 }
 
 void MainWindowWidget::closeEvent(QCloseEvent* event) {

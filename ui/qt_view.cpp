@@ -16,6 +16,7 @@
 #include "app/comm_properties.h"
 #include "app/startup.h"
 #include "app/transmit_options.h"
+#include "automation/function_buttons.h"
 #include "config/program_options.h"
 #include "core/messages.h"
 #include "core/reporting.h"
@@ -67,6 +68,8 @@ QtView::QtView(core::AppState& state, QObject* parent) : QObject(parent), state_
   window_->resize(fit.WindowSize);
   connect(window_.get(), &MainWindowWidget::CommandRequested, this,
           [this](int command) { state_.Queue.PostCommand(command); });
+  connect(window_.get(), &MainWindowWidget::StripCommandRequested, this,
+          [this](int key) { state_.Queue.Post(core::MakeMessage(core::kWmStripCommand, key)); });
   connect(window_.get(), &MainWindowWidget::CloseRequested, this,
           [this] { state_.Queue.PostCommand(core::cmd::kExit); });
   connect(window_.get(), &MainWindowWidget::TransmitTextEdited, this,
@@ -231,6 +234,10 @@ void QtView::ApplyEvent(const core::ScreenEvent& event) {
 
 void QtView::RefreshControls() {
   window_->RefreshControls(state_.Screen);
+  SoftwareButtonStrip::Labels labels;
+  for (size_t i = 0; i < labels.size(); ++i)
+    labels[i] = automation::SoftwareButtonLabel(state_.Data, static_cast<int>(i) + 1);
+  window_->RefreshStrips(state_.Screen, labels);
   if (tray_) tray_->SetState(state_.Screen.TrayState(), QString::fromStdU16String(state_.Screen.Title()));
 }
 

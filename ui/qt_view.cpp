@@ -14,6 +14,7 @@
 #include <QTimer>
 
 #include "app/comm_properties.h"
+#include "app/port_scan_page.h"
 #include "app/startup.h"
 #include "app/transmit_options.h"
 #include "automation/function_buttons.h"
@@ -348,14 +349,18 @@ std::u16string QtView::ChooseScriptFile() {
 }
 
 void QtView::ShowCommProperties() {
-  CommPropertiesDialog dialog(state_.Port, state_.PortDevicePath, BoxParent());
+  CommPropertiesDialog dialog(state_.Port, state_.PortDevicePath, app::OpenPortScanPage(state_), BoxParent());
   dialog.setFont(window_->font());
   // On a small screen the pages take the window's room, not more.
   dialog.resize(dialog.sizeHint().boundedTo(window_->size()));
-  if (dialog.exec() != QDialog::Accepted) return;
+  if (dialog.exec() != QDialog::Accepted) {
+    app::CancelPortScanPage(state_, dialog.PortScan());
+    return;
+  }
   core::PortSettings edited = state_.Port;
   dialog.WriteValues(edited);
   app::ApplyPortPages(state_, edited);
+  app::ApplyPortScanPage(state_, dialog.PortScan());
 }
 
 void QtView::InterruptModal() {

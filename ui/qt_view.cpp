@@ -13,6 +13,7 @@
 #include <QThread>
 #include <QTimer>
 
+#include "app/button_page.h"
 #include "app/comm_properties.h"
 #include "app/port_scan_page.h"
 #include "app/startup.h"
@@ -287,7 +288,7 @@ void QtView::ShowProgramOptions() {
 }
 
 void QtView::ShowTransmitOptions() {
-  TransmitOptionsDialog dialog(app::TransmitOptionsOf(state_), BoxParent());
+  TransmitOptionsDialog dialog(app::TransmitOptionsOf(state_), app::ButtonStringChoices(state_), BoxParent());
   dialog.setFont(window_->font());
   // On a small screen the pages take the window's room, not more.
   dialog.resize(dialog.sizeHint().boundedTo(window_->size()));

@@ -47,9 +47,14 @@ void PressFunctionButton(core::AppState& state, ButtonKind kind, int number) {
 void ShowSoftwareButtons(core::AppState& state, bool shown) {
   using namespace core::strip;
   for (int n = 1; n <= kSoftwareButtonCount; ++n) {
-    state.Screen.EnableButton(kSoftwareStrip + kFirstSoftwareButton + n - 1, n <= 2);
+    state.Screen.EnableButton(kSoftwareStrip + kFirstSoftwareButton + n - 1, n <= kPressableSoftwareButtons);
   }
   state.Screen.ShowStrip(kSoftwareStrip, shown);
+}
+
+std::u16string SoftwareButtonLabel(const core::DataSettings& data, int number) {
+  if (number < 1 || number > kPressableSoftwareButtons) return {};
+  return data.SoftwareButtonCaption[static_cast<size_t>(number - 1)];
 }
 
 void OnHotKey(core::AppState& state, int hotKey) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <string>
 #include <string_view>
 
 #include "core/app_state.h"
@@ -21,9 +22,15 @@ inline constexpr std::array<std::u16string_view, 5> kFunctionTokens = {
 // string is always sent as text.
 void PressFunctionButton(core::AppState& state, ButtonKind kind, int number);
 
+// Software buttons 1 and 2 can be pressed; 3 to 6 are always disabled.
+inline constexpr int kPressableSoftwareButtons = 2;
+
 // The software button strip: shown or hidden, buttons 1 and 2 enabled and 3
 // to 6 always disabled.
 void ShowSoftwareButtons(core::AppState& state, bool shown);
+// What software button number (1 to 6) shows on the strip: its caption
+// while it can be pressed, nothing on the disabled ones.
+std::u16string SoftwareButtonLabel(const core::DataSettings& data, int number);
 
 // A hot key (193 to 207): 193 to 196 are hardware buttons 1 to 4, the rest
 // do nothing.

@@ -4,10 +4,14 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
+#include <QSpinBox>
 #include <QTabWidget>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -43,14 +47,15 @@ QCheckBox* FlagBox(const char* caption, int32_t value, QWidget* parent) {
 
 CommPropertiesDialog::CommPropertiesDialog(const core::PortSettings& port,
                                            const std::array<std::string, core::kPortSlots>& devicePaths,
-                                           QWidget* parent)
-    : QDialog(parent) {
+                                           const app::PortScanPage& scan, QWidget* parent)
+    : QDialog(parent), scan_(scan) {
   setWindowTitle(QStringLiteral("Communication Properties"));
   auto* layout = new QVBoxLayout(this);
   auto* tabs = new QTabWidget(this);
   tabs->addTab(BuildPortPage(port, devicePaths), QStringLiteral("Port"));
   tabs->addTab(BuildLinePage(port), QStringLiteral("Line"));
   tabs->addTab(BuildFlowPage(port), QStringLiteral("Flow"));
+  tabs->addTab(BuildPortScanPage(), QStringLiteral("Port Scan"));
   layout->addWidget(tabs, 1);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
   connect(buttons, &QDialogButtonBox::accepted, this, &CommPropertiesDialog::accept);
@@ -148,6 +153,66 @@ QWidget* CommPropertiesDialog::BuildFlowPage(const core::PortSettings& port) {
   layout->addWidget(dtr_);
   layout->addStretch(1);
   return page;
+}
+
+QWidget* CommPropertiesDialog::BuildPortScanPage() {
+  core::PortScanSettings& values = scan_.Values;
+  auto* page = new QWidget(this);
+  auto* layout = new QVBoxLayout(page);
+  psmEnable_ = FlagBox("Enable Port Scan Mode (PSM)", values.PsmEnabled, page);
+  psmEnable_->setObjectName(QStringLiteral("psmEnable"));
+  layout->addWidget(psmEnable_);
+
+  rotateGroup_ = new QGroupBox(QStringLiteral("Rotate through:"), page);
+  auto* grid = new QGridLayout(rotateGroup_);
+  struct Rotate {
+    const char* caption;
+    int32_t* value;
+  };
+  const std::array<Rotate, 4> rotations = {{{"baud", &values.PsmRotateBaud},
+                                            {"data bits", &values.PsmRotateDataBits},
+                                            {"parity", &values.PsmRotateParity},
+                                            {"stop bits", &values.PsmRotateStopBits}}};
+  for (size_t i = 0; i < rotations.size(); ++i) {
+    QCheckBox* box = FlagBox(rotations[i].caption, *rotations[i].value, rotateGroup_);
+    int32_t* value = rotations[i].value;
+    connect(box, &QCheckBox::toggled, this, [value](bool on) { *value = on ? 1 : 0; });
+    grid->addWidget(box, static_cast<int>(i) / 2, static_cast<int>(i) % 2);
+    rotate_[i] = box;
+  }
+  layout->addWidget(rotateGroup_);
+
+  intervalRow_ = new QWidget(page);
+  auto* row = new QHBoxLayout(intervalRow_);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->addWidget(new QLabel(QStringLiteral("Scan interval:"), intervalRow_));
+  // The field with its up-down: the arrows follow what is typed and write
+  // what they step to.
+  scanInterval_ = new QSpinBox(intervalRow_);
+  scanInterval_->setObjectName(QStringLiteral("scanInterval"));
+  scanInterval_->setRange(app::kMinScanInterval, app::kMaxScanInterval);
+  scanInterval_->findChild<QLineEdit*>()->setMaxLength(app::kScanIntervalChars);
+  scanInterval_->setValue(values.PsmScanInterval);
+  connect(scanInterval_, &QSpinBox::valueChanged, this,
+          [&values](int seconds) { values.PsmScanInterval = app::ClampScanInterval(seconds); });
+  row->addWidget(scanInterval_);
+  row->addWidget(new QLabel(QStringLiteral("second(s)"), intervalRow_));
+  row->addStretch(1);
+  layout->addWidget(intervalRow_);
+  layout->addStretch(1);
+
+  connect(psmEnable_, &QCheckBox::toggled, this, [this, &values](bool on) {
+    values.PsmEnabled = on ? 1 : 0;
+    ShowPortScanEnabling();
+  });
+  ShowPortScanEnabling();
+  return page;
+}
+
+void CommPropertiesDialog::ShowPortScanEnabling() {
+  bool enabled = app::PortScanOptionsEnabled(scan_.Values);
+  rotateGroup_->setEnabled(enabled);
+  intervalRow_->setEnabled(enabled);
 }
 
 std::optional<uint32_t> CommPropertiesDialog::Baud() const {

@@ -6,31 +6,36 @@
 #include <optional>
 #include <string>
 
+#include "app/port_scan_page.h"
 #include "core/settings.h"
 
 class QCheckBox;
 class QComboBox;
+class QGroupBox;
 class QLineEdit;
 class QListWidget;
+class QSpinBox;
 
 namespace wavetrace::ui {
 
 // The communication properties: the port (a slot of the port table or a
-// device path), the line setting and the flow flags on three small tabs.
-// OK is refused with a box while the baud rate is not a positive number;
-// WriteValues then puts what the pages hold into a settings block.
+// device path), the line setting, the flow flags and port scan mode on four
+// small tabs. OK is refused with a box while the baud rate is not a positive
+// number; WriteValues then puts what the port pages hold into a settings
+// block, and PortScan() is the Port Scan page's copy with every edit in it.
 class CommPropertiesDialog : public QDialog {
   Q_OBJECT
 
  public:
   CommPropertiesDialog(const core::PortSettings& port,
                        const std::array<std::string, core::kPortSlots>& devicePaths,
-                       QWidget* parent = nullptr);
+                       const app::PortScanPage& scan = {}, QWidget* parent = nullptr);
 
   // The baud rate typed or chosen; empty when it is not a positive number.
   [[nodiscard]] std::optional<uint32_t> Baud() const;
   // Writes the pages into edited; what a page does not hold stays as it is.
   void WriteValues(core::PortSettings& edited) const;
+  [[nodiscard]] const app::PortScanPage& PortScan() const { return scan_; }
 
   [[nodiscard]] QListWidget* PortList() const { return portList_; }
   [[nodiscard]] QLineEdit* DevicePathField() const { return devicePath_; }
@@ -41,6 +46,11 @@ class CommPropertiesDialog : public QDialog {
   [[nodiscard]] QCheckBox* XonBox() const { return xon_; }
   [[nodiscard]] QCheckBox* RtsBox() const { return rts_; }
   [[nodiscard]] QCheckBox* DtrBox() const { return dtr_; }
+  [[nodiscard]] QCheckBox* PsmEnableBox() const { return psmEnable_; }
+  [[nodiscard]] QGroupBox* RotateGroup() const { return rotateGroup_; }
+  // "baud", "data bits", "parity", "stop bits".
+  [[nodiscard]] const std::array<QCheckBox*, 4>& RotateBoxes() const { return rotate_; }
+  [[nodiscard]] QSpinBox* ScanIntervalField() const { return scanInterval_; }
 
  public slots:
   void accept() override;
@@ -50,6 +60,8 @@ class CommPropertiesDialog : public QDialog {
                          const std::array<std::string, core::kPortSlots>& devicePaths);
   QWidget* BuildLinePage(const core::PortSettings& port);
   QWidget* BuildFlowPage(const core::PortSettings& port);
+  QWidget* BuildPortScanPage();
+  void ShowPortScanEnabling();
   [[nodiscard]] std::u16string ChosenPort() const;
 
   QListWidget* portList_ = nullptr;
@@ -61,6 +73,12 @@ class CommPropertiesDialog : public QDialog {
   QCheckBox* xon_ = nullptr;
   QCheckBox* rts_ = nullptr;
   QCheckBox* dtr_ = nullptr;
+  app::PortScanPage scan_;
+  QCheckBox* psmEnable_ = nullptr;
+  QGroupBox* rotateGroup_ = nullptr;
+  std::array<QCheckBox*, 4> rotate_{};
+  QWidget* intervalRow_ = nullptr;
+  QSpinBox* scanInterval_ = nullptr;
 };
 
 }  // namespace wavetrace::ui

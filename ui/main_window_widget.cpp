@@ -88,6 +88,17 @@ MainWindowWidget::MainWindowWidget(double scale, QWidget* parent) : QMainWindow(
   receive_->setFont(fixed);
   column->addWidget(receive_, 1);
 
+  // The strips take their room from the receive window, which alone
+  // stretches; full screen keeps them.
+  psmStrip_ = new PsmStrip(scale_, central);
+  psmStrip_->hide();
+  column->addWidget(psmStrip_);
+  softwareStrip_ = new SoftwareButtonStrip(scale_, central);
+  softwareStrip_->hide();
+  column->addWidget(softwareStrip_);
+  connect(psmStrip_, &PsmStrip::StripCommand, this, &MainWindowWidget::StripCommandRequested);
+  connect(softwareStrip_, &SoftwareButtonStrip::StripCommand, this, &MainWindowWidget::StripCommandRequested);
+
   buttonPanel_ = new QWidget(central);
   auto* panel = new QVBoxLayout(buttonPanel_);
   panel->setContentsMargins(0, 0, 0, 0);
@@ -324,6 +335,12 @@ void MainWindowWidget::RefreshControls(const core::MainScreen& screen) {
   // Full screen gives the receive window the room of the controls below it.
   buttonPanel_->setVisible(!screen.IsMenuItemChecked(kFullscreen));
   ApplyFocus(screen.Focus());
+}
+
+void MainWindowWidget::RefreshStrips(const core::MainScreen& screen,
+                                     const SoftwareButtonStrip::Labels& softwareLabels) {
+  psmStrip_->Refresh(screen);
+  softwareStrip_->Refresh(screen, softwareLabels);
 }
 
 void MainWindowWidget::closeEvent(QCloseEvent* event) {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/main_screen.h"
+#include "ui/strips.h"
 
 class QAction;
 class QComboBox;
@@ -29,6 +30,9 @@ class MainWindowWidget : public QMainWindow {
 
   // Re-reads buttons, menu items, transmit field, title and layout.
   void RefreshControls(const core::MainScreen& screen);
+  // Re-reads the two strips below the receive window: shown, enabled,
+  // checked, and the software buttons' labels.
+  void RefreshStrips(const core::MainScreen& screen, const SoftwareButtonStrip::Labels& softwareLabels);
   void SetStatus(const std::u16string& text);
 
   [[nodiscard]] ReceiveView* Receive() const { return receive_; }
@@ -41,6 +45,8 @@ class MainWindowWidget : public QMainWindow {
   // only ask the view for a file, no command is involved.
   [[nodiscard]] QToolButton* SendFileButton() const { return sendFileButton_; }
   [[nodiscard]] QAction* SendFileAction() const { return sendFileAction_; }
+  [[nodiscard]] PsmStrip* PortScanStrip() const { return psmStrip_; }
+  [[nodiscard]] SoftwareButtonStrip* SoftwareButtons() const { return softwareStrip_; }
 
   // The menu's Copy and Paste, which work on the focused widget.
   void CopyFromFocus();
@@ -48,6 +54,8 @@ class MainWindowWidget : public QMainWindow {
 
  signals:
   void CommandRequested(int command);
+  // A control of a strip: the strip's key plus the control's number.
+  void StripCommandRequested(int key);
   void TransmitTextEdited(const QString& text);
   void TransmitHistoryChosen(int index);
   void SendFileRequested();
@@ -74,6 +82,8 @@ class MainWindowWidget : public QMainWindow {
   QComboBox* transmit_ = nullptr;
   QToolButton* sendFileButton_ = nullptr;
   QAction* sendFileAction_ = nullptr;
+  PsmStrip* psmStrip_ = nullptr;
+  SoftwareButtonStrip* softwareStrip_ = nullptr;
   QWidget* buttonPanel_ = nullptr;
   std::map<int, QPushButton*> buttons_;
   std::map<int, QAction*> actions_;

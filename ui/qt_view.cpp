@@ -13,9 +13,12 @@
 #include <QThread>
 #include <QTimer>
 
+#include "app/button_page.h"
 #include "app/comm_properties.h"
+#include "app/port_scan_page.h"
 #include "app/startup.h"
 #include "app/transmit_options.h"
+#include "automation/function_buttons.h"
 #include "config/program_options.h"
 #include "core/messages.h"
 #include "core/reporting.h"
@@ -69,6 +72,8 @@ QtView::QtView(core::AppState& state, QObject* parent) : QObject(parent), state_
   window_->resize(fit.WindowSize);
   connect(window_.get(), &MainWindowWidget::CommandRequested, this,
           [this](int command) { state_.Queue.PostCommand(command); });
+  connect(window_.get(), &MainWindowWidget::StripCommandRequested, this,
+          [this](int key) { state_.Queue.Post(core::MakeMessage(core::kWmStripCommand, key)); });
   connect(window_.get(), &MainWindowWidget::CloseRequested, this,
           [this] { state_.Queue.PostCommand(core::cmd::kExit); });
   connect(window_.get(), &MainWindowWidget::TransmitTextEdited, this,
@@ -234,6 +239,10 @@ void QtView::ApplyEvent(const core::ScreenEvent& event) {
 
 void QtView::RefreshControls() {
   window_->RefreshControls(state_.Screen);
+  SoftwareButtonStrip::Labels labels;
+  for (size_t i = 0; i < labels.size(); ++i)
+    labels[i] = automation::SoftwareButtonLabel(state_.Data, static_cast<int>(i) + 1);
+  window_->RefreshStrips(state_.Screen, labels);
   if (tray_) tray_->SetState(state_.Screen.TrayState(), QString::fromStdU16String(state_.Screen.Title()));
 }
 
@@ -282,7 +291,7 @@ void QtView::ShowProgramOptions() {
 }
 
 void QtView::ShowTransmitOptions() {
-  TransmitOptionsDialog dialog(app::TransmitOptionsOf(state_), BoxParent());
+  TransmitOptionsDialog dialog(app::TransmitOptionsOf(state_), app::ButtonStringChoices(state_), BoxParent());
   dialog.setFont(window_->font());
   // On a small screen the pages take the window's room, not more.
   dialog.resize(dialog.sizeHint().boundedTo(window_->size()));
@@ -304,30 +313,52 @@ void QtView::ShowRelayOptions() {
   dialog.exec();
 }
 
-void QtView::ChooseFileToSend() {
-  QFileDialog dialog(BoxParent(), QStringLiteral("Send file..."), sendFileFolder_);
+QString QtView::PickExistingFile(const QString& title, const QString& folder) {
+  QFileDialog dialog(BoxParent(), title, folder);
   dialog.setFileMode(QFileDialog::ExistingFile);
   dialog.setAcceptMode(QFileDialog::AcceptOpen);
   FitFileDialog(dialog, *window_);
-  if (dialog.exec() != QDialog::Accepted) return;
+  if (dialog.exec() != QDialog::Accepted) return {};
   const QStringList chosen = dialog.selectedFiles();
-  if (chosen.isEmpty() || chosen.front().isEmpty()) return;
-  const QString path = chosen.front();
+  return chosen.isEmpty() ? QString() : chosen.front();
+}
+
+void QtView::ChooseFileToSend() {
+  const QString path = PickExistingFile(QStringLiteral("Send file..."), sendFileFolder_);
+  if (path.isEmpty()) return;
   sendFileFolder_ = QFileInfo(path).absolutePath();
   // The field names the file; SEND then transmits the file instead of text.
   const QString field = QStringLiteral("[File::") + path + QLatin1Char(']');
   state_.Screen.SetTxText(field.toStdU16String());
 }
 
+std::u16string QtView::ChooseScriptFile() {
+  // The folder of the last script (chosen here or named at start), else the
+  // configuration folder.
+  if (scriptFolder_.isEmpty()) {
+    const std::u16string& named = state_.Switches.ScriptPath;
+    scriptFolder_ = named.empty() ? QString::fromStdU16String(state_.ConfigFolder)
+                                  : QFileInfo(QString::fromStdU16String(named)).absolutePath();
+  }
+  const QString path = PickExistingFile(QStringLiteral("Run script"), scriptFolder_);
+  if (path.isEmpty()) return {};
+  scriptFolder_ = QFileInfo(path).absolutePath();
+  return path.toStdU16String();
+}
+
 void QtView::ShowCommProperties() {
-  CommPropertiesDialog dialog(state_.Port, state_.PortDevicePath, BoxParent());
+  CommPropertiesDialog dialog(state_.Port, state_.PortDevicePath, app::OpenPortScanPage(state_), BoxParent());
   dialog.setFont(window_->font());
   // On a small screen the pages take the window's room, not more.
   dialog.resize(dialog.sizeHint().boundedTo(window_->size()));
-  if (dialog.exec() != QDialog::Accepted) return;
+  if (dialog.exec() != QDialog::Accepted) {
+    app::CancelPortScanPage(state_, dialog.PortScan());
+    return;
+  }
   core::PortSettings edited = state_.Port;
   dialog.WriteValues(edited);
   app::ApplyPortPages(state_, edited);
+  app::ApplyPortScanPage(state_, dialog.PortScan());
 }
 
 void QtView::InterruptModal() {

@@ -48,6 +48,7 @@ class QtView : public QObject, public core::FrontEnd {
   void ShowTransmitOptions() override;
   void ShowCommProperties() override;
   std::u16string ChooseConfigFile(bool save, std::u16string_view current) override;
+  std::u16string ChooseScriptFile() override;
   void InterruptModal() override;
 
  private:
@@ -63,6 +64,8 @@ class QtView : public QObject, public core::FrontEnd {
   // The Logging page, from the RECORD button's context menu (the receive
   // options that hold it elsewhere are not built yet).
   void ShowLogOptions();
+  // An existing file picked in Qt's own dialog; empty when cancelled.
+  QString PickExistingFile(const QString& title, const QString& folder);
   // The Relay page, from the RELAY button's context menu (the receive
   // options that hold it elsewhere are not built yet).
   void ShowRelayOptions();
@@ -75,6 +78,7 @@ class QtView : public QObject, public core::FrontEnd {
   QTimer* timer_ = nullptr;
   std::atomic<int> screenHeight_{0};
   QString sendFileFolder_;
+  QString scriptFolder_;
   bool loopEnded_ = false;
   bool waitCursor_ = false;
   bool rendering_ = false;

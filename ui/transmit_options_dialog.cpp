@@ -3,12 +3,16 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDialogButtonBox>
+#include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QRadioButton>
+#include <QSignalBlocker>
 #include <QSpinBox>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -44,13 +48,16 @@ QLabel* Caption(const QString& text, QWidget* parent) {
 
 }  // namespace
 
-TransmitOptionsDialog::TransmitOptionsDialog(const app::TransmitOptionValues& values, QWidget* parent)
-    : QDialog(parent) {
+TransmitOptionsDialog::TransmitOptionsDialog(const app::TransmitOptionValues& values,
+                                             const std::vector<std::u16string>& buttonChoices,
+                                             QWidget* parent)
+    : QDialog(parent), buttons_(values) {
   setWindowTitle(QStringLiteral("Transmit Options"));
   auto* layout = new QVBoxLayout(this);
   auto* tabs = new QTabWidget(this);
   tabs->addTab(BuildRepeatPage(values), QStringLiteral("Repeat"));
   tabs->addTab(BuildFiltersPage(values), QStringLiteral("Filters"));
+  tabs->addTab(BuildButtonPage(buttonChoices), QStringLiteral("Configure Button"));
   layout->addWidget(tabs, 1);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
@@ -116,6 +123,77 @@ QWidget* TransmitOptionsDialog::BuildFiltersPage(const app::TransmitOptionValues
   return page;
 }
 
+QWidget* TransmitOptionsDialog::BuildButtonPage(const std::vector<std::u16string>& choices) {
+  using automation::ButtonKind;
+  auto* page = new QWidget(this);
+  auto* layout = new QVBoxLayout(page);
+  auto* type = new QGroupBox(QStringLiteral("Button Type"), page);
+  auto* typeRow = new QHBoxLayout(type);
+  hardware_ = new QRadioButton(QStringLiteral("Hardware"), type);
+  hardware_->setObjectName(QStringLiteral("hardwareButton"));
+  software_ = new QRadioButton(QStringLiteral("Software"), type);
+  software_->setObjectName(QStringLiteral("softwareButton"));
+  hardware_->setChecked(true);
+  typeRow->addWidget(hardware_);
+  typeRow->addWidget(software_);
+  layout->addWidget(type);
+
+  auto* numberRow = new QHBoxLayout;
+  buttonNumber_ = new QSpinBox(page);
+  buttonNumber_->setObjectName(QStringLiteral("buttonNumber"));
+  numberRow->addWidget(buttonNumber_);
+  buttonCounter_ = new QLabel(page);
+  buttonCounter_->setObjectName(QStringLiteral("buttonCounter"));
+  numberRow->addWidget(buttonCounter_, 1);
+  layout->addLayout(numberRow);
+
+  layout->addWidget(Caption(QStringLiteral("Enter transmit string or function:"), page));
+  buttonString_ = new QComboBox(page);
+  buttonString_->setObjectName(QStringLiteral("buttonString"));
+  buttonString_->setEditable(true);
+  buttonString_->setInsertPolicy(QComboBox::NoInsert);
+  buttonString_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  buttonString_->setMinimumContentsLength(8);
+  buttonString_->lineEdit()->setMaxLength(static_cast<int>(app::kButtonStringChars));
+  for (const std::u16string& choice : choices) buttonString_->addItem(QString::fromStdU16String(choice));
+  layout->addWidget(buttonString_);
+
+  layout->addWidget(Caption(QStringLiteral("Software button caption:"), page));
+  buttonCaption_ = new QLineEdit(page);
+  buttonCaption_->setObjectName(QStringLiteral("buttonCaption"));
+  buttonCaption_->setMaxLength(static_cast<int>(app::kButtonCaptionChars));
+  layout->addWidget(buttonCaption_);
+  layout->addStretch(1);
+
+  connect(software_, &QRadioButton::toggled, this, [this](bool software) {
+    buttonPage_.SetKind(software ? ButtonKind::kSoftware : ButtonKind::kHardware);
+    ShowButton();
+  });
+  connect(buttonNumber_, &QSpinBox::valueChanged, this, [this](int number) {
+    buttonPage_.SetNumber(number);
+    ShowButton();
+  });
+  connect(buttonString_, &QComboBox::editTextChanged, this,
+          [this](const QString& text) { buttonPage_.SetString(text.toStdU16String()); });
+  connect(buttonCaption_, &QLineEdit::textChanged, this,
+          [this](const QString& text) { buttonPage_.SetCaption(text.toStdU16String()); });
+  ShowButton();
+  return page;
+}
+
+void TransmitOptionsDialog::ShowButton() {
+  QSignalBlocker numberBlocker(buttonNumber_);
+  QSignalBlocker stringBlocker(buttonString_);
+  QSignalBlocker captionBlocker(buttonCaption_);
+  buttonNumber_->setRange(1, buttonPage_.Count());
+  buttonNumber_->setValue(buttonPage_.Number());
+  buttonCounter_->setText(QString::fromStdU16String(buttonPage_.Counter()));
+  buttonString_->setCurrentIndex(-1);
+  buttonString_->setEditText(QString::fromStdU16String(buttonPage_.String()));
+  buttonCaption_->setText(QString::fromStdU16String(buttonPage_.Caption()));
+  buttonCaption_->setEnabled(buttonPage_.CaptionEditable());
+}
+
 void TransmitOptionsDialog::AddKey(size_t keyIndex) {
   std::u16string field = postamble_->text().toStdU16String();
   // The rule decides whether the key still fits; a refused key is a beep.
@@ -134,6 +212,9 @@ app::TransmitOptionValues TransmitOptionsDialog::Values() const {
   values.PostambleKeysTX = postamble_->text().toStdU16String();
   values.TxClrRCVEtxt = clearReceive_->isChecked() ? 1 : 0;
   values.TxSendWholeFile = wholeFile_->isChecked() ? 1 : 0;
+  values.HardwareButtonData = buttons_.HardwareButtonData;
+  values.SoftwareButtonData = buttons_.SoftwareButtonData;
+  values.SoftwareButtonCaption = buttons_.SoftwareButtonCaption;
   return values;
 }
 

@@ -1,9 +1,12 @@
 // The Communication Properties pages: the dialog over a port table of its
-// own, and once through the menu of the running program.
+// own, and through the menu of the running program (with the Port Scan
+// page and its strip).
 #include <QCheckBox>
 #include <QComboBox>
+#include <QGroupBox>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QSpinBox>
 #include <array>
 #include <string>
 #include <tuple>
@@ -127,6 +130,31 @@ TEST(CommProperties, ThroughTheMenuCancelKeepsAndOkStores) {
           EXPECT_EQ(state.Port.SelectedBaud, ok ? 31250u : 9600u);
         });
   });
+}
+
+TEST(CommProperties, PortScanPageEnablesItsOptionsWithItsBoxAndOkShowsTheStrip) {
+  testing::GuiProgram program;
+  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+    const core::PortScanSettings opened = state.Psm;
+    testing::CancelThenOk<CommPropertiesDialog>(
+        window, core::cmd::kCommProperties,
+        [](CommPropertiesDialog& dialog) {
+          const auto& rotate = dialog.RotateBoxes();
+          // The rotate boxes are the group's.
+          auto usable = [&] { return rotate[3]->isEnabled() && dialog.ScanIntervalField()->isEnabled(); };
+          EXPECT_FALSE(usable() || dialog.PsmEnableBox()->isChecked());
+          EXPECT_TRUE(rotate[0]->isChecked() && dialog.ScanIntervalField()->value() == 1);
+          dialog.PsmEnableBox()->click();
+          EXPECT_TRUE(usable());
+          rotate[2]->click();
+          dialog.ScanIntervalField()->stepBy(4);
+        },
+        [&](bool ok) {
+          EXPECT_EQ(state.Psm, ok ? (core::PortScanSettings{1, 1, 0, 1, 0, 5, 0}) : opened);
+          EXPECT_TRUE(WaitUntil([&] { return window.PortScanStrip()->isVisibleTo(&window) == ok; }));
+        });
+  }),
+            0);
 }
 
 }  // namespace

@@ -1,7 +1,10 @@
 // The Qt view over the real start-up: what the main window shows and what
 // its menu items, buttons and fields do.
+#include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
+#include <QFile>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QRegularExpression>
@@ -9,6 +12,7 @@
 #include <QTextCursor>
 #include <thread>
 
+#include "automation/port_scan.h"
 #include "core/clipboard.h"
 #include "core/reporting.h"
 #include "tests/qt/gui_program.h"
@@ -192,6 +196,60 @@ TEST(MainWindow, ClosingTheWindowIsTheExitCommand) {
   EXPECT_EQ(exitCode, 0);
   EXPECT_TRUE(stayedOpen);
   EXPECT_TRUE(program.State().ShuttingDown);
+}
+
+TEST(MainWindow, StripsShowWhatTheModelSaysAndPostTheirControls) {
+  GuiProgram program;
+  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+    PsmStrip* psm = window.PortScanStrip();
+    SoftwareButtonStrip* software = window.SoftwareButtons();
+    EXPECT_FALSE(psm->isVisible() || software->isVisible());
+    const QSize windowSize = window.size();
+    const int receiveHeight = window.Receive()->height();
+    state.Data.SoftwareButtonCaption = {u"Hello", u"Bye", u"Third"};
+    state.Data.SoftwareButtonData = {u"hello there", u"bye"};
+    window.Action(cmd::kSoftwareButtons)->trigger();
+    ASSERT_TRUE(WaitUntil([&] { return software->isVisible(); }));
+    QStringList labels;
+    for (int n = 1; n <= 6; ++n)
+      labels << software->Button(n)->text() + (software->Button(n)->isEnabled() ? "+" : "");
+    EXPECT_EQ(labels.join(' '), QStringLiteral("Hello+ Bye+    "));
+    software->Button(1)->click();
+    EXPECT_TRUE(WaitUntil([&] { return state.Screen.TxText() == u"hello there"; }));
+
+    state.Psm.PsmEnabled = 1;
+    automation::ShowPsmStrip(state);
+    ASSERT_TRUE(WaitUntil([&] { return psm->isVisible(); }));
+    EXPECT_TRUE(psm->StartButton()->isEnabled() && !psm->StopButton()->isEnabled());
+    psm->TxBox()->click();
+    const int tx = core::strip::kPsmStrip + core::strip::kPsmTx;
+    EXPECT_TRUE(WaitUntil([&] { return state.Screen.IsButtonPressed(tx) && psm->TxBox()->isChecked(); }));
+    // Both strips take their room from the receive window, not beyond the screen.
+    EXPECT_TRUE(WaitUntil([&] { return window.Receive()->height() < receiveHeight - psm->height(); }));
+    EXPECT_EQ(window.size(), windowSize);
+  }),
+            0);
+}
+
+TEST(MainWindow, RunScriptOffersTheConfigurationFolderAndRunsTheChosenScript) {
+  GuiProgram program;
+  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+    const QString folder = QString::fromStdU16String(state.ConfigFolder);
+    QFile script(folder + QStringLiteral("/hello.txt"));
+    ASSERT_TRUE(script.open(QIODevice::WriteOnly) &&
+                script.write("<COMMENT>said by the script</COMMENT>") > 0);
+    script.close();
+    testing::ModalHandler<QFileDialog> picker([&](QFileDialog& dialog) {
+      EXPECT_EQ(dialog.windowTitle() + dialog.directory().canonicalPath(),
+                QStringLiteral("Run script") + QDir(folder).canonicalPath());
+      dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(script.fileName());
+      static_cast<QDialog&>(dialog).accept();
+    });
+    window.Action(cmd::kRunScript)->trigger();
+    EXPECT_TRUE(WaitUntil(
+        [&] { return window.Receive()->ModelText().find(u"said by the script") != std::u16string::npos; }));
+  }),
+            0);
 }
 
 }  // namespace

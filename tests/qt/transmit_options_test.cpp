@@ -1,10 +1,13 @@
-// The Transmit Options sheet, and the file picker of the transmit field.
+// The Transmit Options sheet with its Configure Button page, and the file
+// picker of the transmit field.
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFile>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QRadioButton>
 #include <QSpinBox>
 #include <QToolButton>
 #include <string>
@@ -23,6 +26,8 @@ using namespace testing;
 TEST(TransmitOptions, PagesShowAndReturnTheValuesAndAddAppendsWhileTheFieldHasRoom) {
   TestApplication();
   TransmitOptionsDialog dialog(app::TransmitOptionValues{5, 250, u"[0D]", 1, 0});
+  ASSERT_NE(dialog.findChild<QTabWidget*>(), nullptr);
+  EXPECT_EQ(dialog.findChild<QTabWidget*>()->count(), 3);
   EXPECT_EQ(std::tuple(dialog.RepeatCountField()->value(), dialog.RepeatDelayField()->value(),
                        dialog.PostambleField()->text(), dialog.ClearReceiveBox()->isChecked(),
                        dialog.WholeFileBox()->isChecked()),
@@ -70,6 +75,48 @@ TEST(TransmitOptions, ThroughTheMenuCancelKeepsAndOkStores) {
           EXPECT_EQ(state.Data.PostambleLengthTX, ok ? 2 : 0);
         });
   });
+}
+
+TEST(TransmitOptions, ConfigureButtonPageOpensOnHardwareOneAndWritesEachButton) {
+  testing::GuiProgram program;
+  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+    auto& data = state.Data;
+    data.HardwareButtonData[0] = u"ATZ";
+    data.SoftwareButtonData[0] = u"AT+GMR";
+    data.SoftwareButtonCaption = {u"Reset", u"Version"};
+    state.Screen.SetTxHistory({u"AT&V"});
+    const QString choices =
+        state.Screen.IsMenuItemGrey(core::cmd::kScreenOff) ? "AT&V {PLAY}" : "AT&V {SCREEN_OFF} {PLAY}";
+    auto shown = [](TransmitOptionsDialog& dialog) {
+      return QStringList({dialog.HardwareButtonChoice()->isChecked() ? "hardware" : "software",
+                          dialog.ButtonCounter()->text(), dialog.ButtonStringField()->currentText(),
+                          dialog.ButtonCaptionField()->text(),
+                          dialog.ButtonCaptionField()->isEnabled() ? "editable" : "grey"});
+    };
+    testing::CancelThenOk<TransmitOptionsDialog>(
+        window, core::cmd::kTransmitOptions,
+        [&](TransmitOptionsDialog& dialog) {
+          QComboBox* string = dialog.ButtonStringField();
+          EXPECT_EQ(shown(dialog), QStringList({"hardware", " 1 / 4", "ATZ", "Reset", "grey"}));
+          QStringList listed;
+          for (int i = 0; i < string->count(); ++i) listed << string->itemText(i);
+          EXPECT_EQ(listed.join(' '), choices + " {STOP} {CLEAR_RECEIVE_WINDOW} {EXIT_PROGRAM}");
+          string->setCurrentIndex(string->findText(QStringLiteral("{PLAY}")));  // hardware 1
+          dialog.SoftwareButtonChoice()->setChecked(true);
+          dialog.ButtonNumberField()->setValue(2);
+          EXPECT_EQ(shown(dialog), QStringList({"software", " 2 / 6", "", "Version", "editable"}));
+          string->setEditText(QStringLiteral("AT+CSQ"));
+          dialog.ButtonCaptionField()->setText(QStringLiteral("Signal"));
+          dialog.ButtonNumberField()->setValue(1);
+          EXPECT_EQ(shown(dialog), QStringList({"software", " 1 / 6", "AT+GMR", "Reset", "editable"}));
+        },
+        [&](bool ok) {
+          EXPECT_EQ(data.HardwareButtonData[0], ok ? u"{PLAY}" : u"ATZ");
+          EXPECT_EQ(data.SoftwareButtonData[1], ok ? u"AT+CSQ" : u"");
+          EXPECT_EQ(data.SoftwareButtonCaption[1], ok ? u"Signal" : u"Version");
+        });
+  }),
+            0);
 }
 
 TEST(TransmitOptions, FilePickerPutsTheFileIntoTheTransmitField) {

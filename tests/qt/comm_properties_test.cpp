@@ -133,8 +133,7 @@ TEST(CommProperties, ThroughTheMenuCancelKeepsAndOkStores) {
 }
 
 TEST(CommProperties, PortScanPageEnablesItsOptionsWithItsBoxAndOkShowsTheStrip) {
-  testing::GuiProgram program;
-  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+  RunShown([&](MainWindowWidget& window, core::AppState& state) {
     const core::PortScanSettings opened = state.Psm;
     testing::CancelThenOk<CommPropertiesDialog>(
         window, core::cmd::kCommProperties,
@@ -153,8 +152,7 @@ TEST(CommProperties, PortScanPageEnablesItsOptionsWithItsBoxAndOkShowsTheStrip) 
           EXPECT_EQ(state.Psm, ok ? (core::PortScanSettings{1, 1, 0, 1, 0, 5, 0}) : opened);
           EXPECT_TRUE(WaitUntil([&] { return window.PortScanStrip()->isVisibleTo(&window) == ok; }));
         });
-  }),
-            0);
+  });
 }
 
 }  // namespace

@@ -199,8 +199,7 @@ TEST(MainWindow, ClosingTheWindowIsTheExitCommand) {
 }
 
 TEST(MainWindow, StripsShowWhatTheModelSaysAndPostTheirControls) {
-  GuiProgram program;
-  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+  RunShown([&](MainWindowWidget& window, core::AppState& state) {
     PsmStrip* psm = window.PortScanStrip();
     SoftwareButtonStrip* software = window.SoftwareButtons();
     EXPECT_FALSE(psm->isVisible() || software->isVisible());
@@ -227,13 +226,11 @@ TEST(MainWindow, StripsShowWhatTheModelSaysAndPostTheirControls) {
     // Both strips take their room from the receive window, not beyond the screen.
     EXPECT_TRUE(WaitUntil([&] { return window.Receive()->height() < receiveHeight - psm->height(); }));
     EXPECT_EQ(window.size(), windowSize);
-  }),
-            0);
+  });
 }
 
 TEST(MainWindow, RunScriptOffersTheConfigurationFolderAndRunsTheChosenScript) {
-  GuiProgram program;
-  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+  RunShown([&](MainWindowWidget& window, core::AppState& state) {
     const QString folder = QString::fromStdU16String(state.ConfigFolder);
     QFile script(folder + QStringLiteral("/hello.txt"));
     ASSERT_TRUE(script.open(QIODevice::WriteOnly) &&
@@ -248,8 +245,7 @@ TEST(MainWindow, RunScriptOffersTheConfigurationFolderAndRunsTheChosenScript) {
     window.Action(cmd::kRunScript)->trigger();
     EXPECT_TRUE(WaitUntil(
         [&] { return window.Receive()->ModelText().find(u"said by the script") != std::u16string::npos; }));
-  }),
-            0);
+  });
 }
 
 }  // namespace

@@ -78,8 +78,7 @@ TEST(TransmitOptions, ThroughTheMenuCancelKeepsAndOkStores) {
 }
 
 TEST(TransmitOptions, ConfigureButtonPageOpensOnHardwareOneAndWritesEachButton) {
-  testing::GuiProgram program;
-  EXPECT_EQ(program.RunShown([&](MainWindowWidget& window, core::AppState& state) {
+  RunShown([&](MainWindowWidget& window, core::AppState& state) {
     auto& data = state.Data;
     data.HardwareButtonData[0] = u"ATZ";
     data.SoftwareButtonData[0] = u"AT+GMR";
@@ -115,8 +114,7 @@ TEST(TransmitOptions, ConfigureButtonPageOpensOnHardwareOneAndWritesEachButton) 
           EXPECT_EQ(data.SoftwareButtonData[1], ok ? u"AT+CSQ" : u"");
           EXPECT_EQ(data.SoftwareButtonCaption[1], ok ? u"Signal" : u"Version");
         });
-  }),
-            0);
+  });
 }
 
 TEST(TransmitOptions, FilePickerPutsTheFileIntoTheTransmitField) {

@@ -195,6 +195,12 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args) {
       sw.LogOverwrite = 1;
     } else if (arg == "--never-drop") {
       sw.NeverDrop = 1;
+    } else if (arg == "--reconnect") {
+      sw.Reconnect = 1;
+    } else if (arg == "--line-status") {
+      sw.LineStatus = 1;
+    } else if (arg == "--send-break") {
+      sw.SendBreak = 1;
     } else if (arg == "--exit-after-script") {
       sw.ExitAfterScript = 1;
     } else if (arg == "--scan") {
@@ -245,6 +251,11 @@ std::string HelpText(const std::string& program, bool guiProgram) {
       "  --baud N, --databits 5..8, --parity none|odd|even|mark|space, --stopbits 1|1.5|2\n"
       "                                the line setting for it\n"
       "  --send TEXT                   send TEXT once the port is open ([0D] is a carriage return)\n"
+      "  --reconnect                   reopen the port when its device comes back after going away\n"
+      "                                (also when the port of --port is not there at start)\n"
+      "  --line-status                 report the modem lines (CTS, DSR, DCD, RI) and the error\n"
+      "                                counters on standard error whenever they change\n"
+      "  --send-break                  send a break once the port is open\n"
       "  --relay tcp://HOST:PORT       relay received data to a TCP server (udp://HOST:PORT: UDP)\n"
       "                                once the port is open; the relay's messages go to standard error\n"
       "  --record [FILE]               switch RECORD on once the port is open, into FILE when given\n"
@@ -280,7 +291,8 @@ std::string HelpText(const std::string& program, bool guiProgram) {
       "says how many bytes. Each line\n"
       "of standard input is sent, in order, once the previous one has gone. A line of\n"
       "~ and a word is a command instead: ~play, ~stop, ~repeat, ~record, ~relay,\n"
-      "~clear, ~pause (the display), ~exit; a line beginning with ~~ is sent with one ~.\n"
+      "~clear, ~pause (the display), ~break, ~rts, ~dtr, ~exit; a line beginning with\n"
+      "~~ is sent with one ~.\n"
       "Commands wait for the lines typed before them, except during a REPEAT run.\n"
       "\n"
       "Exit status: 0 on a normal end (also after SIGINT or SIGTERM, and after a\n"

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "app/line_control.h"
 #include "app/main_window.h"
 #include "app/tray_notification.h"
 #include "core/messages.h"
@@ -36,10 +37,15 @@ void Play(core::AppState& state) {
 }
 
 bool EndsWhenStartPortFails(const core::AppState& state) {
-  return state.Switches.NoGui != 0;
+  return state.Switches.NoGui != 0 && state.Port.ReopenPort != 1;
 }
 
 void Stop(core::AppState& state) {
+  // Waiting for a device that went away: STOP ends the wait.
+  if (state.ReconnectWaiting && !state.PortOpen) {
+    CancelWaitingForDevice(state);
+    return;
+  }
   state.TxActive = false;
   core::ShowStatus(state, u"Closing port...");
   serial::ClosePort(state);
@@ -93,6 +99,12 @@ void ShowOpenedState(core::AppState& state) {
   screen.EnableButton(kStop, true);
   core::ShowStatus(state, u"Port opened!  Send/Receive active...");
   if (screen.IsButtonEnabled(kSend)) screen.SetFocus(kSend);
+  OnPortOpened(state);
+  // --send-break: one break, as soon as the port is open.
+  if (state.PendingBreak) {
+    state.PendingBreak = false;
+    SendBreak(state);
+  }
   // --record: recording starts with the first opening, before any --send.
   if (state.PendingRecord) {
     state.PendingRecord = false;
@@ -131,6 +143,7 @@ void ShowClosedState(core::AppState& state) {
   if (deviceGone) {
     // A hang-up leaves no error code: the words say it all.
     core::ShowStatus(state, u"Port closed!  The device went away.");
+    if (state.Port.ReopenPort == 1) BeginWaitingForDevice(state);
   } else {
     core::ShowStatus(state, u"Port closed!  Send/Receive deactivated.");
   }

@@ -20,7 +20,7 @@ struct EscapeCommand {
   const char16_t* Name;  // as the button or menu item says it
 };
 
-constexpr std::array<EscapeCommand, 8> kEscapeCommands = {{
+constexpr std::array<EscapeCommand, 11> kEscapeCommands = {{
     {"play", kPlay, u"PLAY"},
     {"stop", kStop, u"STOP"},
     {"repeat", kRepeat, u"REPEAT"},
@@ -28,6 +28,9 @@ constexpr std::array<EscapeCommand, 8> kEscapeCommands = {{
     {"relay", kRelay, u"RELAY"},
     {"clear", kClearReceiveWindow, u"Clear"},
     {"pause", kPauseRxDisplay, u"Pause Received window"},
+    {"break", kSendBreak, u"Send Break"},
+    {"rts", kToggleRts, u"RTS"},
+    {"dtr", kToggleDtr, u"DTR"},
     {"exit", kExit, u"Exit"},
 }};
 

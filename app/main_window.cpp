@@ -5,6 +5,7 @@
 #include "app/command_line.h"
 #include "app/connection.h"
 #include "app/display_power.h"
+#include "app/line_control.h"
 #include "app/start_configuration.h"
 #include "app/startup.h"
 #include "app/tray_notification.h"
@@ -177,9 +178,22 @@ int64_t OnCommand(core::AppState& state, int command, int64_t source) {
     case kPlay:
       Play(state);
       // A port named on the command line that cannot be opened ends a run
-      // without a window: nobody is there to pick another.
-      if (source == core::kFromCommandLine && !state.PortOpen && EndsWhenStartPortFails(state))
-        Shutdown(state, kStartPortFailedExitCode);
+      // without a window: nobody is there to pick another. Told to reopen
+      // it, the program waits for its device instead.
+      if (source == core::kFromCommandLine && !state.PortOpen) {
+        if (state.Port.ReopenPort == 1) {
+          BeginWaitingForDevice(state);
+        } else if (EndsWhenStartPortFails(state)) {
+          Shutdown(state, kStartPortFailedExitCode);
+        }
+      }
+      return 0;
+    case kSendBreak:
+      SendBreak(state);
+      return 0;
+    case kToggleRts:
+    case kToggleDtr:
+      ToggleModemLine(state, command == kToggleRts);
       return 0;
     case kScreenOff:
       DisplayOff(state);
@@ -311,7 +325,11 @@ int64_t MainWindowProc(core::AppState& state, const core::Message& message) {
     case core::kWmCommand:
       return OnCommand(state, static_cast<int>(message.WParam), message.LParam);
     case core::kWmTimer:
-      if (message.WParam == core::kKeepAliveTimerId) KeepAlive(state);
+      if (message.WParam == core::kKeepAliveTimerId) {
+        KeepAlive(state);
+        CheckPortLines(state);
+      }
+      if (message.WParam == core::kBreakTimerId) EndBreak(state);
       if (message.WParam == core::kPsmStartTimerId || message.WParam == core::kPsmStopTimerId)
         automation::OnPsmTimer(state, static_cast<uint32_t>(message.WParam));
       return 0;

@@ -90,6 +90,8 @@ void LoadStartConfiguration(core::AppState& state) {
   if (!sw.StopBits.empty()) state.Port.StopBits = sw.StopBits;
   ApplyRelaySwitch(state);
   ApplyLogSwitches(state);
+  if (sw.Reconnect) state.Port.ReopenPort = 1;
+  state.PendingBreak = sw.SendBreak != 0;
   if (!sw.Port.empty()) state.Port.SelectedPort = sw.Port;
   core::PublishSettings(state);
   if (sw.Scan) {

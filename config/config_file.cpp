@@ -286,6 +286,7 @@ void WalkPortSection(Io& io, Port& port) {
   if (io.Count("CustomBauds_count", port.CustomBauds_count, std::numeric_limits<int32_t>::min(),
                std::numeric_limits<int32_t>::max()))
     io.UInt("CustomBaud_01", port.CustomBaud_01, false);
+  io.Int("ReopenPort", port.ReopenPort, false);
 }
 
 // The transmit field's drop-down as the file keeps it.

@@ -90,6 +90,9 @@ struct AppState {
   // --- ports -----------------------------------------------------------------
   // The device each port slot stands for (run-time only).
   std::array<std::string, kPortSlots> PortDevicePath;
+  // The stable name of the device behind each slot (its /dev/serial/by-id
+  // link), where it has one (run-time only).
+  std::array<std::string, kPortSlots> PortStablePath;
   // Virtual ports of the program options: device paths for VSP1..VSP9.
   std::array<std::string, kPortSlots> VirtualPortPath;
 
@@ -113,6 +116,17 @@ struct AppState {
   std::u16string PendingSendText;  // --send: sent once the port has opened
   bool PendingRelay = false;       // --relay: RELAY goes on once the port has opened
   bool PendingRecord = false;      // --record: RECORD goes on once the port has opened
+  bool PendingBreak = false;       // --send-break: a break once the port has opened
+  // Reopening: the device the open port stands for (its stable name, else its
+  // path), and whether the program waits for it to come back.
+  std::string ReconnectPath;
+  bool ReconnectWaiting = false;
+  bool Reopening = false;  // the PLAY under way is a reopening
+  // The output lines as the user switched them, and the line status shown last.
+  bool RtsOn = false;
+  bool DtrOn = false;
+  platform::LineStatus ShownLineStatus;
+  bool LineStatusShown = false;
   std::atomic<bool> PortScanMode{false};
   std::atomic<bool> PortOpen{false};  // the port handle is valid
   bool SoftwareButtonsShown = false;

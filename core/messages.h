@@ -51,6 +51,10 @@ inline constexpr int kScreenOff = 235;
 inline constexpr int kFullscreen = 236;
 inline constexpr int kSoftwareButtons = 237;
 inline constexpr int kCommPinouts = 238;
+// The port's lines by hand: a break, RTS and DTR switched.
+inline constexpr int kSendBreak = 239;
+inline constexpr int kToggleRts = 240;
+inline constexpr int kToggleDtr = 241;
 inline constexpr int kConfigLoad = 312;
 inline constexpr int kConfigSave = 313;
 inline constexpr int kConfigSaveAs = 314;
@@ -100,6 +104,9 @@ inline constexpr uint32_t kKeepAliveTimerId = 153;
 inline constexpr uint32_t kPsmStartTimerId = 154;
 inline constexpr uint32_t kPsmStopTimerId = 155;
 inline constexpr int kPsmButtonDelayMs = 500;
+// One-shot: the end of a break.
+inline constexpr uint32_t kBreakTimerId = 156;
+inline constexpr int kBreakMs = 250;
 inline constexpr int kKeepAliveIntervalMs = 500;
 
 }  // namespace wavetrace::core

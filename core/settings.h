@@ -64,6 +64,9 @@ struct PortSettings {
   int32_t DsrFlow = 0;  // not persisted
   int32_t CustomBauds_count = 0;
   uint32_t CustomBaud_01 = 0;
+  // 1: a port whose device went away is opened again when the device comes
+  // back under the same name (saved as an extra key).
+  int32_t ReopenPort = 0;
 
   bool operator==(const PortSettings&) const = default;
 };

@@ -35,6 +35,23 @@ inline constexpr uint32_t kError = 0x0080;
 inline constexpr uint32_t kDefaultMask = kRxChar | kRxFlag | kTxEmpty | kBreak | kError;  // 199
 }  // namespace event
 
+// The modem input lines and the driver's error counters, as far as a port can
+// tell (a pseudo-terminal knows neither; many USB adapters lack the counters).
+struct LineStatus {
+  bool LinesKnown = false;
+  bool Cts = false;
+  bool Dsr = false;
+  bool Dcd = false;
+  bool Ri = false;
+  bool CountersKnown = false;
+  uint32_t Frame = 0;
+  uint32_t Parity = 0;
+  uint32_t Overrun = 0;
+  uint32_t BufferOverrun = 0;
+  uint32_t Breaks = 0;
+  bool operator==(const LineStatus&) const = default;
+};
+
 // An open serial port: a terminal device or a backend inside the program.
 // Failures come back as results (or -1 counts with the result kept), never
 // thrown.
@@ -70,6 +87,13 @@ class SerialPort {
   virtual void ClearModemLines(bool rts, bool dtr) = 0;
   // Asks the far side to stop sending (XOFF).
   virtual void SendXoff() = 0;
+  // Sets (on) or clears one output line by hand: RTS when rts, else DTR.
+  // Ports without modem lines ignore it.
+  virtual void SetModemLine(bool /*rts*/, bool /*on*/) {}
+  // Holds the line in the break state (on) or releases it. A terminal
+  // without a break (a pseudo-terminal) takes the call and does nothing.
+  virtual SysResult SetBreak(bool /*on*/) { return {}; }
+  [[nodiscard]] virtual LineStatus ReadLineStatus() const { return {}; }
   // Bytes received and not read yet (0 when unknown).
   [[nodiscard]] virtual int QueuedInput() const { return 0; }
   // True once the device went away (hang-up) while open.

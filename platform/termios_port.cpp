@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <linux/serial.h>
 #include <poll.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
@@ -207,6 +208,44 @@ class TermiosPort : public SerialPort {
   void SendXoff() override {
     std::shared_lock lock(closing_);
     if (fd_ >= 0) tcflow(fd_, TCIOFF);
+  }
+
+  void SetModemLine(bool rts, bool on) override {
+    std::shared_lock lock(closing_);
+    int line = rts ? TIOCM_RTS : TIOCM_DTR;
+    if (fd_ >= 0) ioctl(fd_, on ? TIOCMBIS : TIOCMBIC, &line);
+  }
+
+  SysResult SetBreak(bool on) override {
+    std::shared_lock lock(closing_);
+    if (fd_ < 0) return {0, "closed port"};
+    if (ioctl(fd_, on ? TIOCSBRK : TIOCCBRK) != 0) return FailedCall(on ? "TIOCSBRK" : "TIOCCBRK");
+    return {};
+  }
+
+  [[nodiscard]] LineStatus ReadLineStatus() const override {
+    std::shared_lock lock(closing_);
+    LineStatus status;
+    if (fd_ < 0) return status;
+    // Drivers without the calls answer ENOTTY or EINVAL: not known.
+    int lines = 0;
+    if (ioctl(fd_, TIOCMGET, &lines) == 0) {
+      status.LinesKnown = true;
+      status.Cts = lines & TIOCM_CTS;
+      status.Dsr = lines & TIOCM_DSR;
+      status.Dcd = lines & TIOCM_CAR;
+      status.Ri = lines & TIOCM_RNG;
+    }
+    serial_icounter_struct counters{};
+    if (ioctl(fd_, TIOCGICOUNT, &counters) == 0) {
+      status.CountersKnown = true;
+      status.Frame = static_cast<uint32_t>(counters.frame);
+      status.Parity = static_cast<uint32_t>(counters.parity);
+      status.Overrun = static_cast<uint32_t>(counters.overrun);
+      status.BufferOverrun = static_cast<uint32_t>(counters.buf_overrun);
+      status.Breaks = static_cast<uint32_t>(counters.brk);
+    }
+    return status;
   }
 
   void Close() override {

@@ -136,6 +136,8 @@ int DiscoverPorts(core::AppState& state, PortNumbers& numbers, const DiscoverySo
     auto slot = static_cast<size_t>(n);
     port.PortPresent[slot] = 1;
     state.PortDevicePath[slot] = device->DevicePath;
+    state.PortStablePath[slot] =
+        device->StableName != device->Name ? sources.SerialById + "/" + device->StableName : std::string();
     if (device->Bluetooth) {
       port.FriendlyName[slot] = u"Bluetooth Serial Port " + Slot("COM", n) + u":";
     } else if (device->Gps) {

@@ -119,6 +119,18 @@ class SimulatedPort : public platform::SerialPort {
   }
   void ClearModemLines(bool, bool) override {}
   void SendXoff() override {}
+  void SetModemLine(bool, bool) override {}
+  // The device is always there (CTS, DSR, DCD up); the counters are what
+  // the port's UART model found wrong in what the device sent.
+  [[nodiscard]] platform::LineStatus ReadLineStatus() const override {
+    std::lock_guard lock(mutex_);
+    platform::LineStatus status;
+    status.LinesKnown = status.Cts = status.Dsr = status.Dcd = true;
+    status.CountersKnown = true;
+    status.Frame = errors_.Frame;
+    status.Parity = errors_.Parity;
+    return status;
+  }
   [[nodiscard]] bool HungUp() const override { return false; }
 
   void Close() override {
@@ -187,7 +199,7 @@ class SimulatedPort : public platform::SerialPort {
     double seconds = static_cast<double>(bytes.size()) * BitsPerFrame(profile_.SimulatedSetting) /
                      profile_.SimulatedSetting.Baud;
     bursts_.push_back(
-        Burst{TranscodeUart(bytes, profile_.SimulatedSetting, portLine_), start,
+        Burst{TranscodeUart(bytes, profile_.SimulatedSetting, portLine_, &errors_), start,
               std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds)), 0});
   }
 
@@ -236,8 +248,9 @@ class SimulatedPort : public platform::SerialPort {
   }
 
   const core::SimulatedProfile profile_;
-  std::mutex mutex_;
+  mutable std::mutex mutex_;
   std::condition_variable wake_;
+  UartErrors errors_;  // what the port's side found in the device's frames
   LineSettings portLine_;
   uint32_t mask_ = platform::event::kDefaultMask;
   bool closed_ = false;

@@ -84,7 +84,8 @@ double BitsPerFrame(const LineSettings& line) {
   return 1 + line.DataBits + (line.ParityMode == Parity::kNone ? 0 : 1) + StopLength(line.Stop);
 }
 
-std::string TranscodeUart(std::string_view bytes, const LineSettings& sender, const LineSettings& receiver) {
+std::string TranscodeUart(std::string_view bytes, const LineSettings& sender, const LineSettings& receiver,
+                          UartErrors* errors) {
   if (SameFraming(sender, receiver)) {
     // A line of 5, 6 or 7 data bits carries only those bits of each byte.
     std::string out(bytes);
@@ -110,20 +111,24 @@ std::string TranscodeUart(std::string_view bytes, const LineSettings& sender, co
     double sample = edge + 1.5 * bit;
     for (int i = 0; i < receiver.DataBits; ++i, sample += bit)
       data |= static_cast<uint32_t>(wave.LevelAt(sample)) << i;
-    bool good = true;
+    bool parityGood = true;
     if (receiver.ParityMode != Parity::kNone) {
-      good = wave.LevelAt(sample) == ParityBit(data, receiver.DataBits, receiver.ParityMode);
+      parityGood = wave.LevelAt(sample) == ParityBit(data, receiver.DataBits, receiver.ParityMode);
       sample += bit;
     }
     // Every stop bit the receiver expects must be there: a frame that comes
     // too soon after the last is a framing error.
     double stopLength = StopLength(receiver.Stop);
-    if (wave.LevelAt(sample) != 1) good = false;
+    bool framed = wave.LevelAt(sample) == 1;
     if (stopLength > 1.0) {
       sample += (stopLength - 1.0) * bit;
-      if (wave.LevelAt(sample) != 1) good = false;
+      framed = framed && wave.LevelAt(sample) == 1;
     }
-    out.push_back(good ? static_cast<char>(data) : '\0');
+    if (errors) {
+      errors->Parity += parityGood ? 0 : 1;
+      errors->Frame += framed ? 0 : 1;
+    }
+    out.push_back(parityGood && framed ? static_cast<char>(data) : '\0');
     t = sample;
   }
   return out;

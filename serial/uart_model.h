@@ -13,8 +13,13 @@ namespace wavetrace::serial {
 // samples). A failed stop bit or parity check reads as a zero byte, as Linux
 // delivers it. Equal settings give the bytes unchanged but for the data bits
 // the line does not carry. Deterministic.
+// The receiver's error counts: failed parity checks, missing stop bits.
+struct UartErrors {
+  uint32_t Frame = 0;
+  uint32_t Parity = 0;
+};
 std::string TranscodeUart(std::string_view bytes, const platform::LineSettings& sender,
-                          const platform::LineSettings& receiver);
+                          const platform::LineSettings& receiver, UartErrors* errors = nullptr);
 
 // Whether two settings frame bytes the same way on the wire.
 bool SameFraming(const platform::LineSettings& a, const platform::LineSettings& b);

@@ -11,7 +11,9 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <filesystem>
 #include <fstream>
+#include <memory>
 #include <functional>
 #include <string>
 #include <thread>
@@ -107,6 +109,16 @@ class Child {
     return WaitForExit(ms);
   }
   void Signal(int sig) { kill(pid_, sig); }
+  // Processor time used so far, in clock ticks (user and system).
+  long CpuTicks() const {
+    std::ifstream stat("/proc/" + std::to_string(pid_) + "/stat");
+    std::string field;
+    long ticks = 0;
+    for (int i = 1; i <= 15 && stat >> field; ++i) {
+      if (i >= 14) ticks += std::atol(field.c_str());
+    }
+    return ticks;
+  }
   void Type(const std::string& text) { (void)!write(in_, text.data(), text.size()); }
   void CloseInput() { close(std::exchange(in_, -1)); }
   const std::string& Out() const { return streams_[0]; }
@@ -377,6 +389,51 @@ TEST(Headless, APortThatFailsAtStartEndsTheRunWithOne) {
   size_t count = 0;
   for (size_t at = err.find(words); at != npos; at = err.find(words, at + 1)) ++count;
   EXPECT_EQ(count, 2u) << err;
+}
+
+TEST(Headless, AReconnectingRunWaitsIdleForItsDeviceAndTakesItBackUntilStop) {
+  testing::TempFolder folder;
+  const std::string link = folder.Path() + "/gps";
+  // Each device stands behind the one stable name, as a by-id link does.
+  auto plugIn = [&](platform::PtyPair& device) {
+    std::filesystem::remove(link);
+    std::filesystem::create_symlink(device.SlavePath(), link);
+  };
+  auto count = [](const std::string& text, const std::string& what) {
+    size_t n = 0;
+    for (size_t at = text.find(what); at != npos; at = text.find(what, at + 1)) ++n;
+    return n;
+  };
+  Child child({"--port", link, "--reconnect"}, folder.Path());
+  ASSERT_TRUE(child.WaitForError("Waiting for the device to come back [" + link + "]")) << child.Err();
+  // Waiting is idle: no busy loop (a tick is 10 ms; a second of spinning is 100).
+  long before = child.CpuTicks();
+  std::this_thread::sleep_for(std::chrono::seconds(1));
+  EXPECT_LE(child.CpuTicks() - before, 10);
+
+  auto first = std::make_unique<platform::PtyPair>();
+  plugIn(*first);
+  ASSERT_TRUE(child.Opened()) << child.Err();
+  first->Write("one\r\n");
+  ASSERT_TRUE(child.WaitForOutput("one\r\n"));
+  first->CloseMaster();  // unplugged
+  ASSERT_TRUE(child.Until([&] { return count(child.Err(), "Waiting for the device to come back") == 2; }));
+  platform::PtyPair second;
+  plugIn(second);
+  ASSERT_TRUE(child.Until([&] { return count(child.Err(), "Port opened again!") == 2; })) << child.Err();
+  second.Write("two\r\n");
+  ASSERT_TRUE(child.WaitForOutput("two\r\n"));
+
+  // STOP during a wait ends it: a device that comes back then is left alone.
+  second.CloseMaster();
+  ASSERT_TRUE(child.Until([&] { return count(child.Err(), "Waiting for the device to come back") == 3; }));
+  child.Type("~stop\n");
+  ASSERT_TRUE(child.WaitForError("Port closed!  Send/Receive deactivated."));
+  platform::PtyPair third;
+  plugIn(third);
+  std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+  EXPECT_EQ(count(child.Err(), "Port opened again!"), 2u) << child.Err();
+  EXPECT_EQ(child.Terminate(), 0);
 }
 
 }  // namespace

@@ -139,6 +139,7 @@ void ShowClosedState(core::AppState& state) {
   // Only the communication properties come back; Load... and Run script stay
   // grey until something else enables them.
   if (IsCommandAvailable(kCommProperties)) screen.GreyMenuItem(kCommProperties, false);
+  EnableLineCommands(state, false);
   ShellNotification(state, kNotifyIdle);
   if (deviceGone) {
     // A hang-up leaves no error code: the words say it all.

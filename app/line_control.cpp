@@ -84,6 +84,7 @@ void CheckPortLines(core::AppState& state) {
 }
 
 void OnPortOpened(core::AppState& state) {
+  EnableLineCommands(state, true);
   state.ReconnectWaiting = false;
   state.ReconnectPath = DeviceIdentity(state);
   state.RtsOn = state.Port.RTS == 1;
@@ -126,6 +127,22 @@ void ToggleModemLine(core::AppState& state, bool rts) {
   port->SetModemLine(rts, on);
   state.Screen.CheckMenuItem(rts ? kToggleRts : kToggleDtr, on);
   core::ShowStatus(state, std::u16string(rts ? u"RTS" : u"DTR") + OnOff(on) + u".");
+}
+
+std::optional<platform::LineStatus> OpenPortLineStatus(core::AppState& state) {
+  auto port = serial::CurrentPort(state);
+  if (!port) return std::nullopt;
+  return port->ReadLineStatus();
+}
+
+void ToggleLineStatusStrip(core::AppState& state) {
+  bool shown = !state.Screen.StripShown(core::strip::kLineStatusStrip);
+  state.Screen.ShowStrip(core::strip::kLineStatusStrip, shown);
+  state.Screen.CheckMenuItem(kLineStatus, shown);
+}
+
+void EnableLineCommands(core::AppState& state, bool portOpen) {
+  for (int item : {kSendBreak, kToggleRts, kToggleDtr}) state.Screen.GreyMenuItem(item, !portOpen);
 }
 
 std::u16string LineStatusText(const platform::LineStatus& s) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "core/app_state.h"
@@ -29,6 +30,13 @@ void SendBreak(core::AppState& state);
 void EndBreak(core::AppState& state);
 // Commands 240, 241: RTS or DTR switched by hand while the port is open.
 void ToggleModemLine(core::AppState& state, bool rts);
+
+// The open port's line status; nothing while no port is open.
+std::optional<platform::LineStatus> OpenPortLineStatus(core::AppState& state);
+// Command 242: the line status strip shown or hidden.
+void ToggleLineStatusStrip(core::AppState& state);
+// The commands that act on an open port's lines: enabled only while one is open.
+void EnableLineCommands(core::AppState& state, bool portOpen);
 
 // "Line status: CTS on, DSR on, DCD off, RI off; framing errors 0, ..." with
 // "n/a" for what the port cannot tell.

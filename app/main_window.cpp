@@ -195,6 +195,9 @@ int64_t OnCommand(core::AppState& state, int command, int64_t source) {
     case kToggleDtr:
       ToggleModemLine(state, command == kToggleRts);
       return 0;
+    case kLineStatus:
+      ToggleLineStatusStrip(state);
+      return 0;
     case kScreenOff:
       DisplayOff(state);
       return 0;
@@ -295,6 +298,7 @@ void ShowClosedControls(core::AppState& state) {
     screen.GreyMenuItem(command, true);
     screen.EnableButton(command, false);
   }
+  EnableLineCommands(state, false);
 }
 
 int CreateMainWindow(core::AppState& state) {

@@ -55,6 +55,8 @@ inline constexpr int kCommPinouts = 238;
 inline constexpr int kSendBreak = 239;
 inline constexpr int kToggleRts = 240;
 inline constexpr int kToggleDtr = 241;
+// The strip of modem-line lamps and error counts.
+inline constexpr int kLineStatus = 242;
 inline constexpr int kConfigLoad = 312;
 inline constexpr int kConfigSave = 313;
 inline constexpr int kConfigSaveAs = 314;
@@ -86,6 +88,7 @@ inline constexpr int kBacklightOnReceive = 8137;
 namespace strip {
 inline constexpr int kPsmStrip = 1 << 16;
 inline constexpr int kSoftwareStrip = 2 << 16;
+inline constexpr int kLineStatusStrip = 3 << 16;
 inline constexpr int kPsmStart = 6020;
 inline constexpr int kPsmStop = 6021;
 inline constexpr int kPsmTx = 6022;

@@ -90,6 +90,10 @@ QWidget* CommPropertiesDialog::BuildPortPage(const core::PortSettings& port,
   devicePath_ = new QLineEdit(page);
   devicePath_->setObjectName(QStringLiteral("devicePath"));
   layout->addWidget(devicePath_);
+  // On two lines: a check box does not wrap, and the page must fit a narrow screen.
+  reopen_ = FlagBox("Reopen the port when the device\ncomes back", port.ReopenPort, page);
+  reopen_->setObjectName(QStringLiteral("reopenPort"));
+  layout->addWidget(reopen_);
 
   // A port is either a slot of the list or what the field names, never both.
   if (current) {
@@ -241,6 +245,7 @@ void CommPropertiesDialog::WriteValues(core::PortSettings& edited) const {
   edited.XON = xon_->isChecked() ? 1 : 0;
   edited.RTS = rts_->isChecked() ? 1 : 0;
   edited.DTR = dtr_->isChecked() ? 1 : 0;
+  edited.ReopenPort = reopen_->isChecked() ? 1 : 0;
 }
 
 void CommPropertiesDialog::accept() {

@@ -43,6 +43,7 @@ class CommPropertiesDialog : public QDialog {
   [[nodiscard]] QComboBox* DataBitsField() const { return dataBits_; }
   [[nodiscard]] QComboBox* ParityField() const { return parity_; }
   [[nodiscard]] QComboBox* StopBitsField() const { return stopBits_; }
+  [[nodiscard]] QCheckBox* ReopenBox() const { return reopen_; }
   [[nodiscard]] QCheckBox* XonBox() const { return xon_; }
   [[nodiscard]] QCheckBox* RtsBox() const { return rts_; }
   [[nodiscard]] QCheckBox* DtrBox() const { return dtr_; }
@@ -70,6 +71,7 @@ class CommPropertiesDialog : public QDialog {
   QComboBox* dataBits_ = nullptr;
   QComboBox* parity_ = nullptr;
   QComboBox* stopBits_ = nullptr;
+  QCheckBox* reopen_ = nullptr;
   QCheckBox* xon_ = nullptr;
   QCheckBox* rts_ = nullptr;
   QCheckBox* dtr_ = nullptr;

@@ -96,6 +96,9 @@ MainWindowWidget::MainWindowWidget(double scale, QWidget* parent) : QMainWindow(
   softwareStrip_ = new SoftwareButtonStrip(scale_, central);
   softwareStrip_->hide();
   column->addWidget(softwareStrip_);
+  lineStrip_ = new LineStatusStrip(central);
+  lineStrip_->hide();
+  column->addWidget(lineStrip_);
   connect(psmStrip_, &PsmStrip::StripCommand, this, &MainWindowWidget::StripCommandRequested);
   connect(softwareStrip_, &SoftwareButtonStrip::StripCommand, this, &MainWindowWidget::StripCommandRequested);
 
@@ -207,6 +210,10 @@ void MainWindowWidget::BuildMenus() {
   AddItem(edit, kReceiveOptions, "Receive Options");
   AddItem(edit, kTransmitOptions, "Transmit Options");
   AddItem(edit, kCommProperties, "Communication Properties");
+  edit->addSeparator();
+  AddItem(edit, kSendBreak, "Send Break");
+  AddItem(edit, kToggleRts, "RTS", true);
+  AddItem(edit, kToggleDtr, "DTR", true);
 
   QMenu* display = addMenu(nullptr, bar, "Display");
   AddItem(display, kScreenOff, "ScreenOff");
@@ -220,6 +227,7 @@ void MainWindowWidget::BuildMenus() {
   display->addSeparator();
   AddItem(display, kPauseRxDisplay, "Pause Received window", true);
   AddItem(display, kSoftwareButtons, "Software Buttons", true);
+  AddItem(display, kLineStatus, "Line Status", true);
   display->addSeparator();
   AddItem(display, kAsciiChart, "ASCII Chart");
   AddItem(display, kCommPinouts, "Comm. Pinouts");
@@ -341,6 +349,7 @@ void MainWindowWidget::RefreshStrips(const core::MainScreen& screen,
                                      const SoftwareButtonStrip::Labels& softwareLabels) {
   psmStrip_->Refresh(screen);
   softwareStrip_->Refresh(screen, softwareLabels);
+  lineStrip_->setVisible(screen.StripShown(core::strip::kLineStatusStrip));
 }
 
 void MainWindowWidget::closeEvent(QCloseEvent* event) {

@@ -47,6 +47,7 @@ class MainWindowWidget : public QMainWindow {
   [[nodiscard]] QAction* SendFileAction() const { return sendFileAction_; }
   [[nodiscard]] PsmStrip* PortScanStrip() const { return psmStrip_; }
   [[nodiscard]] SoftwareButtonStrip* SoftwareButtons() const { return softwareStrip_; }
+  [[nodiscard]] LineStatusStrip* LineStatus() const { return lineStrip_; }
 
   // The menu's Copy and Paste, which work on the focused widget.
   void CopyFromFocus();
@@ -84,6 +85,7 @@ class MainWindowWidget : public QMainWindow {
   QAction* sendFileAction_ = nullptr;
   PsmStrip* psmStrip_ = nullptr;
   SoftwareButtonStrip* softwareStrip_ = nullptr;
+  LineStatusStrip* lineStrip_ = nullptr;
   QWidget* buttonPanel_ = nullptr;
   std::map<int, QPushButton*> buttons_;
   std::map<int, QAction*> actions_;

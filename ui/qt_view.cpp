@@ -15,6 +15,7 @@
 
 #include "app/button_page.h"
 #include "app/comm_properties.h"
+#include "app/line_control.h"
 #include "app/port_scan_page.h"
 #include "app/startup.h"
 #include "app/transmit_options.h"
@@ -70,6 +71,8 @@ QtView::QtView(core::AppState& state, QObject* parent) : QObject(parent), state_
 
   window_ = std::make_unique<MainWindowWidget>(fit.Scale);
   window_->resize(fit.WindowSize);
+  // The line status strip reads the port on the GUI thread, the main thread.
+  window_->LineStatus()->SetReader([this] { return app::OpenPortLineStatus(state_); });
   connect(window_.get(), &MainWindowWidget::CommandRequested, this,
           [this](int command) { state_.Queue.PostCommand(command); });
   connect(window_.get(), &MainWindowWidget::StripCommandRequested, this,

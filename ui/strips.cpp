@@ -3,10 +3,13 @@
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QPainter>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
+#include "app/line_control.h"
 #include "ui/screen_scale.h"
 
 namespace wavetrace::ui {
@@ -100,6 +103,42 @@ void SoftwareButtonStrip::Refresh(const core::MainScreen& screen, const Labels& 
 QPushButton* SoftwareButtonStrip::Button(int number) const {
   if (number < 1 || number > kSoftwareButtonCount) return nullptr;
   return buttons_[static_cast<size_t>(number - 1)];
+}
+
+LineStatusStrip::LineStatusStrip(QWidget* parent) : QWidget(parent) {
+  setObjectName(QStringLiteral("lineStatusStrip"));
+  setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+  auto* row = new QHBoxLayout(this);
+  row->setContentsMargins(2, 2, 2, 2);
+  label_ = new QLabel(this);
+  label_->setWordWrap(true);
+  label_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  row->addWidget(label_);
+  timer_ = new QTimer(this);
+  timer_->setInterval(200);
+  connect(timer_, &QTimer::timeout, this, &LineStatusStrip::Update);
+}
+
+QString LineStatusStrip::Text() const {
+  return label_->text();
+}
+
+void LineStatusStrip::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  Update();
+  timer_->start();
+}
+
+void LineStatusStrip::hideEvent(QHideEvent* event) {
+  QWidget::hideEvent(event);
+  timer_->stop();
+}
+
+void LineStatusStrip::Update() {
+  std::optional<platform::LineStatus> status = read_ ? read_() : std::nullopt;
+  QString text = status ? QString::fromStdU16String(app::LineStatusText(*status))
+                        : QStringLiteral("Line status: no port open");
+  if (text != label_->text()) label_->setText(text);
 }
 
 }  // namespace wavetrace::ui

@@ -2,13 +2,18 @@
 
 #include <QWidget>
 #include <array>
+#include <functional>
+#include <optional>
 #include <string>
 
 #include "core/main_screen.h"
 #include "core/messages.h"
+#include "platform/serial_port.h"
 
 class QCheckBox;
+class QLabel;
 class QPushButton;
+class QTimer;
 
 namespace wavetrace::ui {
 
@@ -60,6 +65,31 @@ class SoftwareButtonStrip : public QWidget {
 
  private:
   std::array<QPushButton*, core::strip::kSoftwareButtonCount> buttons_{};
+};
+
+// The port's modem lines as lamps and the driver's error counts, read from
+// the port while the strip is shown, five times a second at most. "n/a"
+// where the port cannot tell; nothing while no port is open.
+class LineStatusStrip : public QWidget {
+  Q_OBJECT
+
+ public:
+  // read: the open port's line status, or nothing while no port is open.
+  using Reader = std::function<std::optional<platform::LineStatus>()>;
+  explicit LineStatusStrip(QWidget* parent = nullptr);
+  void SetReader(Reader read) { read_ = std::move(read); }
+  [[nodiscard]] QString Text() const;
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+
+ private:
+  void Update();
+
+  Reader read_;
+  QLabel* label_ = nullptr;
+  QTimer* timer_ = nullptr;
 };
 
 }  // namespace wavetrace::ui

@@ -42,7 +42,7 @@ TEST(MainWindow, StartUpShowsTheWelcomeTextTitleStatusAndTheModelsControls) {
     // Every menu item and button shows what the model says of its command.
     auto actions = window.findChildren<QAction*>(QRegularExpression("^action\\d+$"));
     auto buttons = window.findChildren<QPushButton*>(QRegularExpression("^button\\d+$"));
-    EXPECT_EQ(std::pair(actions.size(), buttons.size()), std::pair(qsizetype{27}, qsizetype{9}));
+    EXPECT_EQ(std::pair(actions.size(), buttons.size()), std::pair(qsizetype{31}, qsizetype{9}));
     for (QAction* action : actions) {
       int command = action->objectName().mid(6).toInt();
       EXPECT_EQ(action, window.Action(command));
@@ -245,6 +245,29 @@ TEST(MainWindow, RunScriptOffersTheConfigurationFolderAndRunsTheChosenScript) {
     window.Action(cmd::kRunScript)->trigger();
     EXPECT_TRUE(WaitUntil(
         [&] { return window.Receive()->ModelText().find(u"said by the script") != std::u16string::npos; }));
+  });
+}
+
+TEST(MainWindow, LineStatusStripShowsTheOpenPortsLinesAndTheLineCommandsFollowThePort) {
+  RunShown([&](MainWindowWidget& window, core::AppState& state) {
+    EXPECT_FALSE(window.Action(cmd::kSendBreak)->isEnabled() || window.Action(cmd::kToggleRts)->isEnabled());
+    window.Action(cmd::kLineStatus)->trigger();
+    ASSERT_TRUE(WaitUntil([&] { return window.LineStatus()->isVisible(); }));
+    EXPECT_TRUE(WaitUntil([&] { return window.LineStatus()->Text() == "Line status: no port open"; }));
+    // The simulated device at the wrong parity: its errors show as they count.
+    state.Port.SelectedPort = u"VSP0:";
+    state.Port.SelectedBaud = 4800;
+    state.Port.Parity = u"Odd";
+    window.Button(cmd::kPlay)->click();
+    ASSERT_TRUE(WaitUntil([&] { return window.Action(cmd::kSendBreak)->isEnabled(); }));
+    EXPECT_TRUE(WaitUntil([&] {
+      return window.LineStatus()->Text().startsWith("Line status: CTS on") &&
+             !window.LineStatus()->Text().contains("parity errors 0,");
+    }));
+    window.Action(cmd::kToggleRts)->trigger();
+    EXPECT_TRUE(WaitUntil([&] { return window.Action(cmd::kToggleRts)->isChecked(); }));
+    window.Action(cmd::kLineStatus)->trigger();
+    EXPECT_TRUE(WaitUntil([&] { return !window.LineStatus()->isVisible(); }));
   });
 }
 

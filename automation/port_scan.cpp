@@ -44,7 +44,7 @@ class PortScan {
     int32_t outcome = plan.Port.empty() ? kScanNoPort : Scan(plan);
     if (outcome == kEnding) return;
     if (outcome == kScanNoPort) {
-      OnMainThread([this] {
+      state_.Queue.RunOnMainThreadAndWait([this] {
         for (const char16_t* line : {u"\r\n", u"\r\nERROR!", u"\r\nNo COM port selected.",
                                      u"\r\nPlease select a COM port to use, and try again.", u"\r\n"}) {
           state_.Screen.RxInsertAtCaret(line);
@@ -99,7 +99,7 @@ class PortScan {
 
   ScanPlan TakePlan() {
     ScanPlan plan;
-    OnMainThread([&] {
+    state_.Queue.RunOnMainThreadAndWait([&] {
       const core::PortSettings& port = state_.Port;
       const core::PortScanSettings& psm = state_.Psm;
       plan.Port = port.SelectedPort;
@@ -114,7 +114,7 @@ class PortScan {
 
   // The line setting is the main thread's to change.
   void SetLine(const ScanEntry& line) {
-    OnMainThread([&] {
+    state_.Queue.RunOnMainThreadAndWait([&] {
       state_.Port.SelectedBaud = line.Baud;
       state_.Port.SelectedDataBits = line.DataBits;
       state_.Port.Parity = line.Parity;
@@ -129,14 +129,6 @@ class PortScan {
     auto settings = state_.PublishedRx.Load();
     rx::DispatchReceivedData(state_, *settings, reinterpret_cast<const uint8_t*>(text.data()),
                              static_cast<uint32_t>(text.size()));
-  }
-
-  template <typename Call>
-  void OnMainThread(Call call) {
-    state_.Queue.RunOnMainThread([&call] {
-      call();
-      return int64_t{0};
-    });
   }
 
   core::AppState& state_;

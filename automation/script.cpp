@@ -25,11 +25,11 @@ class ProgramScriptHost final : public ScriptHost {
   [[nodiscard]] bool Ending() const override { return state_.ShuttingDown || thread_.StopRequested(); }
 
   void WriteToReceiveWindow(std::u16string_view text) override {
-    OnMainThread([&] { state_.Screen.RxReplaceSelection(text); });
+    state_.Queue.RunOnMainThreadAndWait([&] { state_.Screen.RxReplaceSelection(text); });
   }
 
   void LoadConfiguration(const std::u16string& path) override {
-    OnMainThread([&] {
+    state_.Queue.RunOnMainThreadAndWait([&] {
       platform::SysResult failure;
       // A file that cannot be opened says nothing by itself; named by a
       // script, it must not pass in silence.
@@ -49,7 +49,7 @@ class ProgramScriptHost final : public ScriptHost {
            (!state_.Screen.IsButtonEnabled(kStop) || (state_.TxActive && !state_.TxRepeat))) {
       if (!Sleep(kScriptPollMs)) return;
     }
-    OnMainThread([&] {
+    state_.Queue.RunOnMainThreadAndWait([&] {
       state_.Screen.SetTxText(text);
       // Enter in the transmit field is a tap on SEND.
       if (state_.Screen.TxEnabled() && state_.Screen.IsButtonEnabled(kSend)) {
@@ -70,14 +70,6 @@ class ProgramScriptHost final : public ScriptHost {
   void ScriptEnded() override {}
 
  private:
-  template <typename Call>
-  void OnMainThread(Call call) {
-    state_.Queue.RunOnMainThread([&call] {
-      call();
-      return int64_t{0};
-    });
-  }
-
   core::AppState& state_;
   platform::SuspendableThread& thread_;
 };
@@ -86,11 +78,10 @@ void AutomationThread(core::AppState& state, platform::SuspendableThread& self, 
   ProgramScriptHost host(state, self);
   ScriptEnd end = RunScript(text, state.ScriptState, state.Switches.Debug != 0, host);
   if (end == ScriptEnd::kProgramEnding) return;
-  state.Queue.RunOnMainThread([&state] {
+  state.Queue.RunOnMainThreadAndWait([&state] {
     state.ScriptRunning = false;
     // Another script may be run now (while the port is closed).
     if (!state.PortOpen) state.Screen.GreyMenuItem(kRunScript, false);
-    return int64_t{0};
   });
   if (end == ScriptEnd::kEndOfText && state.Switches.ExitAfterScript) state.Queue.PostCommand(kExit);
 }

@@ -25,6 +25,7 @@
 #include <string>
 #include <thread>
 
+#include "bench/bench_support.h"
 #include "platform/pty.h"
 
 namespace {
@@ -33,23 +34,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr size_t kPieceBytes = size_t{64} << 10;
 
-// WAVETRACE_BENCH_MIB overrides the amount sent.
-size_t BytesToSend() {
-  const char* mib = std::getenv("WAVETRACE_BENCH_MIB");
-  return (mib ? std::strtoul(mib, nullptr, 10) : 64) << 20;
-}
-
-// All 256 byte values, zero, CR and LF included: the log keeps them as they
-// come when the views are off and nothing stamps the records.
-std::string MixedBytes(size_t bytes) {
-  std::string data(bytes, '\0');
-  uint32_t seed = 7;
-  for (auto& byte : data) {
-    seed = seed * 1103515245u + 12345u;
-    byte = static_cast<char>(seed >> 16);
-  }
-  return data;
-}
+using wavetrace::bench::MixedBytes;
 
 size_t FileSize(const std::string& path) {
   struct stat info {};
@@ -162,7 +147,7 @@ Run Measure(bool cli, const std::string& data) {
 }
 
 void BM_PtyToLogFile(benchmark::State& state, bool cli) {
-  static const std::string data = MixedBytes(BytesToSend());
+  static const std::string data = MixedBytes(wavetrace::bench::BytesToSend(64));
   size_t lost = 0;
   double tail = 0;
   double sustained = 0;

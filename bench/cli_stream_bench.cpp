@@ -18,6 +18,7 @@
 #include <thread>
 #include <vector>
 
+#include "bench/bench_support.h"
 #include "platform/pty.h"
 
 namespace {
@@ -26,16 +27,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr size_t kBytes = size_t{64} << 20;
 constexpr size_t kPieceBytes = size_t{64} << 10;
-
-std::string MixedBytes() {
-  std::string bytes(kBytes, '\0');
-  uint32_t seed = 7;
-  for (auto& byte : bytes) {
-    seed = seed * 1103515245u + 12345u;
-    byte = static_cast<char>(seed >> 16);
-  }
-  return bytes;
-}
 
 struct Run {
   double seconds = 0;
@@ -120,7 +111,7 @@ Run Measure(bool cli, const std::string& data) {
 }
 
 void BM_PtyToStdout(benchmark::State& state, bool cli) {
-  static const std::string data = MixedBytes();
+  static const std::string data = wavetrace::bench::MixedBytes(kBytes);
   size_t lost = 0;
   for (auto _ : state) {
     Run run = Measure(cli, data);

@@ -17,6 +17,7 @@
 #include <thread>
 #include <vector>
 
+#include "bench/bench_support.h"
 #include "platform/pty.h"
 #include "platform/socket.h"
 
@@ -24,12 +25,6 @@ namespace {
 
 using namespace wavetrace;
 using Clock = std::chrono::steady_clock;
-
-// WAVETRACE_BENCH_MIB overrides the amount sent.
-size_t BytesToSend() {
-  const char* mib = std::getenv("WAVETRACE_BENCH_MIB");
-  return (mib ? std::strtoul(mib, nullptr, 10) : 32) << 20;
-}
 
 // Printable lines: the text view passes them unchanged, so what the sink
 // gets can be compared byte for byte with what the device sent.
@@ -109,7 +104,7 @@ pid_t Spawn(const std::vector<std::string>& args, const std::string& home) {
 }
 
 void Forwarding(benchmark::State& state, bool socat) {
-  const std::string data = DeviceData(BytesToSend());
+  const std::string data = DeviceData(bench::BytesToSend(32));
   std::string home = (std::filesystem::temp_directory_path() / "wavetrace-bench-XXXXXX").string();
   if (!mkdtemp(home.data())) return state.SkipWithError("no temporary folder");
   for (auto _ : state) {

@@ -54,6 +54,14 @@ class MessageQueue {
   int64_t Send(Message message);
   int64_t SendCommand(int command) { return Send(MakeMessage(0x0111, command)); }
   int64_t RunOnMainThread(std::function<int64_t()> call);
+  // The same for a call without a result.
+  template <typename Call>
+  void RunOnMainThreadAndWait(Call&& call) {
+    RunOnMainThread([&call] {
+      call();
+      return int64_t{0};
+    });
+  }
 
   void PostQuit(int exitCode);
   [[nodiscard]] bool QuitPosted() const;

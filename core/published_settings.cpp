@@ -15,51 +15,24 @@ TimeStampFormat TimeStampFormatOf(const LogSettings& log) {
 }  // namespace
 
 RxSettings RxSettingsOf(const AppState& state) {
-  const DataSettings& data = state.Data;
   RxSettings rx;
-  rx.modeASCII = data.modeASCII;
-  rx.modeBINARY = data.modeBINARY;
-  rx.Base = data.Base;
-  rx.BinBrackets = data.BinBrackets;
-  rx.NonChars = data.NonChars;
-  rx.FilterNP = data.FilterNP;
-  rx.DisableSnR = data.DisableSnR;
-  rx.SnR_count = data.SnR_count;
-  rx.SnR = data.SnR;
-  rx.PostambleBytesRX = data.PostambleBytesRX;
-  rx.PostambleLengthRX = data.PostambleLengthRX;
+  static_cast<ReceiveViewSettings&>(rx) = state.Data;
   rx.Stamp = TimeStampFormatOf(state.Log);
-  rx.RxDelayReadThread = data.RxDelayReadThread;
-  rx.PauseRxDisplay = data.PauseRxDisplay;
-  rx.RxBacklightEvent = data.RxBacklightEvent;
   return rx;
 }
 
 TxSettings TxSettingsOf(const AppState& state) {
-  const DataSettings& data = state.Data;
   TxSettings tx;
-  tx.Base = data.Base;
-  tx.TxRepeatNum = data.TxRepeatNum;
-  tx.TxRepeatDelay = data.TxRepeatDelay;
-  tx.TxClrRCVEtxt = data.TxClrRCVEtxt;
-  tx.TxSendWholeFile = data.TxSendWholeFile;
-  tx.PostambleBytesTX = data.PostambleBytesTX;
-  tx.PostambleLengthTX = data.PostambleLengthTX;
+  static_cast<TransmitSettings&>(tx) = state.Data;
+  tx.Base = state.Data.Base;
   tx.SelectedBaud = state.Port.SelectedBaud;
   return tx;
 }
 
 LogRecordSettings LogRecordSettingsOf(const AppState& state) {
-  const LogSettings& log = state.Log;
   LogRecordSettings record;
-  record.LOGtimestamp = log.LOGtimestamp;
-  record.LOGtransmitdata = log.LOGtransmitdata;
-  record.TSremoveCRLF = log.TSremoveCRLF;
-  record.Stamp = TimeStampFormatOf(log);
-  record.NeverDropLogData = log.NeverDropLogData;
-  record.RecordALL = log.RecordALL;
-  record.RecordInterval = log.RecordInterval;
-  record.RecordDuration = log.RecordDuration;
+  static_cast<LogRecordFields&>(record) = state.Log;
+  record.Stamp = TimeStampFormatOf(state.Log);
   return record;
 }
 

@@ -9,9 +9,10 @@ namespace wavetrace::core {
 
 struct AppState;
 
-// The settings a worker thread reads, as published by the main thread. Fields
-// are named by their configuration key; each worker loads its record once per
-// unit of work and never reads the settings blocks of AppState.
+// The settings a worker thread reads, as published by the main thread: each
+// record is a slice of a settings block (fields named by their configuration
+// key) plus what it takes from elsewhere. Each worker loads its record once
+// per unit of work and never reads the settings blocks of AppState.
 
 // The date and time parts of a stamp (section DataLog).
 struct TimeStampFormat {
@@ -24,36 +25,16 @@ struct TimeStampFormat {
 
 // Read by the receive thread (once per block: the pipeline, the dispatcher,
 // the read delay) and by the receive-window update thread (once per cycle).
-struct RxSettings {
-  uint8_t modeASCII = 1;
-  uint8_t modeBINARY = 0;
-  int32_t Base = 16;
-  int32_t BinBrackets = 0;
-  int32_t NonChars = 0;
-  int32_t FilterNP = 0;
-  int32_t DisableSnR = 0;
-  int32_t SnR_count = 0;
-  std::array<SnRRule, DataSettings::kMaxSnRRules + 1> SnR{};
-  std::array<uint8_t, DataSettings::kPostambleChars> PostambleBytesRX{};
-  int32_t PostambleLengthRX = 0;
+struct RxSettings : ReceiveViewSettings {
   TimeStampFormat Stamp;
-  uint32_t RxDelayReadThread = 0;
-  uint8_t PauseRxDisplay = 0;
-  uint8_t RxBacklightEvent = 0;
 
   bool operator==(const RxSettings&) const = default;
 };
 
 // Read by the transmit thread, once per send (a repeat run reads it again
 // before each send).
-struct TxSettings {
-  int32_t Base = 16;
-  uint32_t TxRepeatNum = 0;
-  uint32_t TxRepeatDelay = 0;
-  int32_t TxClrRCVEtxt = 0;
-  int32_t TxSendWholeFile = 0;
-  std::array<uint8_t, DataSettings::kPostambleChars> PostambleBytesTX{};
-  int32_t PostambleLengthTX = 0;
+struct TxSettings : TransmitSettings {
+  int32_t Base = 16;  // of the escapes
   uint32_t SelectedBaud = 9600;
 
   bool operator==(const TxSettings&) const = default;
@@ -61,15 +42,8 @@ struct TxSettings {
 
 // Read by the log recorder (on the receive and transmit threads, once per
 // record) and by the interval recording thread (once per run of windows).
-struct LogRecordSettings {
-  int32_t LOGtimestamp = 0;
-  int32_t LOGtransmitdata = 0;
-  int32_t TSremoveCRLF = 0;
+struct LogRecordSettings : LogRecordFields {
   TimeStampFormat Stamp;
-  int32_t NeverDropLogData = 0;
-  int32_t RecordALL = 1;
-  int32_t RecordInterval = 10;
-  int32_t RecordDuration = 1;
 
   bool operator==(const LogRecordSettings&) const = default;
 };

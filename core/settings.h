@@ -71,8 +71,12 @@ struct PortSettings {
   bool operator==(const PortSettings&) const = default;
 };
 
-// Data settings block (DATA_h, POSTAMBLE, SnR, relays, buttons).
-struct DataSettings {
+inline constexpr size_t kPostambleBytes = 16;
+
+// The data settings the receive thread reads: the views, the filters, the
+// rules, the receive postamble, the read delay (the published RxSettings
+// carries a copy of them).
+struct ReceiveViewSettings {
   // A terminal opens in the text view with hexadecimal escapes.
   uint8_t modeASCII = 1;
   uint8_t modeBINARY = 0;
@@ -80,34 +84,48 @@ struct DataSettings {
   int32_t BinBrackets = 0;
   int32_t NonChars = 0;
   int32_t FilterNP = 0;
-  uint32_t TxRepeatNum = 0;
-  uint32_t TxRepeatDelay = 0;
   uint32_t RxDelayReadThread = 0;
-  int32_t TxClrRCVEtxt = 0;
-  // 1: a file's last partial chunk is always sent (by default a file between
-  // one and two chunks long loses its tail, as it always has).
-  int32_t TxSendWholeFile = 0;
   uint8_t PauseRxDisplay = 0;
-  uint8_t RxFullScreen = 0;
-  int32_t ShowClassNames = 0;
   uint8_t RxBacklightEvent = 0;
-
-  // Section POSTAMBLE, receive side. PostambleBytesRX is the parsed form of
-  // the keys text; PostambleLengthRX counts its bytes (0 = no postamble).
-  static constexpr size_t kPostambleChars = 16;
-  std::u16string wcszPostambleKeysRX;
-  std::array<uint8_t, kPostambleChars> PostambleBytesRX{};
+  // Section POSTAMBLE, receive side: the parsed form of the keys text;
+  // PostambleLengthRX counts its bytes (0 = no postamble).
+  static constexpr size_t kPostambleChars = kPostambleBytes;
+  std::array<uint8_t, kPostambleBytes> PostambleBytesRX{};
   int32_t PostambleLengthRX = 0;
-  // The transmit side, in the same notation.
-  std::u16string wcszPostambleKeysTX;
-  std::array<uint8_t, kPostambleChars> PostambleBytesTX{};
-  int32_t PostambleLengthTX = 0;
-
   // Sections SnR and SnR_nn. Slot 0 is never used; rules live in 1 and 2.
   static constexpr int32_t kMaxSnRRules = 2;
   int32_t SnR_count = 0;
   int32_t DisableSnR = 0;
   std::array<SnRRule, kMaxSnRRules + 1> SnR{};
+
+  bool operator==(const ReceiveViewSettings&) const = default;
+};
+
+// The data settings the transmit thread reads besides Base (the published
+// TxSettings carries a copy of them).
+struct TransmitSettings {
+  uint32_t TxRepeatNum = 0;
+  uint32_t TxRepeatDelay = 0;
+  int32_t TxClrRCVEtxt = 0;
+  // 1: a file's last partial chunk is always sent (by default a file between
+  // one and two chunks long loses its tail, as it always has).
+  int32_t TxSendWholeFile = 0;
+  // The transmit postamble, parsed as the receive one.
+  std::array<uint8_t, kPostambleBytes> PostambleBytesTX{};
+  int32_t PostambleLengthTX = 0;
+
+  bool operator==(const TransmitSettings&) const = default;
+};
+
+// Data settings block (DATA_h, POSTAMBLE, SnR, relays, buttons).
+struct DataSettings : ReceiveViewSettings, TransmitSettings {
+  uint8_t RxFullScreen = 0;
+  int32_t ShowClassNames = 0;
+
+  // The postambles as typed, with bracket escapes.
+  std::u16string wcszPostambleKeysRX;
+  std::u16string wcszPostambleKeysTX;
+
   int32_t SnRCurrentRule = 1;  // the rule the Replace page shows, 1-based
 
   // TCP_relay
@@ -128,16 +146,27 @@ struct DataSettings {
   bool operator==(const DataSettings&) const = default;
 };
 
-// Logging settings record (section DataLog).
-struct LogSettings {
-  std::u16string wszLogDir;  // always ends in the folder separator
-  std::u16string wszLogFile;
+// The logging settings the recorder and the interval recording read (the
+// published LogRecordSettings carries a copy of them).
+struct LogRecordFields {
   int32_t LOGtimestamp = 0;
   int32_t LOGtransmitdata = 0;
-  int32_t LOGoverwrite = 0;
+  int32_t TSremoveCRLF = 0;  // 1: no CR LF before each stamped record
+  // 1: a full log cache goes to the file instead of being dropped, and
+  // records are cached whole, zero bytes included (saved as an extra key).
+  int32_t NeverDropLogData = 0;
   int32_t RecordALL = 1;
   int32_t RecordInterval = 10;
   int32_t RecordDuration = 1;
+
+  bool operator==(const LogRecordFields&) const = default;
+};
+
+// Logging settings record (section DataLog).
+struct LogSettings : LogRecordFields {
+  std::u16string wszLogDir;  // always ends in the folder separator
+  std::u16string wszLogFile;
+  int32_t LOGoverwrite = 0;
 
   static constexpr size_t kTimeStampBytes = 32;
 
@@ -149,10 +178,6 @@ struct LogSettings {
   // moved on since the previous stamp. Guarded by the receive-data lock.
   std::array<uint8_t, kTimeStampBytes> CurrentTimeStamp{};
   std::array<uint8_t, kTimeStampBytes> PreviousTimeStamp{};
-  int32_t TSremoveCRLF = 0;  // 1: no CR LF before each stamped record
-  // 1: a full log cache goes to the file instead of being dropped, and
-  // records are cached whole, zero bytes included (saved as an extra key).
-  int32_t NeverDropLogData = 0;
 
   bool operator==(const LogSettings&) const = default;
 };

@@ -5,6 +5,7 @@
 #include "app/command_line.h"
 #include "app/connection.h"
 #include "app/display_power.h"
+#include "app/help.h"
 #include "app/line_control.h"
 #include "app/start_configuration.h"
 #include "app/startup.h"
@@ -37,7 +38,6 @@ constexpr std::array kUnavailable = {
     kReceiveOptions,
     kAsciiChart,
     kCommPinouts,
-    kHelp,
 };
 
 bool IsUnavailable(int command) {
@@ -221,6 +221,9 @@ int64_t OnCommand(core::AppState& state, int command, int64_t source) {
       return 0;
     case kSoftwareButtons:
       ToggleSoftwareButtons(state);
+      return 0;
+    case kHelp:
+      ShowHelp(state);
       return 0;
     case kAbout:
       if (state.View) state.View->ShowAbout(AboutReleaseLine(), state.AutomationMode != 0);

@@ -52,6 +52,9 @@ class FrontEnd {
   // Start-up found this program running already (the single-instance rule)
   // and ends; a window comes forward silently, a terminal is told why.
   virtual void AnotherInstanceRuns() {}
+  // Opens the HTML page at path (a local file), at the place fragment names,
+  // in the desktop's browser; false when the front end cannot.
+  virtual bool OpenManual(const std::string& /*path*/, std::string_view /*fragment*/) { return false; }
   // On the main thread: a send run has ended, or the port has just opened;
   // the transmit path may be free.
   virtual void TransmitDone() {}

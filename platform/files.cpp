@@ -45,6 +45,15 @@ std::string DocumentsFolder() {
   return home;
 }
 
+std::string ExecutableFolder() {
+  std::string path(4096, '\0');
+  ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
+  if (length <= 0 || static_cast<size_t>(length) >= path.size()) return {};
+  path.resize(static_cast<size_t>(length));
+  size_t slash = path.rfind('/');
+  return slash == std::string::npos ? std::string() : path.substr(0, slash == 0 ? 1 : slash);
+}
+
 SysResult MakeFolders(const std::string& path) {
   if (path.empty()) return {0, "mkdir"};
   for (size_t pos = 1; pos <= path.size(); ++pos) {

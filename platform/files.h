@@ -16,6 +16,10 @@ std::string ConfigFolder();
 // exists, else the home folder.
 std::string DocumentsFolder();
 
+// The folder of the running executable (from /proc/self/exe), without
+// trailing slash; empty when the system does not say.
+std::string ExecutableFolder();
+
 // Creates the folder and its parents; succeeds when it exists afterwards.
 SysResult MakeFolders(const std::string& path);
 bool FileExists(const std::string& path);

@@ -55,6 +55,11 @@ int main(int argc, char** argv) {
   // which the program turns into its Exit command.
   platform::SignalWatcher::Block();
   QApplication application(argc, argv);
+  // The window's WM_CLASS is "wavetrace", whatever the executable is called,
+  // as the desktop entry's StartupWMClass says; on Wayland the desktop file
+  // name is the window's application id.
+  QApplication::setApplicationName(QStringLiteral("wavetrace"));
+  QGuiApplication::setDesktopFileName(QStringLiteral("org.wavetrace.WavetracePro"));
   // The window closes through the shutdown, and the tray may outlive it.
   QApplication::setQuitOnLastWindowClosed(false);
 

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
+#include <QDesktopServices>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGuiApplication>
@@ -12,6 +13,7 @@
 #include <QSystemTrayIcon>
 #include <QThread>
 #include <QTimer>
+#include <QUrl>
 
 #include "app/button_page.h"
 #include "app/comm_properties.h"
@@ -347,6 +349,12 @@ std::u16string QtView::ChooseScriptFile() {
   if (path.isEmpty()) return {};
   scriptFolder_ = QFileInfo(path).absolutePath();
   return path.toStdU16String();
+}
+
+bool QtView::OpenManual(const std::string& path, std::string_view fragment) {
+  QUrl url = QUrl::fromLocalFile(QString::fromStdString(path));
+  url.setFragment(QString::fromUtf8(fragment.data(), static_cast<qsizetype>(fragment.size())));
+  return QDesktopServices::openUrl(url);
 }
 
 void QtView::ShowCommProperties() {

@@ -49,6 +49,7 @@ class QtView : public QObject, public core::FrontEnd {
   void ShowCommProperties() override;
   std::u16string ChooseConfigFile(bool save, std::u16string_view current) override;
   std::u16string ChooseScriptFile() override;
+  bool OpenManual(const std::string& path, std::string_view fragment) override;
   void InterruptModal() override;
 
  private:

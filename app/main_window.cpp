@@ -21,6 +21,7 @@
 #include "platform/clock.h"
 #include "platform/display_control.h"
 #include "relay/network_relay.h"
+#include "relay/window_relay.h"
 #include "rx/log_cache.h"
 #include "serial/port.h"
 #include "serial/tx_thread.h"
@@ -287,7 +288,8 @@ int CreateMainWindow(core::AppState& state) {
   state.Queue.SetHandler([&state](const core::Message& m) { return MainWindowProc(state, m); });
   state.Screen.SetListener([&state] { state.Queue.Post(core::MakeMessage(core::kWmScreenChanged)); });
 
-  // The create handler. The relay is in place before the receive thread.
+  // The create handler. The relays are in place before the receive thread.
+  relay::InstallWindowRelay(state);
   relay::InstallNetworkRelay(state);
   if (CreateWorkerThreads(state) != 0) {
     if (state.View) state.View->SetWaitCursor(false);
@@ -302,6 +304,7 @@ int CreateMainWindow(core::AppState& state) {
   state.Queue.SetTimer(core::kKeepAliveTimerId, core::kKeepAliveIntervalMs);
   state.KeepAliveTimerRunning = true;
   state.FirstPaintState = 2;
+  if (state.ProgramOptions.AcquireHWbuttons == 1) automation::RegisterHardwareButtons(state, true);
   ConfigureAtStart(state);
   return 0;
 }
@@ -364,6 +367,7 @@ void Shutdown(core::AppState& state, int exitCode) {
     platform::SleepMs(5);
   }
   serial::ClosePort(state);
+  automation::RegisterHardwareButtons(state, false);
   state.PlayFlag = false;
   state.TxActive = false;
   core::ShowStatus(state, u"Shutting down...");
@@ -372,6 +376,7 @@ void Shutdown(core::AppState& state, int exitCode) {
   if (state.RelayActive) ToggleRelay(state);
   DisplayOn(state);
   EndWorkerThreads(state);
+  state.WindowRelay.reset();
   state.NetworkRelay.reset();
   // The update thread's last flush has written the cache.
   log::CloseLogFile(state);

@@ -92,6 +92,10 @@ bool ChooseWindowByTitle(core::AppState& state, const WindowList& list, std::u16
   return false;
 }
 
+bool VirtualKeyboardOffered() {
+  return platform::UinputKeyboard::Available();
+}
+
 void SendKeyToFocus(platform::KeySink& keys, char16_t character, uint32_t flags) {
   // "#" to "(" share their numbers with the keys End, Home and the arrows.
   int low = character & 0xff;

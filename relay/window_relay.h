@@ -46,6 +46,10 @@ void ChooseWindow(core::AppState& state, const WindowList& list, int index);
 // target. False when none does.
 bool ChooseWindowByTitle(core::AppState& state, const WindowList& list, std::u16string_view text);
 
+// Whether the selector page offers typing through a virtual keyboard
+// (/dev/uinput is there and writable).
+bool VirtualKeyboardOffered();
+
 // One character to the focus window: flags 128 (the key itself) or 1, and a
 // character count of 0 for the characters whose low 8 bits are 35 to 40;
 // when the post is taken, an empty key event follows.

@@ -135,7 +135,8 @@ MainWindowWidget::MainWindowWidget(double scale, QWidget* parent) : QMainWindow(
     if (command == kRelay) {
       // Press and hold (or the right button) opens the Relay page.
       button->setContextMenuPolicy(Qt::CustomContextMenu);
-      connect(button, &QPushButton::customContextMenuRequested, this, &MainWindowWidget::RelayOptionsRequested);
+      connect(button, &QPushButton::customContextMenuRequested, this,
+              &MainWindowWidget::RelayOptionsRequested);
     }
     grid->addWidget(button, static_cast<int>(i) / kButtonColumns, static_cast<int>(i) % kButtonColumns);
     buttons_[entry.command] = button;

@@ -16,15 +16,16 @@
 #include "app/comm_properties.h"
 #include "app/startup.h"
 #include "app/transmit_options.h"
+#include "automation/function_buttons.h"
 #include "config/program_options.h"
 #include "core/messages.h"
 #include "core/reporting.h"
 #include "ui/about_dialog.h"
-#include "ui/relay_dialogs.h"
 #include "ui/comm_properties_dialog.h"
 #include "ui/main_window_widget.h"
 #include "ui/program_options_dialog.h"
 #include "ui/receive_view.h"
+#include "ui/relay_dialogs.h"
 #include "ui/screen_scale.h"
 #include "ui/transmit_options_dialog.h"
 #include "ui/tray_icon.h"
@@ -274,6 +275,7 @@ void QtView::ShowProgramOptions() {
   options.MULTIinst = values.MULTIinst;
   options.AcquireHWbuttons = values.AcquireHWbuttons;
   options.DisableIcon = values.DisableIcon;
+  automation::RegisterHardwareButtons(state_, options.AcquireHWbuttons == 1);
   bool saved = config::SaveProgramOptions(state_) == 0;
   core::ShowStatus(state_, saved ? u"Program Options saved." : u"Program Options could not be saved.");
 }

@@ -4,6 +4,7 @@
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
+#include <X11/keysym.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
@@ -11,7 +12,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <chrono>
 #include <functional>
 #include <string>
@@ -28,7 +28,8 @@ inline bool WaitFor(const std::function<bool()>& condition, int ms = 5000) {
   return true;
 }
 
-// Xvfb on a display number it picks itself; DISPLAY names it while it runs.
+// Xvfb on a display number it picks itself; DISPLAY names it while it runs
+// (and is unset afterwards).
 // Not Running() when Xvfb is not installed.
 class XServer {
  public:
@@ -51,29 +52,18 @@ class XServer {
     while (poll(&ready, 1, 10000) > 0 && read(fds[0], &c, 1) == 1 && c != '\n') number += c;
     close(fds[0]);
     if (number.empty()) return;
-    if (const char* old = getenv("DISPLAY")) saved_ = old;
     setenv("DISPLAY", (":" + number).c_str(), 1);
     running_ = true;
   }
   ~XServer() {
-    if (saved_.empty()) {
-      unsetenv("DISPLAY");
-    } else {
-      setenv("DISPLAY", saved_.c_str(), 1);
-    }
-    if (pid_ > 0) {
-      kill(pid_, SIGTERM);
-      waitpid(pid_, nullptr, 0);
-    }
+    unsetenv("DISPLAY");
+    if (pid_ > 0 && kill(pid_, SIGTERM) == 0) waitpid(pid_, nullptr, 0);
   }
-  XServer(const XServer&) = delete;
-  XServer& operator=(const XServer&) = delete;
   [[nodiscard]] bool Running() const { return running_; }
 
  private:
   pid_t pid_ = -1;
   bool running_ = false;
-  std::string saved_;
 };
 
 // A mapped top-level window with a title and a class that records what the
@@ -94,8 +84,6 @@ class TestWindow {
     }
   }
   ~TestWindow() { XCloseDisplay(display_); }
-  TestWindow(const TestWindow&) = delete;
-  TestWindow& operator=(const TestWindow&) = delete;
 
   [[nodiscard]] Window Id() const { return window_; }
   bool Focused() {
@@ -122,11 +110,8 @@ class TestWindow {
     char text[8];
     KeySym sym = NoSymbol;
     int count = XLookupString(&event.xkey, text, sizeof text, &sym, nullptr);
-    const std::pair<KeySym, const char16_t*> named[] = {
-        {XK_Left, u"<L>"}, {XK_Right, u"<R>"}, {XK_Up, u"<U>"}, {XK_Down, u"<D>"}};
-    for (auto [key, name] : named) {
-      if (sym == key) typed_ += name;
-    }
+    if (sym >= XK_Left && sym <= XK_Down)
+      typed_ += std::u16string(u"<L><U><R><D>").substr((sym - XK_Left) * 3, 3);
     if (sym >= 0x1000000) {
       typed_ += static_cast<char16_t>(sym & 0xffff);
     } else {
@@ -139,58 +124,41 @@ class TestWindow {
   std::u16string typed_;
 };
 
-// Just enough of an EWMH window manager: it names itself on the root,
-// lists the clients it was given and activates a window asked for through
-// _NET_ACTIVE_WINDOW (raise and focus).
+// Just enough of an EWMH window manager: it names itself on the root, lists
+// the clients it was given, and on Serve() activates the windows asked for
+// through _NET_ACTIVE_WINDOW (raise and focus).
 class FakeWindowManager {
  public:
   explicit FakeWindowManager(const std::vector<Window>& clients) : display_(XOpenDisplay(nullptr)) {
     Window root = DefaultRootWindow(display_);
     check_ = XCreateSimpleWindow(display_, root, 0, 0, 1, 1, 0, 0, 0);
-    auto set = [&](Window on, const char* name, Atom type, const void* values, int count) {
+    auto set = [&](Window on, const char* name, Atom type, const void* values, size_t count) {
       XChangeProperty(display_, on, XInternAtom(display_, name, False), type, 32, PropModeReplace,
-                      static_cast<const unsigned char*>(values), count);
+                      static_cast<const unsigned char*>(values), static_cast<int>(count));
     };
     set(root, "_NET_SUPPORTING_WM_CHECK", XA_WINDOW, &check_, 1);
     set(check_, "_NET_SUPPORTING_WM_CHECK", XA_WINDOW, &check_, 1);
-    active_ = XInternAtom(display_, "_NET_ACTIVE_WINDOW", False);
-    set(root, "_NET_SUPPORTED", XA_ATOM, &active_, 1);
     std::vector<unsigned long> ids(clients.begin(), clients.end());
-    set(root, "_NET_CLIENT_LIST", XA_WINDOW, ids.data(), static_cast<int>(ids.size()));
+    set(root, "_NET_CLIENT_LIST", XA_WINDOW, ids.data(), ids.size());
     XSelectInput(display_, root, SubstructureNotifyMask);
     XSync(display_, False);
-    thread_ = std::thread([this] { Run(); });
   }
-  ~FakeWindowManager() {
-    stop_ = true;
-    thread_.join();
-    XDestroyWindow(display_, check_);
-    XCloseDisplay(display_);
-  }
-  FakeWindowManager(const FakeWindowManager&) = delete;
-  FakeWindowManager& operator=(const FakeWindowManager&) = delete;
+  ~FakeWindowManager() { XCloseDisplay(display_); }
 
- private:
-  void Run() {
-    while (!stop_) {
-      pollfd ready{ConnectionNumber(display_), POLLIN, 0};
-      poll(&ready, 1, 20);
-      while (XPending(display_)) {
-        XEvent event;
-        XNextEvent(display_, &event);
-        if (event.type != ClientMessage || event.xclient.message_type != active_) continue;
-        XRaiseWindow(display_, event.xclient.window);
-        XSetInputFocus(display_, event.xclient.window, RevertToPointerRoot, CurrentTime);
-        XSync(display_, False);
-      }
+  void Serve() {
+    while (XPending(display_)) {
+      XEvent event;
+      XNextEvent(display_, &event);
+      if (event.type != ClientMessage) continue;
+      XRaiseWindow(display_, event.xclient.window);
+      XSetInputFocus(display_, event.xclient.window, RevertToPointerRoot, CurrentTime);
+      XSync(display_, False);
     }
   }
 
+ private:
   Display* display_;
   Window check_ = None;
-  Atom active_ = None;
-  std::atomic<bool> stop_{false};
-  std::thread thread_;
 };
 
 }  // namespace wavetrace::testing

@@ -55,7 +55,10 @@ TEST(X11Relay, WindowsAreListedActivatedAndTypedIntoWithAndWithoutAWindowManager
 
     ASSERT_TRUE(ChooseWindowByTitle(state, list, u"Scale"));
     EXPECT_TRUE(platform::Desktop().Activate(state.RelayTargetWindow.Handle));
-    EXPECT_TRUE(testing::WaitFor([&] { return scale.Focused(); }));
+    EXPECT_TRUE(testing::WaitFor([&] {
+      if (windowManager) windowManager->Serve();
+      return scale.Focused();
+    }));
     platform::X11Keyboard keys;
     ASSERT_EQ(keys.Unavailable(), "");
     RelayKeystrokes(keys, Wide("Kg 12.5\t\x1b[A\x1b[D\x03#(\x80\xe9\xbf\r"), true);

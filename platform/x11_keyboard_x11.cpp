@@ -2,6 +2,7 @@
 #include <X11/keysym.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <deque>
@@ -96,6 +97,7 @@ struct X11Keyboard::Typist {
   std::condition_variable drained;
   std::deque<KeyOp> queue;
   bool stop = false;
+  std::atomic<bool> stopping{false};  // stop, seen without the lock in the middle of a batch
   bool busy = false;
   // The keymap as last read (per key code, perCode keysyms).
   int minCode = 8;
@@ -118,6 +120,7 @@ struct X11Keyboard::Typist {
       std::lock_guard lock(mutex);
       stop = true;
     }
+    stopping = true;
     changed.notify_all();
     thread.join();
     XCloseDisplay(display);
@@ -152,7 +155,11 @@ struct X11Keyboard::Typist {
       busy = true;
       lock.unlock();
       TakeMappingChanges();
-      for (const KeyOp& op : batch) Perform(op);
+      // RELAY going off drops what is still to type.
+      for (const KeyOp& op : batch) {
+        if (stopping) break;
+        Perform(op);
+      }
       XSync(display, False);
       x11::TakeError();
       lock.lock();

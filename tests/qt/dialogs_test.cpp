@@ -130,7 +130,7 @@ TEST(Dialogs, WindowRelayPagesFollowTheEnableBoxSayWhyTheListIsEmptyAndCancelPut
     WindowRelayDialog page(state);
     EXPECT_TRUE(page.ClassNamesBox()->isChecked());
     EXPECT_EQ(page.List()->count(), 0);
-    EXPECT_EQ(page.Reason()->text(), "no X display (DISPLAY is not set)");
+    EXPECT_EQ(page.Reason()->text().toStdString(), platform::Desktop().Unavailable());
     EXPECT_EQ(page.VirtualKeyboardBox()->isEnabled(), relay::VirtualKeyboardOffered());
     page.ClassNamesBox()->click();
     EXPECT_EQ(state.Data.ShowClassNames, 0);

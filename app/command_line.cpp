@@ -180,6 +180,14 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args) {
       } else {
         result.Error = SetRelayOption(sw, args[++i]);
       }
+    } else if (arg == "--relay-window") {
+      if (i + 1 >= args.size() || args[i + 1].empty()) {
+        result.Error = "option --relay-window needs (part of) a window title";
+      } else {
+        sw.RelayWindowTitle = core::Utf8ToWide(args[++i]);
+      }
+    } else if (arg == "--list-windows") {
+      result.ListWindows = true;
     } else if (arg == "--record" || arg.rfind("--record=", 0) == 0) {
       sw.Record = 1;
       if (arg.size() > 9) {
@@ -258,6 +266,9 @@ std::string HelpText(const std::string& program, bool guiProgram) {
       "  --send-break                  send a break once the port is open\n"
       "  --relay tcp://HOST:PORT       relay received data to a TCP server (udp://HOST:PORT: UDP)\n"
       "                                once the port is open; the relay's messages go to standard error\n"
+      "  --relay-window TITLE          type received data into the first listed window whose title\n"
+      "                                contains TITLE (X11), once the port is open; with --relay too,\n"
+      "                                both relays run\n"
       "  --record [FILE]               switch RECORD on once the port is open, into FILE when given\n"
       "                                (a name without a folder goes to the documents folder)\n"
       "  --log-timestamp               stamp each log record with the date and time\n"
@@ -270,6 +281,7 @@ std::string HelpText(const std::string& program, bool guiProgram) {
       "                                each starts at the current setting\n"
       "  --scan-interval N             seconds each setting is listened to, 1 to 60 (default 1)\n"
       "  --list-ports                  list the serial ports found and exit\n"
+      "  --list-windows                list the windows the window relay can type into and exit\n"
       "  --sim-setting B,D,P,S         the simulated device's own line setting (VSP0:), e.g. 9600,7,E,1\n"
       "  --nogui, /NOGUI               no window: run headless in this terminal\n"
       "  --quiet, -q, /Q               headless: keep status messages off standard error\n"

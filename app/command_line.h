@@ -19,7 +19,8 @@ struct CommandLine {
   bool ShowHelp = false;
   bool ShowVersion = false;
   bool ListPorts = false;
-  std::string Error;  // non-empty: the command line was refused
+  bool ListWindows = false;  // --list-windows
+  std::string Error;         // non-empty: the command line was refused
 };
 
 // Both front ends accept the slash switches ("/SCRIPT::path" glued to its

@@ -9,11 +9,25 @@
 #include "core/reporting.h"
 #include "log/record_command.h"
 #include "relay/network_relay.h"
+#include "relay/window_relay.h"
 #include "serial/port.h"
 
 namespace wavetrace::app {
 
 using namespace core::cmd;
+
+namespace {
+
+// --relay-window: the first listed window whose title holds the text.
+void ChooseStartWindow(core::AppState& state) {
+  const std::u16string& title = state.Switches.RelayWindowTitle;
+  relay::WindowList list = relay::FillWindowList(state);
+  // Without a display the relay's activation says why.
+  if (list.Unavailable.empty() && !relay::ChooseWindowByTitle(state, list, title))
+    core::ShowStatus(state, u"No listed window's title contains \"" + title + u"\"");
+}
+
+}  // namespace
 
 void Play(core::AppState& state) {
   if (state.PortOpen) return;
@@ -116,9 +130,11 @@ void ShowOpenedState(core::AppState& state) {
     state.PendingSendText.clear();
     Send(state);
   }
-  // --relay: received data goes to the server from the first block on.
+  // --relay, --relay-window: received data goes to the server and the
+  // window from the first block on.
   if (state.PendingRelay) {
     state.PendingRelay = false;
+    if (!state.Switches.RelayWindowTitle.empty()) ChooseStartWindow(state);
     if (!state.RelayActive) ToggleRelay(state);
   }
 }

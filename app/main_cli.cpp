@@ -24,5 +24,6 @@ int main(int argc, char** argv) {
     return 0;
   }
   if (commandLine.ListPorts) return ListPorts();
+  if (commandLine.ListWindows) return ListWindows();
   return RunHeadless(commandLine);
 }

@@ -23,6 +23,7 @@
 #include "platform/clock.h"
 #include "platform/display_control.h"
 #include "relay/network_relay.h"
+#include "relay/window_relay.h"
 #include "rx/log_cache.h"
 #include "serial/port.h"
 #include "serial/tx_thread.h"
@@ -308,7 +309,8 @@ int CreateMainWindow(core::AppState& state) {
   state.Queue.SetHandler([&state](const core::Message& m) { return MainWindowProc(state, m); });
   state.Screen.SetListener([&state] { state.Queue.Post(core::MakeMessage(core::kWmScreenChanged)); });
 
-  // The create handler. The relay is in place before the receive thread.
+  // The create handler. The relays are in place before the receive thread.
+  relay::InstallWindowRelay(state);
   relay::InstallNetworkRelay(state);
   if (CreateWorkerThreads(state) != 0) {
     if (state.View) state.View->SetWaitCursor(false);
@@ -323,6 +325,7 @@ int CreateMainWindow(core::AppState& state) {
   state.Queue.SetTimer(core::kKeepAliveTimerId, core::kKeepAliveIntervalMs);
   state.KeepAliveTimerRunning = true;
   state.FirstPaintState = 2;
+  if (state.ProgramOptions.AcquireHWbuttons == 1) automation::RegisterHardwareButtons(state, true);
   ConfigureAtStart(state);
   return 0;
 }
@@ -389,6 +392,7 @@ void Shutdown(core::AppState& state, int exitCode) {
     platform::SleepMs(5);
   }
   serial::ClosePort(state);
+  automation::RegisterHardwareButtons(state, false);
   state.PlayFlag = false;
   state.TxActive = false;
   core::ShowStatus(state, u"Shutting down...");
@@ -397,6 +401,7 @@ void Shutdown(core::AppState& state, int exitCode) {
   if (state.RelayActive) ToggleRelay(state);
   DisplayOn(state);
   EndWorkerThreads(state);
+  state.WindowRelay.reset();
   state.NetworkRelay.reset();
   // The update thread's last flush has written the cache.
   log::CloseLogFile(state);

@@ -9,14 +9,17 @@
 #include "app/port_discovery.h"
 #include "app/startup.h"
 #include "automation/script.h"
+#include "config/config_file.h"
 #include "config/program_options.h"
 #include "core/code_page.h"
 #include "core/messages.h"
+#include "core/version.h"
 #include "platform/fd_io.h"
 #include "platform/files.h"
 #include "platform/line_reader.h"
 #include "platform/os_info.h"
 #include "platform/signal_watcher.h"
+#include "relay/window_relay.h"
 
 namespace wavetrace::app {
 
@@ -57,12 +60,39 @@ std::string PortTableText(core::AppState& state) {
   return text;
 }
 
-int ListPorts() {
-  core::AppState state;
+namespace {
+
+// The configuration folder and program options of a listing run.
+void OpenConfigFolder(core::AppState& state) {
   std::string folder = platform::ConfigFolder();
   state.ConfigFolder = core::Utf8ToWide(folder);
   state.RegistryFile = folder + "/" + config::kRegistryFileName;
   if (config::LoadProgramOptions(state) == 0) config::RecordReleaseWhenMissing(state);
+}
+
+}  // namespace
+
+int ListWindows() {
+  core::AppState state;
+  OpenConfigFolder(state);
+  state.WindowTitle = core::kProgramTitle;
+  if (state.ProgramOptions.DEFAULTcfg != 1) {
+    platform::SysResult ignored;
+    config::ConfigLoad(state, state.ConfigFolder + u"/" + config::kDefaultConfigName, ignored);
+  }
+  relay::WindowList list = relay::FillWindowList(state);
+  if (!list.Unavailable.empty()) {
+    platform::WriteAll(platform::kStandardError, "No windows to list: " + list.Unavailable + "\n");
+    return kFailureExitCode;
+  }
+  std::string text;
+  for (const std::u16string& line : list.Texts) text += core::WideToUtf8(line) + "\n";
+  return platform::WriteAll(platform::kStandardOutput, text) ? 0 : 1;
+}
+
+int ListPorts() {
+  core::AppState state;
+  OpenConfigFolder(state);
   DiscoverPorts(state);
   std::string text = PortTableText(state);
   return platform::WriteAll(platform::kStandardOutput, text) ? 0 : 1;

@@ -17,6 +17,10 @@ int RunProgram(core::AppState& state, const std::function<int()>& messageLoop);
 // slot, present, display name, device path.
 std::string PortTableText(core::AppState& state);
 int ListPorts();
+// --list-windows: the window relay's list as the selector page shows it (the
+// default configuration's "Show Class names"), a window a line; 1 with the
+// reason on standard error when there is no X display to list.
+int ListWindows();
 
 // The whole headless program on standard output and standard error.
 int RunHeadless(const CommandLine& commandLine);

@@ -38,6 +38,14 @@ void ApplyRelaySwitch(core::AppState& state) {
   state.PendingRelay = true;
 }
 
+// --relay-window: the window relay is enabled and RELAY goes on with the
+// port; the window is looked for then (it may open after this program).
+void ApplyRelayWindowSwitch(core::AppState& state) {
+  if (state.Switches.RelayWindowTitle.empty()) return;
+  state.WindowRelayEnabled = 1;
+  state.PendingRelay = true;
+}
+
 // Logging options of the command line go over the loaded configuration.
 void ApplyLogSwitches(core::AppState& state) {
   const auto& sw = state.Switches;
@@ -89,6 +97,7 @@ void LoadStartConfiguration(core::AppState& state) {
   if (!sw.Parity.empty()) state.Port.Parity = sw.Parity;
   if (!sw.StopBits.empty()) state.Port.StopBits = sw.StopBits;
   ApplyRelaySwitch(state);
+  ApplyRelayWindowSwitch(state);
   ApplyLogSwitches(state);
   if (sw.Reconnect) state.Port.ReopenPort = 1;
   state.PendingBreak = sw.SendBreak != 0;

@@ -1,6 +1,8 @@
 #include "automation/function_buttons.h"
 
+#include "core/code_page.h"
 #include "core/messages.h"
+#include "core/reporting.h"
 
 namespace wavetrace::automation {
 namespace {
@@ -55,6 +57,26 @@ void ShowSoftwareButtons(core::AppState& state, bool shown) {
 std::u16string SoftwareButtonLabel(const core::DataSettings& data, int number) {
   if (number < 1 || number > kPressableSoftwareButtons) return {};
   return data.SoftwareButtonCaption[static_cast<size_t>(number - 1)];
+}
+
+void RegisterHardwareButtons(core::AppState& state, bool enable) {
+  if (!enable) {
+    state.HardwareButtonKeys.reset();
+    return;
+  }
+  if (state.HardwareButtonKeys) return;
+  auto keys = std::make_unique<platform::HotKeys>(
+      kHotKeyTable, [&queue = state.Queue](int id) { queue.Post(core::MakeMessage(core::kWmHotKey, id)); });
+  if (!keys->Unavailable().empty()) {
+    core::ShowStatus(state, u"Hardware buttons not acquired: " + core::Utf8ToWide(keys->Unavailable()));
+    return;
+  }
+  if (!keys->Refused().empty()) {
+    std::string held;
+    for (const std::string& key : keys->Refused()) held += (held.empty() ? "" : ", ") + key;
+    core::ShowStatus(state, u"Hot keys held by another program: " + core::Utf8ToWide(held));
+  }
+  state.HardwareButtonKeys = std::move(keys);
 }
 
 void OnHotKey(core::AppState& state, int hotKey) {

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "core/app_state.h"
+#include "platform/hot_keys.h"
 
 namespace wavetrace::automation {
 
@@ -31,6 +32,33 @@ void ShowSoftwareButtons(core::AppState& state, bool shown);
 // What software button number (1 to 6) shows on the strip: its caption
 // while it can be pressed, nothing on the disabled ones.
 std::u16string SoftwareButtonLabel(const core::DataSettings& data, int number);
+
+// The keys of the hot keys 193 to 207, each held with the Super (Windows)
+// key: Super+F1 to Super+F4 are hardware buttons 1 to 4; Super+F5 to
+// Super+F15 are taken as well and do nothing (F13 to F15 only on keyboards
+// that have them).
+inline constexpr std::array<platform::HotKey, 15> kHotKeyTable = {{{193, "F1"},
+                                                                   {194, "F2"},
+                                                                   {195, "F3"},
+                                                                   {196, "F4"},
+                                                                   {197, "F5"},
+                                                                   {198, "F6"},
+                                                                   {199, "F7"},
+                                                                   {200, "F8"},
+                                                                   {201, "F9"},
+                                                                   {202, "F10"},
+                                                                   {203, "F11"},
+                                                                   {204, "F12"},
+                                                                   {205, "F13"},
+                                                                   {206, "F14"},
+                                                                   {207, "F15"}}};
+
+// Takes (enable) or gives back the hot keys of the table from the desktop
+// (main thread); a press posts the hot-key message to the main window. What
+// cannot be taken (no X display, keys another program holds) is reported
+// on the status line. Taking them twice, or giving back what is not held,
+// does nothing.
+void RegisterHardwareButtons(core::AppState& state, bool enable);
 
 // A hot key (193 to 207): 193 to 196 are hardware buttons 1 to 4, the rest
 // do nothing.

@@ -20,11 +20,13 @@
 #include "core/published_settings.h"
 #include "core/settings.h"
 #include "core/simulated_profile.h"
+#include "core/window_list_entry.h"
 #include "platform/serial_port.h"
 #include "platform/suspendable_thread.h"
 
 namespace wavetrace::platform {
 class DisplayControl;
+class HotKeys;
 class InstanceLock;
 class LogFile;
 }  // namespace wavetrace::platform
@@ -59,6 +61,7 @@ struct AppState {
   Published<RxSettings> PublishedRx;
   Published<TxSettings> PublishedTx;
   Published<LogRecordSettings> PublishedLog;
+  Published<WindowRelaySettings> PublishedWindowRelay;
 
   // --- start-up ------------------------------------------------------------
   CommandLineSwitches Switches;
@@ -81,6 +84,17 @@ struct AppState {
   // thread runs, removed after the thread has been joined
   // (declared before the threads, so it also outlives them).
   std::unique_ptr<BlockSink> NetworkRelay;
+  // The window relay (relay/window_relay), installed and removed with the
+  // network relay; the dispatcher hands it each block before the network.
+  std::unique_ptr<BlockSink> WindowRelay;
+  // Run-time, never saved: the Relay page's window "Enable" box, the window
+  // chosen on the selector page, and whether the keys go through a virtual
+  // keyboard (/dev/uinput) instead of the X server.
+  int32_t WindowRelayEnabled = 0;
+  WindowListEntry RelayTargetWindow;
+  int32_t WindowRelayVirtualKeyboard = 0;
+  // The hardware buttons' hot keys while they are held (AcquireHWbuttons).
+  std::unique_ptr<platform::HotKeys> HardwareButtonKeys;
   // --- threads (null stands for the invalid handle) -----------------------
   std::unique_ptr<platform::SuspendableThread> RxThread;
   std::unique_ptr<platform::SuspendableThread> TxThread;
@@ -140,7 +154,7 @@ struct AppState {
   std::unique_ptr<platform::SuspendableThread> AutomationThread;
   PortScanSettings Psm;
   std::atomic<bool> PsmStopRequested{true};  // also true while no scan runs
-  std::atomic<int32_t> PsmOutcome{0};         // how the last scan ended (automation::ScanOutcome)
+  std::atomic<int32_t> PsmOutcome{0};        // how the last scan ended (automation::ScanOutcome)
   std::unique_ptr<platform::SuspendableThread> PsmThread;
 
   // --- shared buffers and their locks --------------------------------------

@@ -30,6 +30,9 @@ struct CommandLineSwitches {
   std::string RelayHost;
   uint32_t RelayPort = 0;
   int32_t RelayTcp = 1;
+  // --relay-window TITLE: the first listed window whose title holds TITLE
+  // is the window relay's target, and RELAY goes on once the port is open.
+  std::u16string RelayWindowTitle;
   // --record [FILE]: RECORD goes on once the port is open, into FILE when given.
   int32_t Record = 0;
   std::u16string RecordPath;

@@ -36,16 +36,22 @@ LogRecordSettings LogRecordSettingsOf(const AppState& state) {
   return record;
 }
 
+WindowRelaySettings WindowRelaySettingsOf(const AppState& state) {
+  return {state.WindowRelayEnabled, state.Data.TRANSLATE_KEYBOARD_CODES};
+}
+
 void PublishSettings(AppState& state) {
   state.PublishedRx.Store(std::make_shared<const RxSettings>(RxSettingsOf(state)));
   state.PublishedTx.Store(std::make_shared<const TxSettings>(TxSettingsOf(state)));
   state.PublishedLog.Store(std::make_shared<const LogRecordSettings>(LogRecordSettingsOf(state)));
+  state.PublishedWindowRelay.Store(std::make_shared<const WindowRelaySettings>(WindowRelaySettingsOf(state)));
 }
 
 bool SettingsArePublished(const AppState& state) {
   return *state.PublishedRx.Load() == RxSettingsOf(state) &&
          *state.PublishedTx.Load() == TxSettingsOf(state) &&
-         *state.PublishedLog.Load() == LogRecordSettingsOf(state);
+         *state.PublishedLog.Load() == LogRecordSettingsOf(state) &&
+         *state.PublishedWindowRelay.Load() == WindowRelaySettingsOf(state);
 }
 
 }  // namespace wavetrace::core

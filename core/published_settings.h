@@ -48,9 +48,18 @@ struct LogRecordSettings : LogRecordFields {
   bool operator==(const LogRecordSettings&) const = default;
 };
 
+// Read by the window relay on the receive thread, once per block.
+struct WindowRelaySettings {
+  int32_t WindowRelayEnabled = 0;
+  int32_t TRANSLATE_KEYBOARD_CODES = 0;
+
+  bool operator==(const WindowRelaySettings&) const = default;
+};
+
 RxSettings RxSettingsOf(const AppState& state);
 TxSettings TxSettingsOf(const AppState& state);
 LogRecordSettings LogRecordSettingsOf(const AppState& state);
+WindowRelaySettings WindowRelaySettingsOf(const AppState& state);
 
 // The one way settings reach other threads. The main thread is the only
 // writer of the settings blocks; every path that changes them (a command, an

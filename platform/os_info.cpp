@@ -1,6 +1,7 @@
 #include "platform/os_info.h"
 
 #include <sys/utsname.h>
+#include <unistd.h>
 
 #include <cstdlib>
 
@@ -16,6 +17,14 @@ OsInfo GetOsInfo() {
   info.Major = static_cast<int>(std::strtol(names.release, &end, 10));
   if (end && *end == '.') info.Minor = static_cast<int>(std::strtol(end + 1, nullptr, 10));
   return info;
+}
+
+}  // namespace wavetrace::platform
+
+namespace wavetrace::platform {
+
+int64_t ProcessId() {
+  return getpid();
 }
 
 }  // namespace wavetrace::platform

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace wavetrace::platform {
@@ -12,5 +13,12 @@ struct OsInfo {
 };
 
 OsInfo GetOsInfo();
+
+}  // namespace wavetrace::platform
+
+namespace wavetrace::platform {
+
+// This process's id (windows that carry it in _NET_WM_PID are the program's own).
+int64_t ProcessId();
 
 }  // namespace wavetrace::platform

@@ -6,6 +6,7 @@
 #include "core/messages.h"
 #include "core/reporting.h"
 #include "platform/system_error.h"
+#include "relay/window_relay.h"
 
 namespace wavetrace::relay {
 namespace {
@@ -26,10 +27,6 @@ int32_t SocketType(const core::DataSettings& data) {
 uint32_t RelayPort(const core::DataSettings& data) {
   return static_cast<uint32_t>(data.RelayTCP_RemotePort);
 }
-
-// The window relay is not part of the program yet: its half of every text
-// follows a window relay that is not enabled.
-constexpr bool kWindowRelayEnabled = false;
 
 void SetRelayButton(core::AppState& state, bool on) {
   state.RelayActive = on;
@@ -93,14 +90,15 @@ NetworkRelay* NetworkRelayOf(core::AppState& state) {
 void RelayActivate(core::AppState& state) {
   const core::DataSettings& data = state.Data;
   bool network = data.EnableTCPIPrelay == 1;
-  if (!kWindowRelayEnabled && !network) {
+  bool window = state.WindowRelayEnabled == 1;
+  if (!window && !network) {
     SetRelayButton(state, false);
     RelayDeactivate(state);
     return;
   }
   std::u16string status = u"RELAY.\r\n";
-  if (kWindowRelayEnabled && !network) status = u"Relay to WINDOW.\r\n";
-  if (!kWindowRelayEnabled && network) status = u"TCP/IP relay.\r\n";
+  if (window && !network) status = u"Relay to WINDOW.\r\n";
+  if (!window && network) status = u"TCP/IP relay.\r\n";
   NetworkRelay* relay = NetworkRelayOf(state);
   if (network && relay) {
     if (auto old = relay->Load()) {
@@ -136,16 +134,24 @@ void RelayActivate(core::AppState& state) {
     status += u"Connection opened to [" + server + u"]";
     relay->Store(std::make_shared<const NetworkRelay::Session>(NetworkRelay::Session{socket, server}));
   }
+  if (window) {
+    WindowRelayStart start = ActivateWindowRelay(state, network);
+    status += start.Lines;
+    // With nowhere to type, a relay to the window alone does not go on.
+    if (!start.Working && !network) SetRelayButton(state, false);
+  }
   core::ShowStatus(state, status);
 }
 
 void RelayDeactivate(core::AppState& state) {
   bool network = state.Data.EnableTCPIPrelay == 1;
+  bool window = state.WindowRelayEnabled == 1;
   std::u16string status = u"RELAY deactivated.\r\n";
-  if (kWindowRelayEnabled && !network) status = u"Relay to WINDOW deactivated.\r\n";
-  if (!kWindowRelayEnabled && network) status = u"TCP/IP relay deactivated.\r\n";
-  if (!kWindowRelayEnabled && !network)
-    status += u"Nothing to do.\r\nGoto -> Edit : Receive Options : Relay tab";
+  if (window && !network) status = u"Relay to WINDOW deactivated.\r\n";
+  if (!window && network) status = u"TCP/IP relay deactivated.\r\n";
+  if (!window && !network) status += u"Nothing to do.\r\nGoto -> Edit : Receive Options : Relay tab";
+  bool windowGone = false;
+  status += DeactivateWindowRelay(state, network, windowGone);
   // The socket goes whatever the setting says now (a loaded configuration
   // may have changed it while RELAY was on); closing it on this thread ends
   // its worker and any send the receive thread has under way.
@@ -155,7 +161,10 @@ void RelayDeactivate(core::AppState& state) {
       session->Socket->Close();
     }
   }
-  if (network) status += u"Connection closed to [" + RelayServerText(state.Data) + u"]";
+  if (network) {
+    status += u"Connection closed to [" + RelayServerText(state.Data) + u"]";
+    if (window && windowGone) status += u"\r\nGoto -> Edit : Receive Options : Relay tab";
+  }
   core::ShowStatus(state, status);
 }
 

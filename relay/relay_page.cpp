@@ -33,7 +33,7 @@ std::optional<std::u16string> ClampedFieldText(std::u16string_view text, uint32_
   return Decimal(value);
 }
 
-RelayPageControls NetworkRelayControls(bool enableTicked, bool relayActive) {
+RelayPageControls RelayControls(bool enableTicked, bool relayActive) {
   if (relayActive) return {false, false, false};
   return {true, enableTicked, enableTicked};
 }

@@ -21,13 +21,15 @@ inline constexpr uint32_t kPortMaximum = 65535;
 std::optional<std::u16string> ClampedFieldText(std::u16string_view text, uint32_t& lastSeen,
                                                uint32_t maximum);
 
-// The network half of the Relay page: which controls take clicks.
+// Either half of the Relay page (window, network): which controls take
+// clicks. The label and the button follow the half's "Enable" box; while
+// RELAY is on, nothing does.
 struct RelayPageControls {
   bool EnableBox = true;  // "Enable"
-  bool Label = true;      // "Relay incoming data to a network server through:"
-  bool TcpIpButton = true;
+  bool Label = true;      // "Relay incoming data to ..."
+  bool Button = true;     // "window", "tcp/ip"
 };
-RelayPageControls NetworkRelayControls(bool enableTicked, bool relayActive);
+RelayPageControls RelayControls(bool enableTicked, bool relayActive);
 
 // The TCP_relay settings as the IP Relay page edits them.
 struct IpRelayFields {

@@ -12,8 +12,8 @@ int DispatchReceivedData(core::AppState& state, const core::RxSettings& settings
   core::WideBuffer wide;
   if (core::AllocWideBuffer(state, wide, int64_t{n} + 2) != 0) return 1;
   for (uint32_t i = 0; i < n; ++i) wide[i] = core::ByteToWide(block[i]);
-  // The log first, the window second, then the window relay (when it
-  // arrives) and the network relay. A display stream, when one is installed,
+  // The log first, the window second, then the window relay and the
+  // network relay. A display stream, when one is installed,
   // takes the window's turn with every byte in order; paused, it shows nothing.
   if (state.LogRecords) state.LogRecords->ReceivedData(block, n);
   if (state.RxDisplay) {
@@ -21,6 +21,7 @@ int DispatchReceivedData(core::AppState& state, const core::RxSettings& settings
   } else {
     AppendToRxWindowBuf(state, settings, wide.Data());
   }
+  if (state.WindowRelay) state.WindowRelay->TakeBlock(block, n);
   if (state.NetworkRelay) state.NetworkRelay->TakeBlock(block, n);
   core::FreeBuffer(state, wide);
   return 0;

@@ -366,8 +366,8 @@ TEST(RelayPage, FieldsClampAndFollowTheirSettings) {
   EXPECT_FALSE(ReadIpRelayFields(data).Tcp);
   for (auto [ticked, active, label] :
        {std::tuple{true, false, true}, {false, false, false}, {true, true, false}}) {
-    RelayPageControls controls = NetworkRelayControls(ticked, active);
-    EXPECT_EQ(controls.TcpIpButton, label);
+    RelayPageControls controls = RelayControls(ticked, active);
+    EXPECT_EQ(controls.Button, label);
     EXPECT_EQ(controls.Label, label);
     EXPECT_EQ(controls.EnableBox, !active);
   }

@@ -42,6 +42,7 @@ int main(int argc, char** argv) {
     return 0;
   }
   if (commandLine.ListPorts) return app::ListPorts();
+  if (commandLine.ListWindows) return app::ListWindows();
   if (commandLine.Switches.NoGui) return app::RunHeadless(commandLine);
   if (!HasDisplay()) {
     std::fputs(

@@ -291,6 +291,7 @@ void QtView::ShowProgramOptions() {
   options.MULTIinst = values.MULTIinst;
   options.AcquireHWbuttons = values.AcquireHWbuttons;
   options.DisableIcon = values.DisableIcon;
+  automation::RegisterHardwareButtons(state_, options.AcquireHWbuttons == 1);
   bool saved = config::SaveProgramOptions(state_) == 0;
   core::ShowStatus(state_, saved ? u"Program Options saved." : u"Program Options could not be saved.");
 }

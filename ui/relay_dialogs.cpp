@@ -12,6 +12,7 @@
 
 #include "relay/network_relay.h"
 #include "relay/relay_page.h"
+#include "ui/window_relay_dialog.h"
 
 namespace wavetrace::ui {
 namespace {
@@ -119,21 +120,19 @@ void IpRelayDialog::done(int result) {
 }
 
 RelayPageDialog::RelayPageDialog(core::AppState& state, QWidget* parent)
-    : QDialog(parent), state_(state), opened_(state.Data) {
+    : QDialog(parent), state_(state), opened_(state.Data), openedWindowRelay_(state.WindowRelayEnabled) {
   setWindowTitle(QStringLiteral("Relay"));
   auto* layout = new QVBoxLayout(this);
-  // The window relay arrives later; its controls are shown, not offered.
+  windowLabel_ = Caption(QStringLiteral("Relay incoming data to another program's:"), this);
+  layout->addWidget(windowLabel_);
   auto* windowRow = new QHBoxLayout;
-  auto* windowLabel = Caption(QStringLiteral("Relay incoming data to another program's:"), this);
-  auto* windowButton = new QPushButton(QStringLiteral("window"), this);
-  auto* windowEnable = new QCheckBox(QStringLiteral("Enable"), this);
-  for (QWidget* control : {static_cast<QWidget*>(windowLabel), static_cast<QWidget*>(windowButton),
-                           static_cast<QWidget*>(windowEnable)}) {
-    control->setEnabled(false);
-  }
-  layout->addWidget(windowLabel);
-  windowRow->addWidget(windowButton);
-  windowRow->addWidget(windowEnable);
+  window_ = new QPushButton(QStringLiteral("window"), this);
+  window_->setObjectName(QStringLiteral("windowButton"));
+  windowEnable_ = new QCheckBox(QStringLiteral("Enable"), this);
+  windowEnable_->setObjectName(QStringLiteral("windowRelayEnable"));
+  windowEnable_->setChecked(state.WindowRelayEnabled == 1);
+  windowRow->addWidget(window_);
+  windowRow->addWidget(windowEnable_);
   layout->addLayout(windowRow);
 
   networkLabel_ = Caption(QStringLiteral("Relay incoming data to a network server through:"), this);
@@ -154,6 +153,15 @@ RelayPageDialog::RelayPageDialog(core::AppState& state, QWidget* parent)
     state_.Data.EnableTCPIPrelay = networkEnable_->isChecked() ? 1 : 0;
     FollowEnableBox();
   });
+  connect(windowEnable_, &QCheckBox::clicked, this, [this] {
+    state_.WindowRelayEnabled = windowEnable_->isChecked() ? 1 : 0;
+    FollowEnableBox();
+  });
+  connect(window_, &QPushButton::clicked, this, [this] {
+    WindowRelayDialog page(state_, this);
+    page.setFont(font());
+    page.exec();
+  });
   connect(tcpIp_, &QPushButton::clicked, this, [this] {
     IpRelayDialog page(state_, this);
     page.setFont(font());
@@ -163,15 +171,22 @@ RelayPageDialog::RelayPageDialog(core::AppState& state, QWidget* parent)
 }
 
 void RelayPageDialog::FollowEnableBox() {
-  relay::RelayPageControls controls =
-      relay::NetworkRelayControls(networkEnable_->isChecked(), state_.RelayActive);
-  networkEnable_->setEnabled(controls.EnableBox);
-  networkLabel_->setEnabled(controls.Label);
-  tcpIp_->setEnabled(controls.TcpIpButton);
+  relay::RelayPageControls network = relay::RelayControls(networkEnable_->isChecked(), state_.RelayActive);
+  networkEnable_->setEnabled(network.EnableBox);
+  networkLabel_->setEnabled(network.Label);
+  tcpIp_->setEnabled(network.Button);
+  relay::RelayPageControls window = relay::RelayControls(windowEnable_->isChecked(), state_.RelayActive);
+  windowEnable_->setEnabled(window.EnableBox);
+  windowLabel_->setEnabled(window.Label);
+  window_->setEnabled(window.Button);
 }
 
 void RelayPageDialog::done(int result) {
-  if (result != QDialog::Accepted) relay::CopyTcpRelaySettings(opened_, state_.Data);
+  if (result != QDialog::Accepted) {
+    relay::CopyTcpRelaySettings(opened_, state_.Data);
+    state_.WindowRelayEnabled = openedWindowRelay_;
+  }
+  core::PublishSettings(state_);
   QDialog::done(result);
 }
 

@@ -44,15 +44,17 @@ class IpRelayDialog : public QDialog {
   QPushButton* test_ = nullptr;
 };
 
-// The Relay page: relaying to another program's window (not available yet)
-// and to a network server ("Enable", "tcp/ip"). Every relay control is
-// disabled while RELAY is on.
+// The Relay page: relaying to another program's window ("Enable",
+// "window") and to a network server ("Enable", "tcp/ip"). Every relay
+// control is disabled while RELAY is on.
 class RelayPageDialog : public QDialog {
   Q_OBJECT
 
  public:
   explicit RelayPageDialog(core::AppState& state, QWidget* parent = nullptr);
 
+  [[nodiscard]] QCheckBox* WindowEnableBox() const { return windowEnable_; }
+  [[nodiscard]] QPushButton* WindowButton() const { return window_; }
   [[nodiscard]] QCheckBox* NetworkEnableBox() const { return networkEnable_; }
   [[nodiscard]] QPushButton* TcpIpButton() const { return tcpIp_; }
 
@@ -63,6 +65,10 @@ class RelayPageDialog : public QDialog {
 
   core::AppState& state_;
   core::DataSettings opened_;
+  int32_t openedWindowRelay_ = 0;
+  QCheckBox* windowEnable_ = nullptr;
+  QLabel* windowLabel_ = nullptr;
+  QPushButton* window_ = nullptr;
   QCheckBox* networkEnable_ = nullptr;
   QLabel* networkLabel_ = nullptr;
   QPushButton* tcpIp_ = nullptr;

@@ -2,6 +2,7 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QRadioButton>
 #include <tuple>
 
@@ -10,6 +11,7 @@
 #include "ui/about_dialog.h"
 #include "ui/program_options_dialog.h"
 #include "ui/relay_dialogs.h"
+#include "ui/window_relay_dialog.h"
 
 namespace wavetrace::ui {
 namespace {
@@ -107,6 +109,34 @@ TEST(Dialogs, RelayPagesClampWhatIsTypedFollowTheEnableBoxAndCancelPutsTheSettin
   RelayPageDialog locked(state);
   EXPECT_FALSE(locked.NetworkEnableBox()->isEnabled());
   EXPECT_FALSE(locked.TcpIpButton()->isEnabled());
+  EXPECT_FALSE(locked.WindowEnableBox()->isEnabled());
+  EXPECT_FALSE(locked.WindowButton()->isEnabled());
+}
+
+TEST(Dialogs, WindowRelayPagesFollowTheEnableBoxSayWhyTheListIsEmptyAndCancelPutsBack) {
+  TestApplication();
+  unsetenv("DISPLAY");
+  core::AppState state;
+  {
+    RelayPageDialog page(state);
+    EXPECT_FALSE(page.WindowButton()->isEnabled());
+    page.WindowEnableBox()->click();
+    EXPECT_TRUE(page.WindowButton()->isEnabled());
+    page.accept();
+    EXPECT_EQ(state.PublishedWindowRelay.Load()->WindowRelayEnabled, 1);
+  }
+  state.Data.ShowClassNames = 1;
+  for (bool ok : {false, true}) {
+    WindowRelayDialog page(state);
+    EXPECT_TRUE(page.ClassNamesBox()->isChecked());
+    EXPECT_EQ(page.List()->count(), 0);
+    EXPECT_EQ(page.Reason()->text().toStdString(), platform::Desktop().Unavailable());
+    EXPECT_EQ(page.VirtualKeyboardBox()->isEnabled(), relay::VirtualKeyboardOffered());
+    page.ClassNamesBox()->click();
+    EXPECT_EQ(state.Data.ShowClassNames, 0);
+    ok ? page.accept() : page.reject();
+    EXPECT_EQ(state.Data.ShowClassNames, ok ? 0 : 1);
+  }
 }
 
 }  // namespace

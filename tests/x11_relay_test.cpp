@@ -1,0 +1,127 @@
+// The window relay and the hardware buttons on an X server of the test's own
+// (Xvfb; skipped when it is not installed), with and without a window manager.
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "automation/function_buttons.h"
+#include "cli_child.h"
+#include "platform/files.h"
+#include "platform/pty.h"
+#include "platform/x11_keyboard.h"
+#include "program_fixture.h"
+#include "relay/window_relay.h"
+
+// Xlib's macros (None, Bool) come after every other header.
+#include "x11_fixture.h"
+
+#include <X11/extensions/XTest.h>
+#include <X11/keysym.h>
+
+#include "platform/x11_support.h"
+
+namespace wavetrace::relay {
+namespace {
+
+using testing::TestWindow;
+using testing::XServer;
+
+std::u16string Wide(const std::string& bytes) {
+  std::u16string text;
+  for (char byte : bytes) text += core::ByteToWide(static_cast<uint8_t>(byte));
+  return text;
+}
+
+TEST(X11Relay, WindowsAreListedActivatedAndTypedIntoWithAndWithoutAWindowManager) {
+  for (bool manager : {false, true}) {
+    SCOPED_TRACE(manager ? "window manager" : "bare server");
+    XServer server;
+    if (!server.Running()) GTEST_SKIP() << "Xvfb is not installed";
+    TestWindow scale("Scale log", "ScaleLog", 300, 200);
+    TestWindow tiny("tiny", "Tiny", 50, 50);
+    TestWindow other("Other", "Other", 200, 40);
+    std::unique_ptr<testing::FakeWindowManager> windowManager;
+    if (manager)
+      windowManager =
+          std::make_unique<testing::FakeWindowManager>(std::vector{other.Id(), tiny.Id(), scale.Id()});
+    EXPECT_EQ(platform::Desktop().HasWindowManager(), manager);
+
+    core::AppState state;
+    state.Data.ShowClassNames = 1;
+    WindowList list = FillWindowList(state);
+    std::vector<std::u16string> shown = {u"Scale log : ScaleLog", u"Other : Other"};
+    if (manager) std::swap(shown[0], shown[1]);  // the window manager's order
+    EXPECT_EQ(list.Texts, shown);
+
+    ASSERT_TRUE(ChooseWindowByTitle(state, list, u"Scale"));
+    EXPECT_TRUE(platform::Desktop().Activate(state.RelayTargetWindow.Handle));
+    EXPECT_TRUE(testing::WaitFor([&] {
+      if (windowManager) windowManager->Serve();
+      return scale.Focused();
+    }));
+    platform::X11Keyboard keys;
+    ASSERT_EQ(keys.Unavailable(), "");
+    RelayKeystrokes(keys, Wide("Kg 12.5\t\x1b[A\x1b[D\x03#(\x80\xe9\xbf\r"), true);
+    const std::u16string typed = u"Kg 12.5\t<U><L>\x03#(\u20ac\u00e9\u00bf\r";
+    EXPECT_EQ(scale.Typed(typed.size()), typed);
+  }
+}
+
+TEST(X11Relay, HeadlessRelayWindowTypesEachReceivedByte) {
+  XServer server;
+  if (!server.Running()) GTEST_SKIP() << "Xvfb is not installed";
+  TestWindow target("Scale log - notes", "Notes2", 300, 200);
+  testing::TempFolder home;
+  testing::WriteRegistry(home.Path());
+  platform::PtyPair device;
+  std::string config = home.Path() + "/keys.cfg.txt";
+  ASSERT_FALSE(!platform::WriteFileAtomically(
+      config,
+      "[Wavetrace Pro]\r\nConfigFile=1\r\n[WINDOW_relay]\r\nTRANSLATE_KEYBOARD_CODES=1\r\n; 64 bytes\r\n"));
+  testing::Child child({"--port", device.SlavePath(), "--config", config, "--relay-window", "Scale log"},
+                       home.Path());
+  ASSERT_TRUE(child.WaitForError("[Scale log - notes]")) << child.Err();
+  EXPECT_TRUE(target.Focused());
+  device.Write("12.5 kg\r\x1b[B\x03\xe9");
+  const std::u16string typed = u"12.5 kg\r<D>\x03\u00e9";
+  EXPECT_EQ(target.Typed(typed.size()), typed);
+  EXPECT_EQ(child.Terminate(), 0);
+  EXPECT_NE(child.Err().find("Relay to WINDOW deactivated."), std::string::npos) << child.Err();
+}
+
+TEST(X11Relay, SuperF1AndF2AreHardwareButtonsOneAndTwo) {
+  XServer server;
+  if (!server.Running()) GTEST_SKIP() << "Xvfb is not installed";
+  testing::TempFolder folder;
+  testing::WriteRegistry(folder.Path(), "AcquireHWbuttons=dword:00000001\n");
+  testing::StartedProgram program(folder.Path());
+  ASSERT_EQ(program.Start(), 0);
+  core::AppState& state = program.state;
+  ASSERT_NE(state.HardwareButtonKeys, nullptr);
+  state.Port.SelectedPort = u"VSP0:";
+  state.Data.HardwareButtonData[0] = u"{PLAY}";
+  state.Data.HardwareButtonData[1] = u"{STOP}";
+  Display* display = XOpenDisplay(nullptr);
+  auto press = [&](KeySym key) {
+    KeyCode super = XKeysymToKeycode(display, XK_Super_L);
+    XTestFakeKeyEvent(display, super, True, CurrentTime);
+    XTestFakeKeyEvent(display, XKeysymToKeycode(display, key), True, CurrentTime);
+    XTestFakeKeyEvent(display, XKeysymToKeycode(display, key), False, CurrentTime);
+    XTestFakeKeyEvent(display, super, False, CurrentTime);
+    XSync(display, False);
+  };
+  press(XK_F1);
+  EXPECT_TRUE(program.PumpUntil([&] { return state.PortOpen.load(); }));
+  press(XK_F1);
+  press(XK_F2);
+  EXPECT_TRUE(program.PumpUntil([&] { return !state.PortOpen && !state.PlayFlag; }));
+  // Given back, the keys can be taken by another program.
+  automation::RegisterHardwareButtons(state, false);
+  XGrabKey(display, XKeysymToKeycode(display, XK_F1), Mod4Mask, DefaultRootWindow(display), False,
+           GrabModeAsync, GrabModeAsync);
+  XSync(display, False);
+  XCloseDisplay(display);
+}
+
+}  // namespace
+}  // namespace wavetrace::relay

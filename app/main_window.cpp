@@ -6,6 +6,9 @@
 #include "app/connection.h"
 #include "app/display_power.h"
 #include "app/line_control.h"
+#include "app/manual.h"
+#include "app/receive_options.h"
+#include "app/reference_screens.h"
 #include "app/start_configuration.h"
 #include "app/startup.h"
 #include "app/tray_notification.h"
@@ -15,6 +18,7 @@
 #include "automation/script.h"
 #include "config/config_file.h"
 #include "core/allocation.h"
+#include "core/code_page.h"
 #include "core/messages.h"
 #include "core/reporting.h"
 #include "log/log_file.h"
@@ -32,13 +36,9 @@ namespace {
 using namespace core::cmd;
 
 // Commands whose features are not part of the program yet: their menu items
-// and buttons stay grey and the window ignores them.
-constexpr std::array kUnavailable = {
-    kReceiveOptions,
-    kAsciiChart,
-    kCommPinouts,
-    kHelp,
-};
+// and buttons stay grey and the window ignores them. Every command is there
+// now; a feature that comes later lists its commands here until it lands.
+constexpr std::array<int, 0> kUnavailable{};
 
 bool IsUnavailable(int command) {
   return !IsCommandAvailable(command);
@@ -131,6 +131,21 @@ void RunScriptCommand(core::AppState& state) {
     return;
   }
   automation::StartScriptThread(state, std::move(text));
+}
+
+// A screen the view could not put up is reported in a box.
+void ShowScreen(core::AppState& state, bool shown, std::u16string_view failure) {
+  if (!shown) core::ShowErrorBox(state, failure, {});
+}
+
+// "Help": the manual in the desktop's browser.
+void OpenHelp(core::AppState& state) {
+  const std::string path = ManualPath();
+  if (path.empty()) {
+    core::ShowStatus(state, u"Help: the manual is not installed.");
+  } else if (!state.View || !state.View->OpenManual(path)) {
+    core::ShowStatus(state, u"Help: no program could show " + core::Utf8ToWide(path));
+  }
 }
 
 void ToggleSoftwareButtons(core::AppState& state) {
@@ -233,6 +248,21 @@ int64_t OnCommand(core::AppState& state, int command, int64_t source) {
       return 0;
     case kTransmitOptions:
       if (state.View) state.View->ShowTransmitOptions();
+      return 0;
+    case kReceiveOptions:
+      ShowScreen(state,
+                 state.View && state.View->ShowReceiveOptions(static_cast<int>(RxOptionsPage::kFilters)),
+                 u"Creating Receive Options dialog.");
+      return 0;
+    case kAsciiChart:
+      ShowScreen(state, state.View && state.View->ShowAsciiChart(AsciiChartVariantB(state)),
+                 u"Creating ASCII Chart Dialog.");
+      return 0;
+    case kCommPinouts:
+      ShowScreen(state, state.View && state.View->ShowPinouts(), u"Creating Pinouts Dialog.");
+      return 0;
+    case kHelp:
+      OpenHelp(state);
       return 0;
     case kCommProperties:
       if (state.View) state.View->ShowCommProperties();

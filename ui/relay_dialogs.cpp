@@ -118,9 +118,7 @@ void IpRelayDialog::done(int result) {
   QDialog::done(result);
 }
 
-RelayPageDialog::RelayPageDialog(core::AppState& state, QWidget* parent)
-    : QDialog(parent), state_(state), opened_(state.Data) {
-  setWindowTitle(QStringLiteral("Relay"));
+RelayPage::RelayPage(core::AppState& state, QWidget* parent) : QWidget(parent), state_(state) {
   auto* layout = new QVBoxLayout(this);
   // The window relay arrives later; its controls are shown, not offered.
   auto* windowRow = new QHBoxLayout;
@@ -132,6 +130,7 @@ RelayPageDialog::RelayPageDialog(core::AppState& state, QWidget* parent)
     control->setEnabled(false);
   }
   layout->addWidget(windowLabel);
+  layout->addWidget(Caption(QStringLiteral("(The window relay is not part of this release yet.)"), this));
   windowRow->addWidget(windowButton);
   windowRow->addWidget(windowEnable);
   layout->addLayout(windowRow);
@@ -148,7 +147,6 @@ RelayPageDialog::RelayPageDialog(core::AppState& state, QWidget* parent)
   networkRow->addWidget(networkEnable_);
   layout->addLayout(networkRow);
   layout->addStretch(1);
-  layout->addWidget(OkCancel(this));
 
   connect(networkEnable_, &QCheckBox::clicked, this, [this] {
     state_.Data.EnableTCPIPrelay = networkEnable_->isChecked() ? 1 : 0;
@@ -162,12 +160,21 @@ RelayPageDialog::RelayPageDialog(core::AppState& state, QWidget* parent)
   FollowEnableBox();
 }
 
-void RelayPageDialog::FollowEnableBox() {
+void RelayPage::FollowEnableBox() {
   relay::RelayPageControls controls =
       relay::NetworkRelayControls(networkEnable_->isChecked(), state_.RelayActive);
   networkEnable_->setEnabled(controls.EnableBox);
   networkLabel_->setEnabled(controls.Label);
   tcpIp_->setEnabled(controls.TcpIpButton);
+}
+
+RelayPageDialog::RelayPageDialog(core::AppState& state, QWidget* parent)
+    : QDialog(parent), state_(state), opened_(state.Data) {
+  setWindowTitle(QStringLiteral("Relay"));
+  auto* layout = new QVBoxLayout(this);
+  page_ = new RelayPage(state, this);
+  layout->addWidget(page_, 1);
+  layout->addWidget(OkCancel(this));
 }
 
 void RelayPageDialog::done(int result) {

@@ -46,26 +46,44 @@ class IpRelayDialog : public QDialog {
 
 // The Relay page: relaying to another program's window (not available yet)
 // and to a network server ("Enable", "tcp/ip"). Every relay control is
-// disabled while RELAY is on.
+// disabled while RELAY is on. It edits the settings in place; the sheet or
+// dialog that holds it puts them back on Cancel.
+class RelayPage : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit RelayPage(core::AppState& state, QWidget* parent = nullptr);
+
+  [[nodiscard]] QCheckBox* NetworkEnableBox() const { return networkEnable_; }
+  [[nodiscard]] QPushButton* TcpIpButton() const { return tcpIp_; }
+
+ private:
+  void FollowEnableBox();
+
+  core::AppState& state_;
+  QCheckBox* networkEnable_ = nullptr;
+  QLabel* networkLabel_ = nullptr;
+  QPushButton* tcpIp_ = nullptr;
+};
+
+// The Relay page on its own, with OK and Cancel: Cancel puts back the
+// TCP_relay settings as they were when it opened.
 class RelayPageDialog : public QDialog {
   Q_OBJECT
 
  public:
   explicit RelayPageDialog(core::AppState& state, QWidget* parent = nullptr);
 
-  [[nodiscard]] QCheckBox* NetworkEnableBox() const { return networkEnable_; }
-  [[nodiscard]] QPushButton* TcpIpButton() const { return tcpIp_; }
+  [[nodiscard]] RelayPage* Page() const { return page_; }
+  [[nodiscard]] QCheckBox* NetworkEnableBox() const { return page_->NetworkEnableBox(); }
+  [[nodiscard]] QPushButton* TcpIpButton() const { return page_->TcpIpButton(); }
 
   void done(int result) override;
 
  private:
-  void FollowEnableBox();
-
   core::AppState& state_;
   core::DataSettings opened_;
-  QCheckBox* networkEnable_ = nullptr;
-  QLabel* networkLabel_ = nullptr;
-  QPushButton* tcpIp_ = nullptr;
+  RelayPage* page_ = nullptr;
 };
 
 }  // namespace wavetrace::ui

@@ -54,22 +54,12 @@ class RecordingFrontEnd : public core::FrontEnd {
   [[nodiscard]] int ScreenHeight() const override { return 320; }
   void RenderScreenChanges() override {}
   void ShowAbout(std::u16string_view releaseLine, bool) override { about = releaseLine; }
-  // The screens and pickers asked for, in order (main thread only).
-  void ShowProgramOptions() override { screens.push_back("program options"); }
-  void ShowTransmitOptions() override { screens.push_back("transmit options"); }
-  void ShowCommProperties() override { screens.push_back("comm properties"); }
+  void ShowProgramOptions() override {}
+  // The screens asked for, in order (main thread only).
   bool ShowReceiveOptions(int page) override { return Screen("receive options " + std::to_string(page)); }
   bool ShowAsciiChart(bool variantB) override { return Screen(variantB ? "chart B" : "chart A"); }
   bool ShowPinouts() override { return Screen("pinouts"); }
   bool OpenManual(const std::string& path) override { return Screen("manual " + path); }
-  std::u16string ChooseConfigFile(bool save, std::u16string_view) override {
-    screens.push_back(save ? "config save" : "config load");
-    return {};
-  }
-  std::u16string ChooseScriptFile() override {
-    screens.push_back("script");
-    return {};
-  }
 
   std::vector<Box> Boxes() {
     std::lock_guard lock(mutex_);

@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cstdlib>
 
+#include "app/help.h"
 #include "core/build_info.h"
 #include "core/code_page.h"
 #include "core/version.h"
@@ -314,6 +315,9 @@ std::string HelpText(const std::string& program, bool guiProgram) {
       "wrong, 255 when start-up fails or another instance runs (MULTIinst is 0).\n"
       "Settings live in $WAVETRACE_HOME, else $XDG_CONFIG_HOME/wavetrace-pro,\n"
       "else ~/.config/wavetrace-pro.\n";
+  const std::string manual = ManualPath();
+  text += manual.empty() ? "The manual (docs/manual/index.html in the source) is not installed.\n"
+                         : "The manual: " + manual + "\n";
   return text;
 }
 

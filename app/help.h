@@ -14,9 +14,12 @@ inline constexpr const char* kManualContents = "Main_Contents";
 // Where Help finds the manual, given the executable's folder: installed, in
 // the documentation folder beside the executables' (kManualFromBinDir, so
 // <prefix>/share/doc/wavetrace-pro/manual for <prefix>/bin); else, run from a
-// build folder, its docs/manual, which links the source tree's. The page's
-// path, or empty when neither holds it.
-std::string FindManual(const std::string& executableFolder);
+// build folder, its docs/manual, which links the source tree's; else the
+// source folder's docs/manual (a program run from elsewhere in its build
+// tree). The page's path, or empty when none holds it.
+std::string FindManual(const std::string& executableFolder, const std::string& sourceFolder);
+// FindManual for this program.
+std::string ManualPath();
 
 // Help (503): opens the manual in the view's browser; the status line says
 // where it is when the view cannot open it, and when it is not there.

@@ -7,6 +7,8 @@
 #include "app/display_power.h"
 #include "app/help.h"
 #include "app/line_control.h"
+#include "app/receive_options.h"
+#include "app/reference_screens.h"
 #include "app/start_configuration.h"
 #include "app/startup.h"
 #include "app/tray_notification.h"
@@ -16,6 +18,7 @@
 #include "automation/script.h"
 #include "config/config_file.h"
 #include "core/allocation.h"
+#include "core/code_page.h"
 #include "core/messages.h"
 #include "core/reporting.h"
 #include "log/log_file.h"
@@ -34,12 +37,9 @@ namespace {
 using namespace core::cmd;
 
 // Commands whose features are not part of the program yet: their menu items
-// and buttons stay grey and the window ignores them.
-constexpr std::array kUnavailable = {
-    kReceiveOptions,
-    kAsciiChart,
-    kCommPinouts,
-};
+// and buttons stay grey and the window ignores them. Every command is there
+// now; a feature that comes later lists its commands here until it lands.
+constexpr std::array<int, 0> kUnavailable{};
 
 bool IsUnavailable(int command) {
   return !IsCommandAvailable(command);
@@ -132,6 +132,11 @@ void RunScriptCommand(core::AppState& state) {
     return;
   }
   automation::StartScriptThread(state, std::move(text));
+}
+
+// A screen the view could not put up is reported in a box.
+void ShowScreen(core::AppState& state, bool shown, std::u16string_view failure) {
+  if (!shown) core::ShowErrorBox(state, failure, {});
 }
 
 void ToggleSoftwareButtons(core::AppState& state) {
@@ -237,6 +242,18 @@ int64_t OnCommand(core::AppState& state, int command, int64_t source) {
       return 0;
     case kTransmitOptions:
       if (state.View) state.View->ShowTransmitOptions();
+      return 0;
+    case kReceiveOptions:
+      ShowScreen(state,
+                 state.View && state.View->ShowReceiveOptions(static_cast<int>(RxOptionsPage::kFilters)),
+                 u"Creating Receive Options dialog.");
+      return 0;
+    case kAsciiChart:
+      ShowScreen(state, state.View && state.View->ShowAsciiChart(AsciiChartVariantB(state)),
+                 u"Creating ASCII Chart Dialog.");
+      return 0;
+    case kCommPinouts:
+      ShowScreen(state, state.View && state.View->ShowPinouts(), u"Creating Pinouts Dialog.");
       return 0;
     case kCommProperties:
       if (state.View) state.View->ShowCommProperties();

@@ -40,6 +40,13 @@ class FrontEnd {
   virtual void ShowTransmitOptions() {}
   // The communication properties pages (port, line setting, flow control).
   virtual void ShowCommProperties() {}
+  // The receive options sheet, opened at page (0..4 in tab order: Filters,
+  // Replace, Logging, Relay, Advanced). False when it could not be shown.
+  virtual bool ShowReceiveOptions(int /*page*/) { return false; }
+  // The reference screens: the ASCII chart (variant B: one leading blank
+  // fewer on every row) and the serial port pinouts. False when not shown.
+  virtual bool ShowAsciiChart(bool /*variantB*/) { return false; }
+  virtual bool ShowPinouts() { return false; }
   // Called from any thread when the program is asked to end (SIGTERM) while a
   // modal box may be up: no box may hold the shutdown up from then on.
   virtual void InterruptModal() {}

@@ -73,6 +73,12 @@ bool FileExists(const std::string& path) {
   return access(path.c_str(), F_OK) == 0;
 }
 
+std::string ExecutablePath() {
+  char path[4096];
+  ssize_t length = readlink("/proc/self/exe", path, sizeof path - 1);
+  return length > 0 ? std::string(path, static_cast<size_t>(length)) : std::string();
+}
+
 SysResult FileSize(const std::string& path, uint64_t& size) {
   struct stat info {};
   if (stat(path.c_str(), &info) != 0) return FailedCall("stat");

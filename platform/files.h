@@ -23,6 +23,8 @@ std::string ExecutableFolder();
 // Creates the folder and its parents; succeeds when it exists afterwards.
 SysResult MakeFolders(const std::string& path);
 bool FileExists(const std::string& path);
+// The running program's file (/proc/self/exe); empty when it cannot be read.
+std::string ExecutablePath();
 // Size in bytes of a file that can be examined (a folder cannot).
 SysResult FileSize(const std::string& path, uint64_t& size);
 // The whole file.

@@ -29,7 +29,7 @@ TEST(Help, FindsTheManualInstalledOrInABuildFolder) {
     std::filesystem::create_directories(std::filesystem::path(root.Path() + "/" + c.page).parent_path());
     std::filesystem::create_directories(root.Path() + "/" + c.executableFolder);
     std::ofstream(root.Path() + "/" + c.page) << "<html></html>";
-    EXPECT_EQ(FindManual(root.Path() + "/" + c.executableFolder), c.found ? root.Path() + "/" + c.page : "")
+    EXPECT_EQ(FindManual(root.Path() + "/" + c.executableFolder, ""), c.found ? root.Path() + "/" + c.page : "")
         << c.page << " from " << c.executableFolder;
   }
 }

@@ -1,14 +1,20 @@
-// The rules of the Port Scan page (communication properties) and the
-// Configure Button page (transmit options), without a window.
+// The rules of the Port Scan page (communication properties), the Configure
+// Button page (transmit options), the receive options sheet and the ASCII
+// chart, without a window.
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
 
 #include "app/button_page.h"
 #include "app/port_scan_page.h"
+#include "app/receive_options.h"
+#include "app/reference_screens.h"
+#include "core/code_page.h"
 #include "core/messages.h"
+#include "core/published_settings.h"
 
 namespace wavetrace::app {
 namespace {
@@ -61,6 +67,80 @@ TEST(ButtonPage, ShowsAndWritesTheChosenButtonWithinItsRangeAndLimits) {
   page.SetCaption(u"ignored");
   EXPECT_EQ(values.SoftwareButtonData[1], std::u16string(kButtonStringChars, u'x'));
   EXPECT_EQ(values.SoftwareButtonCaption[1], u"Caption 1");
+}
+
+ReceiveOptionsSheet ReadySheet(core::AppState& state) {
+  ReceiveOptionsSheet sheet(state);
+  for (int page = 0; page < kRxOptionsPageCount; ++page) sheet.SetPageReady(static_cast<RxOptionsPage>(page));
+  return sheet;
+}
+
+TEST(ReceiveOptionsSheet, StoresAtOnceApplyDerivesAndTakesABackupCancelPutsItBack) {
+  core::AppState state;
+  state.Log.LOGtimestamp = 1;
+  ReceiveOptionsSheet filling(state);
+  filling.StoreSwitch(RxSwitch::kFilterNP, true);  // its page is not ready: ignored
+  EXPECT_EQ(state.Data.FilterNP, 0);
+  ReceiveOptionsSheet sheet = ReadySheet(state);
+  // Ticked and then cancelled: the blocks in between were filtered.
+  sheet.StoreSwitch(RxSwitch::kFilterNP, true);
+  EXPECT_EQ(state.PublishedRx.Load()->FilterNP, 1);
+  state.Log.LOGtimestamp = 0;  // the Logging page's box
+  sheet.Cancel();
+  EXPECT_EQ(state.Data.FilterNP, 0);
+  EXPECT_EQ(state.Log.LOGtimestamp, 1);
+  // Rule 1 left empty, rule 2 filled: apply compacts it into slot 1.
+  sheet.StoreSwitch(RxSwitch::kNonChars, true);
+  EXPECT_TRUE(sheet.AddRule({}));
+  EXPECT_FALSE(sheet.InsertRule());
+  sheet.Apply(u"[0D][0A]", {u"a", u"b", 0, 0, 1});
+  sheet.StoreSwitch(RxSwitch::kDisableSnR, true);
+  sheet.Cancel();
+  EXPECT_EQ(std::tuple(state.Data.NonChars, state.Data.DisableSnR, state.Data.PostambleLengthRX),
+            std::tuple(1, 0, 2));
+  EXPECT_EQ(std::tuple(state.Data.SnR_count, state.Data.SnR[1].wcszSearchFor, state.Data.SnR[1].Rlo,
+                       state.Data.SnR[1].SearchLength),
+            std::tuple(1, std::u16string(u"a"), 1, 1));
+  EXPECT_TRUE(core::SettingsArePublished(state));
+}
+
+TEST(ReceiveOptionsSheet, DelayFieldAndItsUpDown) {
+  core::AppState state;
+  ReceiveOptionsSheet sheet = ReadySheet(state);
+  const std::tuple<std::u16string_view, uint32_t, std::optional<std::u16string>> edits[] = {
+      {u"9999", 9999, {}}, {u"", 0, {}}, {u"12x", 12, {}}, {u"10000", 0, u"0"}};
+  for (const auto& [text, stored, rewrite] : edits) {
+    EXPECT_EQ(sheet.EditDelayField(text), rewrite) << core::WideToUtf8(text);
+    EXPECT_EQ(state.PublishedRx.Load()->RxDelayReadThread, stored) << core::WideToUtf8(text);
+  }
+  // The up-down sits at the delay divided by 100 and steps in hundreds.
+  const std::tuple<uint32_t, int, int, uint32_t> steps[] = {
+      {250, 2, 1, 300}, {0, 0, -1, 0}, {9900, 99, 1, 9999}};
+  for (auto [delay, position, step, stepped] : steps) {
+    EXPECT_EQ(std::pair(DelayUpDownPosition(delay), SteppedDelay(delay, step)), std::pair(position, stepped))
+        << delay << " " << step;
+  }
+}
+
+TEST(AsciiChart, EveryByteValueInOneRowInBothVariants) {
+  // Rows of variant A; B is the same with one blank fewer in front.
+  const std::pair<int, std::u16string_view> rows[] = {
+      {0, u"         000    00     NUL "}, {8, u"   \x0001     008    08     BS  "},
+      {32, u"         032    20     Sp "}, {39, u"   '     039    27     RIGT "},
+      {41, u"   )     041    29 "},        {127, u"   \x0001     127    7F "},
+      {128, u"   \u20AC     128    80 "},  {160, u"   p     160    A0 "},
+      {233, u"   \u00E9     233    E9 "},
+  };
+  const std::vector<std::u16string> a = AsciiChartRows(false);
+  const std::vector<std::u16string> b = AsciiChartRows(true);
+  ASSERT_EQ(std::pair(a.size(), b.size()), std::pair(size_t{256}, size_t{256}));
+  for (auto [value, row] : rows) EXPECT_EQ(a[static_cast<size_t>(value)], row) << value;
+  for (size_t value = 0; value < a.size(); ++value) EXPECT_EQ(u" " + b[value], a[value]) << value;
+  core::AppState state;
+  state.Data.RxFullScreen = 1;
+  EXPECT_TRUE(AsciiChartVariantB(state));
+  EXPECT_EQ(std::pair(PinoutPictureFor(240), PinoutPictureFor(241)),
+            std::pair(PinoutPicture::kPortrait, PinoutPicture::kLandscape));
 }
 
 }  // namespace

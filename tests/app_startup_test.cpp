@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "app/main_window.h"
+#include "app/help.h"
 #include "app/startup.h"
 #include "app/tray_notification.h"
 #include "core/code_page.h"
@@ -101,7 +102,7 @@ TEST_F(StartUpTest, NormalStartShowsTheClosedStateAndExitEndsEveryThread) {
   EXPECT_FALSE(s.Screen.IsButtonEnabled(cmd::kSend) || s.Screen.IsButtonEnabled(cmd::kStop));
   EXPECT_FALSE(s.Screen.IsMenuItemGrey(cmd::kAbout) || s.Screen.IsMenuItemGrey(cmd::kExit) ||
                s.Screen.IsMenuItemGrey(cmd::kConfigLoad) || s.Screen.IsMenuItemGrey(cmd::kRunScript));
-  EXPECT_TRUE(s.Screen.IsMenuItemGrey(cmd::kAsciiChart) && s.Screen.IsMenuItemChecked(cmd::kHex));
+  EXPECT_TRUE(s.Screen.IsMenuItemChecked(cmd::kHex));
   EXPECT_TRUE(s.Screen.TrayState() == 1 && s.Screen.WindowShown());
   s.Queue.SendCommand(cmd::kAbout);
   EXPECT_EQ(view.about, u"Rel. 2.71.3089  (11.2008)");
@@ -282,6 +283,32 @@ TEST_F(StartUpTest, RadixViewModePauseAndClearCommands) {
   send(cmd::kClearSendHistory);
   EXPECT_TRUE(screen.TxHistory().empty() && screen.TxText().empty());
   EXPECT_EQ(screen.TxSelection(), -1);
+}
+
+TEST_F(StartUpTest, EveryScreenCommandReachesItsScreenAndAScreenNotShownIsReported) {
+  const std::pair<int, std::string> table[] = {{cmd::kReceiveOptions, "receive options 0"},
+                                               {cmd::kAsciiChart, "chart A"},
+                                               {cmd::kCommPinouts, "pinouts"},
+                                               {cmd::kHelp, "manual " + ManualPath()},
+                                               {cmd::kFullscreen, ""},
+                                               {cmd::kAsciiChart, "chart B"}};  // the other variant
+  for (const auto& [command, screen] : table) {
+    view.screens.clear();
+    EXPECT_FALSE(state.Screen.IsMenuItemGrey(command)) << command;
+    state.Queue.SendCommand(command);
+    EXPECT_EQ(view.screens, screen.empty() ? std::vector<std::string>{} : std::vector{screen}) << command;
+  }
+  EXPECT_TRUE(ManualPath().ends_with("/docs/manual/index.html")) << ManualPath();
+
+  view.screensShown = false;
+  for (int command : {cmd::kReceiveOptions, cmd::kAsciiChart, cmd::kCommPinouts, cmd::kHelp})
+    state.Queue.SendCommand(command);
+  std::vector<std::u16string> boxes;
+  for (const auto& box : view.Boxes()) boxes.push_back(box.text.substr(0, box.text.find(u':')));
+  EXPECT_EQ(boxes,
+            (std::vector<std::u16string>{u"Creating Receive Options dialog.", u"Creating ASCII Chart Dialog.",
+                                         u"Creating Pinouts Dialog."}));
+  EXPECT_EQ(state.Screen.Status().rfind(u"The manual is /", 0), 0u);
 }
 
 }  // namespace

@@ -25,7 +25,6 @@
 #include "rx/dispatcher.h"
 #include "rx/receive_pipeline.h"
 #include "rx/receive_window.h"
-#include "rx/replace_rules.h"
 #include "serial/tx_thread.h"
 #include "test_support.h"
 
@@ -73,15 +72,16 @@ void Command(core::AppState& state, int command) {
   app::MainWindowProc(state, core::MakeMessage(core::kWmCommand, command));
 }
 
-// The receive options sheet's two applies; each publishes once.
-void ApplyFiltersPage(core::AppState& state, int32_t filter, int32_t nonChars, int32_t brackets,
-                      std::u16string postamble) {
-  app::ApplyReceiveOptions(state, {filter, nonChars, brackets, 0, std::move(postamble)});
+// The receive options sheet with every page ready: a check box, or Apply
+// with the postamble field and rule 1 on show. Each publishes once.
+void Switch(app::ReceiveOptionsSheet& sheet, app::RxSwitch which, bool ticked) {
+  sheet.StoreSwitch(which, ticked);
 }
 
-void ApplyRulePage(core::AppState& state, std::u16string search, std::u16string replace) {
+void ApplySheet(core::AppState& state, app::ReceiveOptionsSheet& sheet, std::u16string postamble,
+                std::u16string search, std::u16string replace) {
   state.Data.SnRCurrentRule = 1;
-  app::ApplyReplacePage(state, {std::move(search), std::move(replace), 1, 0, 0});
+  sheet.Apply(postamble, {std::move(search), std::move(replace), 1, 0, 0});
 }
 
 void ApplyTransmitPage(core::AppState& state, std::u16string postamble) {
@@ -98,28 +98,38 @@ TEST(SettingsHandOverTest, EveryChangePublishesAndBlocksSeeOneWholeSetting) {
 
   // A configuration that differs from every other step in many keys at once.
   const std::u16string configPath = core::BytesToWide(folder.Path() + "/Race.cfg.txt");
+  app::ReceiveOptionsSheet sheet(state);
+  for (int page = 0; page < app::kRxOptionsPageCount; ++page)
+    sheet.SetPageReady(static_cast<app::RxOptionsPage>(page));
+  using app::RxSwitch;
   Command(state, kBinaryButton);
   Command(state, kBinary);
-  ApplyFiltersPage(state, 1, 1, 1, u"<[0D]>");
-  ApplyRulePage(state, u"b", u"[41]Z");
+  for (RxSwitch which : {RxSwitch::kFilterNP, RxSwitch::kNonChars, RxSwitch::kBinBrackets})
+    Switch(sheet, which, true);
+  ApplySheet(state, sheet, u"<[0D]>", u"b", u"[41]Z");
   ApplyTransmitPage(state, u"[0D][0A]");
   ASSERT_EQ(config::ConfigSave(state, configPath), 0);
 
   const std::vector<std::function<void()>> steps = {
       [&] { Command(state, kAsciiButton); },
-      [&] { ApplyFiltersPage(state, 0, 0, 0, u""); },
-      [&] { ApplyRulePage(state, u"", u""); },
+      [&] { Switch(sheet, RxSwitch::kFilterNP, false); },
+      [&] { Switch(sheet, RxSwitch::kNonChars, false); },
+      [&] { ApplySheet(state, sheet, u"", u"", u""); },
       [&] { ApplyTransmitPage(state, u""); },
       [&] { Command(state, kHex); },
       [&] { Command(state, kBinaryButton); },
       [&] { Command(state, kDecimal); },
-      [&] { ApplyRulePage(state, u"ab", u"QQQ"); },
-      [&] { ApplyFiltersPage(state, 1, 0, 1, u"[0A]"); },
+      [&] { ApplySheet(state, sheet, u"", u"ab", u"QQQ"); },
+      [&] { Switch(sheet, RxSwitch::kFilterNP, true); },
+      [&] { ApplySheet(state, sheet, u"[0A]", u"ab", u"QQQ"); },
       [&] { Command(state, kOctal); },
       [&] { ApplyTransmitPage(state, u"!"); },
       [&] { Command(state, kBinary); },
-      [&] { ApplyFiltersPage(state, 0, 1, 0, u""); },
-      [&] { ApplyRulePage(state, u"[00]", u"-"); },
+      [&] { Switch(sheet, RxSwitch::kBinBrackets, false); },
+      [&] { Switch(sheet, RxSwitch::kNonChars, true); },
+      // Back to what the last Apply left, the transmit page's change included.
+      [&] { sheet.Cancel(); },
+      [&] { ApplySheet(state, sheet, u"[0A]", u"[00]", u"-"); },
       [&] { Command(state, kPauseRxDisplay); },
       [&] { Command(state, kHex); },
       [&] { Command(state, kPauseRxDisplay); },

@@ -55,6 +55,11 @@ class RecordingFrontEnd : public core::FrontEnd {
   void RenderScreenChanges() override {}
   void ShowAbout(std::u16string_view releaseLine, bool) override { about = releaseLine; }
   void ShowProgramOptions() override {}
+  // The screens asked for, in order (main thread only).
+  bool ShowReceiveOptions(int page) override { return Screen("receive options " + std::to_string(page)); }
+  bool ShowAsciiChart(bool variantB) override { return Screen(variantB ? "chart B" : "chart A"); }
+  bool ShowPinouts() override { return Screen("pinouts"); }
+  bool OpenManual(const std::string& path, std::string_view) override { return Screen("manual " + path); }
 
   std::vector<Box> Boxes() {
     std::lock_guard lock(mutex_);
@@ -63,11 +68,18 @@ class RecordingFrontEnd : public core::FrontEnd {
 
   bool needsMainThread = false;
   bool windowExists = true;
+  bool screensShown = true;
+  std::vector<std::string> screens;
   std::u16string clipboard;
   std::u16string about;
   std::function<void()> onBox;
 
  private:
+  bool Screen(std::string name) {
+    screens.push_back(std::move(name));
+    return screensShown;
+  }
+
   std::mutex mutex_;
   std::vector<Box> boxes_;
 };

@@ -310,22 +310,4 @@ void LoggingPage::Apply() {
   if (path_->isModified()) ShowPath(log::StoreLogPath(state_, path_->text().toStdU16String()));
 }
 
-LoggingDialog::LoggingDialog(core::AppState& state, QWidget* parent)
-    : QDialog(parent), state_(state), opened_(log::LogSettingsBackup(state)) {
-  setWindowTitle(QStringLiteral("Logging"));
-  auto* layout = new QVBoxLayout(this);
-  page_ = new LoggingPage(state, this);
-  layout->addWidget(page_, 1);
-  layout->addWidget(OkCancel(this));
-}
-
-void LoggingDialog::done(int result) {
-  if (result == QDialog::Accepted) {
-    page_->Apply();
-  } else {
-    log::RestoreLogSettings(state_, opened_);
-  }
-  QDialog::done(result);
-}
-
 }  // namespace wavetrace::ui

@@ -57,10 +57,11 @@ class AdvancedLoggingDialog : public QDialog {
   QButtonGroup* timeFormats_ = nullptr;
 };
 
-// The Logging page: the log file's path ("Browse", "AutoName"), the three
-// switches of the record layout, and "Advanced >>". The switches, "Browse"
-// and "AutoName" store at once; a typed path is stored by Apply. Nothing can
-// be changed while RECORD is on.
+// The Logging page of the receive options: the log file's path ("Browse",
+// "AutoName"), the three switches of the record layout, and "Advanced >>".
+// The switches, "Browse" and "AutoName" store at once; a typed path is stored
+// by Apply. Nothing can be changed while RECORD is on. The sheet puts the
+// logging settings back on Cancel.
 class LoggingPage : public QWidget {
   Q_OBJECT
 
@@ -88,24 +89,6 @@ class LoggingPage : public QWidget {
   QPushButton* autoName_ = nullptr;
   std::array<QCheckBox*, 3> switches_{};
   QPushButton* advanced_ = nullptr;
-};
-
-// The Logging page on its own, with OK and Cancel: Cancel puts back the
-// logging settings as they were when it opened, the advanced sheet's included.
-class LoggingDialog : public QDialog {
-  Q_OBJECT
-
- public:
-  explicit LoggingDialog(core::AppState& state, QWidget* parent = nullptr);
-
-  [[nodiscard]] LoggingPage* Page() const { return page_; }
-
-  void done(int result) override;
-
- private:
-  core::AppState& state_;
-  core::LogSettings opened_;
-  LoggingPage* page_ = nullptr;
 };
 
 }  // namespace wavetrace::ui

@@ -46,8 +46,8 @@ constexpr std::array<ButtonEntry, 9> kButtons = {{
 constexpr int kButtonColumns = 3;
 
 // Pixel sizes on the 240x320 screen, scaled with the window.
-constexpr int kFontPixels = 11;
-constexpr int kReceiveFontPixels = 11;
+constexpr int kFontPixels = kLayoutFontPixels;
+constexpr int kReceiveFontPixels = kLayoutFontPixels;
 constexpr int kSpacing = 2;
 
 // One line on the status line: line ends inside a message become blanks.
@@ -185,7 +185,7 @@ void MainWindowWidget::BuildMenus() {
 
   QMenu* program = addMenu(nullptr, bar, "Program");
   AddItem(program, kAbout, "About...");
-  AddItem(program, kHelp, "Help");
+  AddItem(program, kHelp, "Help")->setShortcut(QKeySequence(Qt::Key_F1));
   AddItem(program, kRunScript, "Run script");
   QMenu* config = addMenu(program, nullptr, "Config");
   AddItem(config, kConfigLoad, "Load...");
@@ -194,17 +194,19 @@ void MainWindowWidget::BuildMenus() {
   AddItem(config, kConfigSetDefault, "Set as Default");
   AddItem(program, kProgramOptions, "Options");
   program->addSeparator();
-  AddItem(program, kExit, "Exit");
+  AddItem(program, kExit, "Exit")->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
 
   QMenu* edit = addMenu(nullptr, bar, "Edit");
-  AddItem(edit, kCopy, "Copy");
-  AddItem(edit, kPaste, "Paste");
+  // A field with the focus keeps its own Ctrl+C and Ctrl+V (Qt lets it
+  // override the shortcut); elsewhere they reach these items.
+  AddItem(edit, kCopy, "Copy")->setShortcut(QKeySequence::Copy);
+  AddItem(edit, kPaste, "Paste")->setShortcut(QKeySequence::Paste);
   sendFileAction_ = edit->addAction(QStringLiteral("Send file..."));
   sendFileAction_->setObjectName(QStringLiteral("actionSendFile"));
   sendFileAction_->setMenuRole(QAction::NoRole);
   connect(sendFileAction_, &QAction::triggered, this, &MainWindowWidget::SendFileRequested);
   QMenu* clear = addMenu(edit, nullptr, "Clear...");
-  AddItem(clear, kClearReceiveWindow, "Received window");
+  AddItem(clear, kClearReceiveWindow, "Received window")->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_L));
   AddItem(clear, kClearSendHistory, "Send history");
   edit->addSeparator();
   AddItem(edit, kReceiveOptions, "Receive Options");

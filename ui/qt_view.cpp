@@ -6,6 +6,7 @@
 #include <QDesktopServices>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFontInfo>
 #include <QGuiApplication>
 #include <QMessageBox>
 #include <QScreen>
@@ -19,6 +20,7 @@
 #include "app/comm_properties.h"
 #include "app/line_control.h"
 #include "app/port_scan_page.h"
+#include "app/receive_options.h"
 #include "app/startup.h"
 #include "app/transmit_options.h"
 #include "automation/function_buttons.h"
@@ -31,8 +33,9 @@
 #include "ui/log_dialogs.h"
 #include "ui/main_window_widget.h"
 #include "ui/program_options_dialog.h"
+#include "ui/receive_options_dialog.h"
 #include "ui/receive_view.h"
-#include "ui/relay_dialogs.h"
+#include "ui/reference_screens.h"
 #include "ui/screen_scale.h"
 #include "ui/transmit_options_dialog.h"
 #include "ui/tray_icon.h"
@@ -64,13 +67,16 @@ QString BoxText(std::u16string_view text) {
 
 QtView::QtView(core::AppState& state, QObject* parent) : QObject(parent), state_(state) {
   QScreen* screen = QGuiApplication::primaryScreen();
-  ScreenFit fit = FitToScreen(screen ? screen->availableGeometry().size() : QSize());
+  // The desktop's font follows its scale setting; the layout follows the font.
+  ScreenFit fit = FitToScreen(screen ? screen->availableGeometry().size() : QSize(),
+                              QFontInfo(QApplication::font()).pixelSize());
   if (screen) {
     screenHeight_ = screen->geometry().height();
     connect(screen, &QScreen::geometryChanged, this,
             [this](const QRect& rect) { screenHeight_ = rect.height(); });
   }
 
+  scale_ = fit.Scale;
   window_ = std::make_unique<MainWindowWidget>(fit.Scale);
   window_->resize(fit.WindowSize);
   // The line status strip reads the port on the GUI thread, the main thread.
@@ -86,8 +92,11 @@ QtView::QtView(core::AppState& state, QObject* parent) : QObject(parent), state_
   connect(window_.get(), &MainWindowWidget::TransmitHistoryChosen, this,
           [this](int index) { state_.Screen.SetTxSelection(index); });
   connect(window_.get(), &MainWindowWidget::SendFileRequested, this, &QtView::ChooseFileToSend);
-  connect(window_.get(), &MainWindowWidget::RelayOptionsRequested, this, &QtView::ShowRelayOptions);
-  connect(window_.get(), &MainWindowWidget::LogOptionsRequested, this, &QtView::ShowLogOptions);
+  // Press and hold on RELAY or RECORD: the receive options at their page.
+  connect(window_.get(), &MainWindowWidget::RelayOptionsRequested, this,
+          [this] { ShowReceiveOptions(static_cast<int>(app::RxOptionsPage::kRelay)); });
+  connect(window_.get(), &MainWindowWidget::LogOptionsRequested, this,
+          [this] { ShowReceiveOptions(static_cast<int>(app::RxOptionsPage::kLogging)); });
   connect(window_.get(), &MainWindowWidget::FirstShown, this, &QtView::OnFirstShown);
 
   if (QSystemTrayIcon::isSystemTrayAvailable()) {
@@ -305,18 +314,31 @@ void QtView::ShowTransmitOptions() {
   app::ApplyTransmitOptions(state_, dialog.Values());
 }
 
-void QtView::ShowLogOptions() {
-  LoggingDialog dialog(state_, BoxParent());
+bool QtView::ShowReceiveOptions(int page) {
+  ReceiveOptionsDialog dialog(state_, static_cast<app::RxOptionsPage>(page), BoxParent());
   dialog.setFont(window_->font());
-  // On a small screen the page takes the window's room, not more.
+  // On a small screen the pages take the window's room, not more.
   dialog.resize(dialog.sizeHint().boundedTo(window_->size()));
   dialog.exec();
+  return true;
 }
 
-void QtView::ShowRelayOptions() {
-  RelayPageDialog dialog(state_, BoxParent());
+bool QtView::ShowAsciiChart(bool variantB) {
+  AsciiChartDialog dialog(app::AsciiChartRows(variantB), window_.get());
   dialog.setFont(window_->font());
+  // A reference screen takes the whole window.
+  dialog.resize(window_->size());
   dialog.exec();
+  return true;
+}
+
+bool QtView::ShowPinouts() {
+  PinoutsDialog dialog(scale_, window_.get());
+  dialog.setFont(window_->font());
+  dialog.resize(window_->size());
+  if (!dialog.PicturesLoaded()) core::ShowErrorBox(state_, u"Pinouts Dialog: BMP's failed to load.", {});
+  dialog.exec();
+  return true;
 }
 
 QString QtView::PickExistingFile(const QString& title, const QString& folder) {

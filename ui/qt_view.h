@@ -47,6 +47,9 @@ class QtView : public QObject, public core::FrontEnd {
   void ShowProgramOptions() override;
   void ShowTransmitOptions() override;
   void ShowCommProperties() override;
+  bool ShowReceiveOptions(int page) override;
+  bool ShowAsciiChart(bool variantB) override;
+  bool ShowPinouts() override;
   std::u16string ChooseConfigFile(bool save, std::u16string_view current) override;
   std::u16string ChooseScriptFile() override;
   bool OpenManual(const std::string& path, std::string_view fragment) override;
@@ -62,18 +65,13 @@ class QtView : public QObject, public core::FrontEnd {
   void ShowWindow(bool shown);
   void Activate();
   void ChooseFileToSend();
-  // The Logging page, from the RECORD button's context menu (the receive
-  // options that hold it elsewhere are not built yet).
-  void ShowLogOptions();
   // An existing file picked in Qt's own dialog; empty when cancelled.
   QString PickExistingFile(const QString& title, const QString& folder);
-  // The Relay page, from the RELAY button's context menu (the receive
-  // options that hold it elsewhere are not built yet).
-  void ShowRelayOptions();
   [[nodiscard]] QWidget* BoxParent() const;
 
   core::AppState& state_;
   std::unique_ptr<MainWindowWidget> window_;
+  double scale_ = 1.0;
   TrayIcon* tray_ = nullptr;
   QSocketNotifier* notifier_ = nullptr;
   QTimer* timer_ = nullptr;

@@ -119,9 +119,8 @@ void IpRelayDialog::done(int result) {
   QDialog::done(result);
 }
 
-RelayPageDialog::RelayPageDialog(core::AppState& state, QWidget* parent)
-    : QDialog(parent), state_(state), opened_(state.Data), openedWindowRelay_(state.WindowRelayEnabled) {
-  setWindowTitle(QStringLiteral("Relay"));
+RelayPage::RelayPage(core::AppState& state, QWidget* parent)
+    : QWidget(parent), state_(state), openedWindowRelay_(state.WindowRelayEnabled) {
   auto* layout = new QVBoxLayout(this);
   windowLabel_ = Caption(QStringLiteral("Relay incoming data to another program's:"), this);
   layout->addWidget(windowLabel_);
@@ -147,7 +146,6 @@ RelayPageDialog::RelayPageDialog(core::AppState& state, QWidget* parent)
   networkRow->addWidget(networkEnable_);
   layout->addLayout(networkRow);
   layout->addStretch(1);
-  layout->addWidget(OkCancel(this));
 
   connect(networkEnable_, &QCheckBox::clicked, this, [this] {
     state_.Data.EnableTCPIPrelay = networkEnable_->isChecked() ? 1 : 0;
@@ -170,7 +168,7 @@ RelayPageDialog::RelayPageDialog(core::AppState& state, QWidget* parent)
   FollowEnableBox();
 }
 
-void RelayPageDialog::FollowEnableBox() {
+void RelayPage::FollowEnableBox() {
   relay::RelayPageControls network = relay::RelayControls(networkEnable_->isChecked(), state_.RelayActive);
   networkEnable_->setEnabled(network.EnableBox);
   networkLabel_->setEnabled(network.Label);
@@ -181,10 +179,23 @@ void RelayPageDialog::FollowEnableBox() {
   window_->setEnabled(window.Button);
 }
 
+void RelayPage::Revert() {
+  state_.WindowRelayEnabled = openedWindowRelay_;
+}
+
+RelayPageDialog::RelayPageDialog(core::AppState& state, QWidget* parent)
+    : QDialog(parent), state_(state), opened_(state.Data) {
+  setWindowTitle(QStringLiteral("Relay"));
+  auto* layout = new QVBoxLayout(this);
+  page_ = new RelayPage(state, this);
+  layout->addWidget(page_, 1);
+  layout->addWidget(OkCancel(this));
+}
+
 void RelayPageDialog::done(int result) {
   if (result != QDialog::Accepted) {
     relay::CopyTcpRelaySettings(opened_, state_.Data);
-    state_.WindowRelayEnabled = openedWindowRelay_;
+    page_->Revert();
   }
   core::PublishSettings(state_);
   QDialog::done(result);

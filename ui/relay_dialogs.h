@@ -46,25 +46,26 @@ class IpRelayDialog : public QDialog {
 
 // The Relay page: relaying to another program's window ("Enable",
 // "window") and to a network server ("Enable", "tcp/ip"). Every relay
-// control is disabled while RELAY is on.
-class RelayPageDialog : public QDialog {
+// control is disabled while RELAY is on. It edits the settings in place; the
+// sheet or dialog that holds it puts them back on Cancel (Revert for what is
+// not a data setting).
+class RelayPage : public QWidget {
   Q_OBJECT
 
  public:
-  explicit RelayPageDialog(core::AppState& state, QWidget* parent = nullptr);
+  explicit RelayPage(core::AppState& state, QWidget* parent = nullptr);
 
   [[nodiscard]] QCheckBox* WindowEnableBox() const { return windowEnable_; }
   [[nodiscard]] QPushButton* WindowButton() const { return window_; }
   [[nodiscard]] QCheckBox* NetworkEnableBox() const { return networkEnable_; }
   [[nodiscard]] QPushButton* TcpIpButton() const { return tcpIp_; }
-
-  void done(int result) override;
+  // Puts back the window relay's switch as it was when the page opened.
+  void Revert();
 
  private:
   void FollowEnableBox();
 
   core::AppState& state_;
-  core::DataSettings opened_;
   int32_t openedWindowRelay_ = 0;
   QCheckBox* windowEnable_ = nullptr;
   QLabel* windowLabel_ = nullptr;
@@ -72,6 +73,28 @@ class RelayPageDialog : public QDialog {
   QCheckBox* networkEnable_ = nullptr;
   QLabel* networkLabel_ = nullptr;
   QPushButton* tcpIp_ = nullptr;
+};
+
+// The Relay page on its own, with OK and Cancel: Cancel puts back the relay
+// settings as they were when it opened.
+class RelayPageDialog : public QDialog {
+  Q_OBJECT
+
+ public:
+  explicit RelayPageDialog(core::AppState& state, QWidget* parent = nullptr);
+
+  [[nodiscard]] RelayPage* Page() const { return page_; }
+  [[nodiscard]] QCheckBox* WindowEnableBox() const { return page_->WindowEnableBox(); }
+  [[nodiscard]] QPushButton* WindowButton() const { return page_->WindowButton(); }
+  [[nodiscard]] QCheckBox* NetworkEnableBox() const { return page_->NetworkEnableBox(); }
+  [[nodiscard]] QPushButton* TcpIpButton() const { return page_->TcpIpButton(); }
+
+  void done(int result) override;
+
+ private:
+  core::AppState& state_;
+  core::DataSettings opened_;
+  RelayPage* page_ = nullptr;
 };
 
 }  // namespace wavetrace::ui

@@ -5,13 +5,15 @@
 
 namespace wavetrace::ui {
 namespace {
-// Beyond this a desktop window would fill the screen without gaining anything.
+// Beyond this the layout gains nothing.
 constexpr double kMaxScale = 2.5;
 // Below this the display is a small panel rather than a desktop.
 constexpr double kPanelRatio = 1.5;
+// A desktop window starts at least this share of the screen's height tall.
+constexpr double kDesktopHeightShare = 0.6;
 }  // namespace
 
-ScreenFit FitToScreen(QSize available) {
+ScreenFit FitToScreen(QSize available, int desktopFontPixels) {
   ScreenFit fit;
   if (available.width() <= 0 || available.height() <= 0) {
     fit.WindowSize = QSize(kLogicalWidth, kLogicalHeight);
@@ -24,10 +26,14 @@ ScreenFit FitToScreen(QSize available) {
     fit.WindowSize = available;
     return fit;
   }
-  // Half steps keep the fonts on whole pixels at the common sizes.
-  fit.Scale = std::clamp(std::floor(ratio * 2.0) / 2.0, 1.0, kMaxScale);
-  fit.WindowSize = QSize(std::min(Scaled(fit.Scale, kLogicalWidth), available.width()),
-                         std::min(Scaled(fit.Scale, kLogicalHeight), available.height()));
+  if (desktopFontPixels > 0)
+    fit.Scale = std::clamp(static_cast<double>(desktopFontPixels) / kLayoutFontPixels, 1.0, kMaxScale);
+  // The layout's proportions; the receive window takes what is more.
+  int height = std::max(Scaled(fit.Scale, kLogicalHeight),
+                        static_cast<int>(std::lround(available.height() * kDesktopHeightShare)));
+  height = std::min(height, available.height());
+  int width = std::min(height * kLogicalWidth / kLogicalHeight, available.width());
+  fit.WindowSize = QSize(width, height);
   return fit;
 }
 

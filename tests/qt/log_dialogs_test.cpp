@@ -1,4 +1,5 @@
-// The Logging page, opened from the RECORD button, and the advanced logging sheet.
+// The Logging page of the receive options, opened from the RECORD button,
+// and the advanced logging sheet.
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QContextMenuEvent>
@@ -7,19 +8,25 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>
+#include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include "core/published_settings.h"
 #include "tests/qt/gui_program.h"
 #include "ui/log_dialogs.h"
+#include "ui/receive_options_dialog.h"
 
 namespace wavetrace::ui {
 namespace {
 
-// Opens the Logging page as press-and-hold on RECORD does; act runs while it is up.
-void OpenFromRecordButton(QtView& view, const std::function<void(LoggingDialog&)>& act) {
-  testing::ModalHandler<LoggingDialog> handler(act);
+// Opens the receive options at the Logging page as press-and-hold on RECORD
+// does; act runs while it is up.
+void OpenFromRecordButton(QtView& view, const std::function<void(ReceiveOptionsDialog&)>& act) {
+  testing::ModalHandler<ReceiveOptionsDialog> handler([&](ReceiveOptionsDialog& dialog) {
+    EXPECT_EQ(dialog.Tabs()->currentWidget(), dialog.Logging());
+    act(dialog);
+  });
   QContextMenuEvent hold(QContextMenuEvent::Mouse, QPoint(1, 1), QPoint(1, 1));
   QApplication::sendEvent(view.Window().Button(core::cmd::kRecord), &hold);
   EXPECT_TRUE(handler.Handled());
@@ -35,8 +42,8 @@ TEST(LogDialogs, LoggingPageShowsTheSettingsCancelPutsThemBackOkStoresThem) {
   state.Log.wszLogFile = u"run.txt";
   state.Log.LOGtransmitdata = 1;
   const core::LogSettings before = state.Log;
-  OpenFromRecordButton(view, [&](LoggingDialog& dialog) {
-    LoggingPage& page = *dialog.Page();
+  OpenFromRecordButton(view, [&](ReceiveOptionsDialog& dialog) {
+    LoggingPage& page = *dialog.Logging();
     EXPECT_EQ(page.PathField()->text(), QStringLiteral("/tmp/logs/run.txt"));
     EXPECT_FALSE(page.TimestampBox()->isChecked());
     EXPECT_TRUE(page.TransmitDataBox()->isChecked());
@@ -63,8 +70,8 @@ TEST(LogDialogs, LoggingPageShowsTheSettingsCancelPutsThemBackOkStoresThem) {
   });
   EXPECT_TRUE(state.Log == before) << "the advanced sheet's OK is undone too";
 
-  OpenFromRecordButton(view, [&](LoggingDialog& dialog) {
-    LoggingPage& page = *dialog.Page();
+  OpenFromRecordButton(view, [&](ReceiveOptionsDialog& dialog) {
+    LoggingPage& page = *dialog.Logging();
     page.TimestampBox()->click();
     page.PathField()->selectAll();
     QTest::keyClicks(page.PathField(), QStringLiteral("/var/tmp/other.csv"));
@@ -76,8 +83,8 @@ TEST(LogDialogs, LoggingPageShowsTheSettingsCancelPutsThemBackOkStoresThem) {
   EXPECT_TRUE(core::SettingsArePublished(state));
 
   state.RecordFlag = true;
-  OpenFromRecordButton(view, [&](LoggingDialog& dialog) {
-    LoggingPage& page = *dialog.Page();
+  OpenFromRecordButton(view, [&](ReceiveOptionsDialog& dialog) {
+    LoggingPage& page = *dialog.Logging();
     for (QWidget* control :
          {static_cast<QWidget*>(page.PathField()), static_cast<QWidget*>(page.BrowseButton()),
           static_cast<QWidget*>(page.AutoNameButton()), static_cast<QWidget*>(page.AdvancedButton()),

@@ -35,19 +35,21 @@ TEST(ReceiveText, EveryCharacterKeepsItsPositionAndLineEndsBecomeOneBreak) {
   EXPECT_EQ(view.ModelText(), u"2\r\nthree!");
 }
 
-TEST(ScreenFit, ScalesInHalfStepsUpToTheLargest) {
+TEST(ScreenFit, APanelGetsTheLayoutADesktopItsFontAndRoom) {
   struct Case {
     QSize screen;
+    int font;
     double scale;
     QSize window;
   };
-  for (const auto& c :
-       {Case{{480, 640}, 2.0, {480, 640}}, Case{{800, 570}, 1.5, {360, 480}},
-        Case{{1920, 1050}, 2.5, {600, 800}}, Case{{320, 240}, 1.0, {320, 240}},
-        Case{{480, 320}, 1.0, {480, 320}}, Case{{240, 320}, 1.0, {240, 320}}, Case{{}, 1.0, {240, 320}}}) {
-    ScreenFit fit = FitToScreen(c.screen);
-    EXPECT_EQ(fit.Scale, c.scale) << c.screen.width() << "x" << c.screen.height();
-    EXPECT_EQ(fit.WindowSize, c.window) << c.screen.width() << "x" << c.screen.height();
+  for (const auto& c : {Case{{320, 240}, 16, 1.0, {320, 240}}, Case{{480, 320}, 16, 1.0, {480, 320}},
+                        Case{{240, 320}, 0, 1.0, {240, 320}}, Case{{}, 16, 1.0, {240, 320}},
+                        Case{{1920, 1050}, 11, 1.0, {472, 630}}, Case{{1920, 1050}, 22, 2.0, {480, 640}},
+                        Case{{3840, 2100}, 40, 2.5, {945, 1260}}, Case{{800, 570}, 9, 1.0, {256, 342}},
+                        Case{{640, 480}, 33, 2.5, {360, 480}}}) {
+    ScreenFit fit = FitToScreen(c.screen, c.font);
+    EXPECT_EQ(fit.Scale, c.scale) << c.screen.width() << "x" << c.screen.height() << " " << c.font;
+    EXPECT_EQ(fit.WindowSize, c.window) << c.screen.width() << "x" << c.screen.height() << " " << c.font;
   }
 }
 

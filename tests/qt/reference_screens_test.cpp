@@ -1,0 +1,51 @@
+// The reference screens on the screen; the test also runs under Xvfb
+// (CTest: ReferenceScreensUnderX), grabbing the real window there.
+#include <QDir>
+#include <QListWidget>
+#include <QScreen>
+#include <QSet>
+
+#include "app/reference_screens.h"
+#include "tests/qt/gui_program.h"
+#include "ui/about_dialog.h"
+#include "ui/reference_screens.h"
+
+namespace wavetrace::ui {
+namespace {
+
+using namespace testing;
+
+// Each reference screen once on the screen, its picture kept in the build
+// folder; a screen that shows nothing has a single colour.
+TEST(Screenshots, ReferenceScreens) {
+  TestApplication();
+  AsciiChartDialog chart(app::AsciiChartRows(false));
+  PinoutsDialog portrait(1.0);
+  PinoutsDialog landscape(1.0);
+  AboutDialog about(u"Rel. 2.71.3089  (11.2008)", true);
+  const std::tuple<QDialog*, QSize, const char*> screens[] = {{&chart, {240, 320}, "ascii_chart"},
+                                                              {&portrait, {240, 320}, "pinouts_portrait"},
+                                                              {&landscape, {320, 240}, "pinouts_landscape"},
+                                                              {&about, {240, 320}, "about"}};
+  for (auto [dialog, size, name] : screens) {
+    dialog->setFixedSize(size);
+    dialog->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog));
+    QTest::qWait(50);
+    const bool x11 = QGuiApplication::platformName() == QLatin1String("xcb");
+    QImage picture = (x11 ? dialog->screen()->grabWindow(dialog->winId()) : dialog->grab()).toImage();
+    dialog->hide();
+    QSet<QRgb> colours;
+    for (int y = 0; y < picture.height(); y += 3)
+      for (int x = 0; x < picture.width(); x += 3) colours.insert(picture.pixel(x, y));
+    EXPECT_GT(colours.size(), 8) << name;
+    EXPECT_TRUE(picture.save(QDir::current().filePath(QString::fromLatin1(name) + ".png"))) << name;
+  }
+  EXPECT_EQ(chart.List()->count(), 256);
+  EXPECT_TRUE(portrait.PicturesLoaded());
+  EXPECT_EQ(std::pair(portrait.PictureShown(), landscape.PictureShown()),
+            std::pair(app::PinoutPicture::kPortrait, app::PinoutPicture::kLandscape));
+}
+
+}  // namespace
+}  // namespace wavetrace::ui

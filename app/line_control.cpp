@@ -2,6 +2,7 @@
 
 #include "app/connection.h"
 #include "core/code_page.h"
+#include "core/decimal_text.h"
 #include "core/messages.h"
 #include "core/reporting.h"
 #include "platform/files.h"
@@ -47,10 +48,6 @@ void ReportLineStatus(core::AppState& state) {
 
 std::u16string OnOff(bool on) {
   return on ? u" on" : u" off";
-}
-
-std::u16string Count(uint32_t count) {
-  return core::Utf8ToWide(std::to_string(count));
 }
 
 }  // namespace
@@ -154,9 +151,10 @@ std::u16string LineStatusText(const platform::LineStatus& s) {
   }
   text += u"; ";
   if (s.CountersKnown) {
-    text += u"framing errors " + Count(s.Frame) + u", parity errors " + Count(s.Parity) + u", overruns " +
-            Count(s.Overrun) + u", buffer overruns " + Count(s.BufferOverrun) + u", breaks " +
-            Count(s.Breaks);
+    text += u"framing errors " + core::DecimalText(s.Frame) + u", parity errors " +
+            core::DecimalText(s.Parity) + u", overruns " + core::DecimalText(s.Overrun) +
+            u", buffer overruns " + core::DecimalText(s.BufferOverrun) + u", breaks " +
+            core::DecimalText(s.Breaks);
   } else {
     text += u"error counters n/a";
   }

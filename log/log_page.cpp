@@ -4,26 +4,12 @@
 #include <array>
 #include <mutex>
 
+#include "core/decimal_text.h"
 #include "core/published_settings.h"
 #include "log/log_names.h"
 
 namespace wavetrace::log {
 namespace {
-
-// The leading decimal digits, saturating; no digits read as 0.
-uint32_t UnsignedDecimal(std::u16string_view text) {
-  uint64_t value = 0;
-  for (char16_t ch : text) {
-    if (ch < u'0' || ch > u'9') break;
-    value = std::min<uint64_t>(value * 10 + (ch - u'0'), UINT32_MAX);
-  }
-  return static_cast<uint32_t>(value);
-}
-
-std::u16string Decimal(int32_t value) {
-  std::string digits = std::to_string(value);
-  return {digits.begin(), digits.end()};
-}
 
 constexpr std::array kDelimiterChoices = {
     DelimiterChoice{',', u" ,     (comma)"},
@@ -122,20 +108,20 @@ bool RecordPartialEnabled(const core::LogSettings& log) {
 
 RecordFieldTexts EditRecordInterval(core::AppState& state, std::u16string_view text) {
   core::LogSettings& log = state.Log;
-  uint32_t value = UnsignedDecimal(text);
+  uint32_t value = core::LeadingDecimal(text);
   RecordFieldTexts rewrite;
   if (value < 1) {
-    rewrite.Interval = Decimal(log.RecordInterval);
+    rewrite.Interval = core::DecimalText(log.RecordInterval);
     return rewrite;
   }
   if (value > kRecordIntervalMaximum) {
     value = kRecordIntervalMaximum;
-    rewrite.Interval = Decimal(static_cast<int32_t>(value));
+    rewrite.Interval = core::DecimalText(value);
   }
   log.RecordInterval = static_cast<int32_t>(value);
   if (log.RecordDuration > log.RecordInterval) {
     log.RecordDuration = log.RecordInterval;
-    rewrite.Duration = Decimal(log.RecordDuration);
+    rewrite.Duration = core::DecimalText(log.RecordDuration);
   }
   core::PublishSettings(state);
   return rewrite;
@@ -143,15 +129,15 @@ RecordFieldTexts EditRecordInterval(core::AppState& state, std::u16string_view t
 
 RecordFieldTexts EditRecordDuration(core::AppState& state, std::u16string_view text) {
   core::LogSettings& log = state.Log;
-  uint32_t value = UnsignedDecimal(text);
+  uint32_t value = core::LeadingDecimal(text);
   RecordFieldTexts rewrite;
   if (value < 1) {
-    rewrite.Duration = Decimal(log.RecordDuration);
+    rewrite.Duration = core::DecimalText(log.RecordDuration);
     return rewrite;
   }
   if (value > static_cast<uint32_t>(log.RecordInterval)) {
     value = static_cast<uint32_t>(log.RecordInterval);
-    rewrite.Duration = Decimal(log.RecordInterval);
+    rewrite.Duration = core::DecimalText(log.RecordInterval);
   }
   log.RecordDuration = static_cast<int32_t>(value);
   core::PublishSettings(state);

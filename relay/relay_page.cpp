@@ -2,35 +2,22 @@
 
 #include <algorithm>
 
+#include "core/decimal_text.h"
+
 namespace wavetrace::relay {
 namespace {
 
 constexpr size_t kOctetChars = 7;
 
-// The leading decimal digits, saturating; no digits read as 0.
-uint32_t UnsignedDecimal(std::u16string_view text) {
-  uint64_t value = 0;
-  for (char16_t ch : text) {
-    if (ch < u'0' || ch > u'9') break;
-    value = std::min<uint64_t>(value * 10 + (ch - u'0'), UINT32_MAX);
-  }
-  return static_cast<uint32_t>(value);
-}
-
-std::u16string Decimal(uint32_t value) {
-  std::string digits = std::to_string(value);
-  return {digits.begin(), digits.end()};
-}
-
 }  // namespace
 
 std::optional<std::u16string> ClampedFieldText(std::u16string_view text, uint32_t& lastSeen,
                                                uint32_t maximum) {
-  uint32_t value = UnsignedDecimal(text);
+  uint32_t value = core::LeadingDecimal(text);
   if (value == lastSeen) return std::nullopt;
   value = std::min(value, maximum);
   lastSeen = value;
-  return Decimal(value);
+  return core::DecimalText(value);
 }
 
 RelayPageControls RelayControls(bool enableTicked, bool relayActive) {
@@ -41,7 +28,7 @@ RelayPageControls RelayControls(bool enableTicked, bool relayActive) {
 IpRelayFields ReadIpRelayFields(const core::DataSettings& data) {
   IpRelayFields fields;
   fields.Octets = data.IP;
-  fields.Port = Decimal(static_cast<uint32_t>(data.RelayTCP_RemotePort));
+  fields.Port = core::DecimalText(static_cast<uint32_t>(data.RelayTCP_RemotePort));
   fields.Tcp = data.Relay_SocketType_TCP == 1;
   return fields;
 }
@@ -56,7 +43,7 @@ void CopyTcpRelaySettings(const core::DataSettings& from, core::DataSettings& to
 
 void StoreIpRelayFields(const IpRelayFields& fields, core::DataSettings& data) {
   for (size_t i = 0; i < data.IP.size(); ++i) data.IP[i] = fields.Octets[i].substr(0, kOctetChars);
-  data.RelayTCP_RemotePort = static_cast<int32_t>(UnsignedDecimal(fields.Port));
+  data.RelayTCP_RemotePort = static_cast<int32_t>(core::LeadingDecimal(fields.Port));
   data.Relay_SocketType_TCP = fields.Tcp ? 1 : 0;
   data.Relay_SocketType_UDP = fields.Tcp ? 0 : 1;
 }

@@ -22,46 +22,10 @@
 
 #include "log/log_names.h"
 #include "ui/file_dialog_fit.h"
+#include "ui/page_parts.h"
 
 namespace wavetrace::ui {
 namespace {
-
-QString ToQString(std::u16string_view text) {
-  return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-QLabel* Caption(const QString& text, QWidget* parent) {
-  auto* label = new QLabel(text, parent);
-  label->setTextFormat(Qt::PlainText);
-  label->setWordWrap(true);
-  return label;
-}
-
-QDialogButtonBox* OkCancel(QDialog* dialog) {
-  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, dialog);
-  QObject::connect(buttons, &QDialogButtonBox::accepted, dialog, &QDialog::accept);
-  QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
-  return buttons;
-}
-
-// The caption of a check box, wrapped: a 240 pixel screen is narrower than
-// the longer captions. A tap on it ticks the box, as on the box's own text.
-class CheckBoxCaption : public QLabel {
- public:
-  CheckBoxCaption(const QString& text, QCheckBox* box, QWidget* parent) : QLabel(text, parent), box_(box) {
-    setTextFormat(Qt::PlainText);
-    setWordWrap(true);
-    box->setAccessibleName(text);
-  }
-
- protected:
-  void mouseReleaseEvent(QMouseEvent* event) override {
-    if (box_->isEnabled() && rect().contains(event->position().toPoint())) box_->click();
-  }
-
- private:
-  QCheckBox* box_;
-};
 
 // A seconds field whose typed text reaches the page's rules, also when the
 // spin box itself would not take it as a value (below its minimum).

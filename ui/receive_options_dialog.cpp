@@ -19,6 +19,7 @@
 
 #include "rx/postamble.h"
 #include "ui/log_dialogs.h"
+#include "ui/page_parts.h"
 #include "ui/relay_dialogs.h"
 
 namespace wavetrace::ui {
@@ -26,36 +27,6 @@ namespace {
 
 using app::RxOptionsPage;
 using app::RxSwitch;
-
-QString ToQString(std::u16string_view text) {
-  return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-QLabel* Caption(const QString& text, QWidget* parent) {
-  auto* label = new QLabel(text, parent);
-  label->setTextFormat(Qt::PlainText);
-  label->setWordWrap(true);
-  return label;
-}
-
-// A check box's caption, wrapped to the page's width; a tap on it ticks the
-// box, as on the box's own text.
-class BoxCaption : public QLabel {
- public:
-  BoxCaption(const QString& text, QCheckBox* box, QWidget* parent) : QLabel(text, parent), box_(box) {
-    setTextFormat(Qt::PlainText);
-    setWordWrap(true);
-    box->setAccessibleName(text);
-  }
-
- protected:
-  void mouseReleaseEvent(QMouseEvent* event) override {
-    if (box_->isEnabled() && rect().contains(event->position().toPoint())) box_->click();
-  }
-
- private:
-  QCheckBox* box_;
-};
 
 // The delay in milliseconds: the arrows step in hundreds, typed text is
 // the value.
@@ -135,7 +106,7 @@ QWidget* ReceiveOptionsDialog::BuildFiltersPage() {
     box->setChecked(app::RxSwitchTicked(settings, which));
     auto* row = new QHBoxLayout;
     row->addWidget(box, 0, Qt::AlignTop);
-    row->addWidget(new BoxCaption(QString::fromLatin1(caption), box, page), 1);
+    row->addWidget(new CheckBoxCaption(QString::fromLatin1(caption), box, page), 1);
     layout->addLayout(row);
     connect(box, &QCheckBox::clicked, this,
             [this, which](bool ticked) { sheet_.StoreSwitch(which, ticked); });

@@ -12,26 +12,11 @@
 
 #include "relay/network_relay.h"
 #include "relay/relay_page.h"
+#include "ui/page_parts.h"
 #include "ui/window_relay_dialog.h"
 
 namespace wavetrace::ui {
-namespace {
-
-QLabel* Caption(const QString& text, QWidget* parent) {
-  auto* label = new QLabel(text, parent);
-  label->setTextFormat(Qt::PlainText);
-  label->setWordWrap(true);
-  return label;
-}
-
-QDialogButtonBox* OkCancel(QDialog* dialog) {
-  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, dialog);
-  QObject::connect(buttons, &QDialogButtonBox::accepted, dialog, &QDialog::accept);
-  QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
-  return buttons;
-}
-
-}  // namespace
+namespace {}  // namespace
 
 IpRelayDialog::IpRelayDialog(core::AppState& state, QWidget* parent)
     : QDialog(parent), state_(state), opened_(state.Data) {

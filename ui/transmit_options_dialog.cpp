@@ -21,6 +21,7 @@
 #include <string>
 
 #include "rx/postamble.h"
+#include "ui/page_parts.h"
 
 namespace wavetrace::ui {
 namespace {
@@ -37,13 +38,6 @@ QSpinBox* NumberField(uint32_t value, QWidget* parent) {
   field->setRange(0, std::max(kLargestNumber, shown));
   field->setValue(shown);
   return field;
-}
-
-QLabel* Caption(const QString& text, QWidget* parent) {
-  auto* label = new QLabel(text, parent);
-  label->setTextFormat(Qt::PlainText);
-  label->setWordWrap(true);
-  return label;
 }
 
 }  // namespace

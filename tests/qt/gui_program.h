@@ -92,7 +92,6 @@ class GuiProgram {
 
   core::AppState& State() { return state_; }
   QtView& View() { return *view_; }
-  [[nodiscard]] QString Home() const { return home_.path(); }
 
  private:
   QApplication& application_ = TestApplication();

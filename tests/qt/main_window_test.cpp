@@ -300,11 +300,10 @@ TEST(MainWindow, MenusFitTheirCaptionsAndTheDesktopLayoutShowsEightyColumnsAndWh
           window.Action(cmd::kPauseRxDisplay)->trigger();
           EXPECT_TRUE(WaitUntil([&] { return window.PausedMark()->isVisible(); }));
           if (!desktop) return;
-          const std::u16string message(200, u'x');
-          core::ShowStatus(state, u"Error! " + std::u16string(40, u'y') + u" " + message.substr(0, 150));
+          core::ShowStatus(state, u"Error! " + std::u16string(40, u'y') + u" " + std::u16string(152, u'x'));
           QLabel* status = window.StatusLine();
           EXPECT_TRUE(WaitUntil([&] {
-            return status->text().size() == 198 &&
+            return status->text().size() == 200 &&
                    status->height() >= status->heightForWidth(status->width()) &&
                    status->height() > 2 * status->fontMetrics().lineSpacing();
           }));

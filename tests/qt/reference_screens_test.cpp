@@ -6,7 +6,6 @@
 #include <QSet>
 
 #include "app/reference_screens.h"
-#include "core/reporting.h"
 #include "tests/qt/gui_program.h"
 #include "ui/about_dialog.h"
 #include "ui/reference_screens.h"
@@ -56,7 +55,6 @@ TEST(Screenshots, MainWindowInEachLayout) {
         [&, name = name](MainWindowWidget& window, core::AppState& state) {
           state.Screen.RxInsertAtCaret(
               u"\r\n$GPGGA,120000.00,4807.0380,N,01131.0000,E,1,08,0.9,545.4,M,46.9,M,,*67");
-          core::ShowStatus(state, u"Port opened!  Send/Receive active...");
           ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
           QTest::qWait(100);
           const bool x11 = QGuiApplication::platformName() == QLatin1String("xcb");

@@ -26,6 +26,25 @@ std::u16string PortListLine(int slot, const std::u16string& friendlyName, const 
   return line + u"  " + (bracketed ? path : u"(" + path + u")");
 }
 
+std::vector<int> ListedSlots(const core::PortSettings& port,
+                             const std::array<std::string, core::kPortSlots>& devicePaths) {
+  std::vector<int> slots;
+  for (int slot = 0; slot < core::kPortSlots; ++slot) {
+    auto i = static_cast<size_t>(slot);
+    if (port.PortPresent[i] != 0 || !devicePaths[i].empty()) slots.push_back(slot);
+  }
+  return slots;
+}
+
+int PreselectedSlot(const core::PortSettings& port,
+                    const std::array<std::string, core::kPortSlots>& devicePaths) {
+  std::vector<int> slots = ListedSlots(port, devicePaths);
+  for (int slot : slots) {
+    if (core::PortSlotName(slot) == port.SelectedPort) return slot;
+  }
+  return port.SelectedPort.empty() && slots.size() == 1 ? slots.front() : -1;
+}
+
 int ApplyPortPages(core::AppState& state, const core::PortSettings& edited) {
   const core::PortSettings shown = state.Port;  // what the pages opened with
   state.Port = edited;

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <string>
+#include <vector>
 
 #include "core/app_state.h"
 
@@ -16,6 +18,15 @@ int ApplyPortPages(core::AppState& state, const core::PortSettings& edited);
 // One line of the port list: "COM3:  USB Serial  (/dev/ttyUSB0)". A port
 // inside the program has a bracketed name for a path and keeps its one pair.
 std::u16string PortListLine(int slot, const std::u16string& friendlyName, const std::string& devicePath);
+
+// The slots the port list shows: those present or standing for a device.
+std::vector<int> ListedSlots(const core::PortSettings& port,
+                             const std::array<std::string, core::kPortSlots>& devicePaths);
+// The slot the port list selects: the selected port's, else, while no port
+// is selected and the list holds one port only (often the simulated
+// device), that one; -1 for none.
+int PreselectedSlot(const core::PortSettings& port,
+                    const std::array<std::string, core::kPortSlots>& devicePaths);
 
 // Sets the line speed; a rate the baud list does not offer becomes the one
 // custom rate.

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "app/help.h"
+#include "app/window_placement.h"
 #include "core/build_info.h"
 #include "core/code_page.h"
 #include "core/version.h"
@@ -225,6 +226,14 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args) {
       result.Encoding = TextEncoding::kRaw;
     } else if (arg == "--utf8") {
       result.Encoding = TextEncoding::kUtf8;
+    } else if (arg == "--layout" || arg.rfind("--layout=", 0) == 0) {
+      std::string value = arg.size() > 8 ? arg.substr(9) : (i + 1 < args.size() ? args[++i] : "");
+      std::optional<WindowLayout> layout = ParseLayout(value);
+      if (!layout) {
+        result.Error = "--layout takes compact or desktop, not '" + value + "'";
+      } else {
+        sw.Layout = static_cast<int32_t>(*layout);
+      }
     } else if (arg == "--exit-on-eof") {
       result.ExitOnEof = true;
     } else if (arg == "--list-ports") {
@@ -283,7 +292,13 @@ std::string HelpText(const std::string& program, bool guiProgram) {
       "  --scan-interval N             seconds each setting is listened to, 1 to 60 (default 1)\n"
       "  --list-ports                  list the serial ports found and exit\n"
       "  --list-windows                list the windows the window relay can type into and exit\n"
-      "  --sim-setting B,D,P,S         the simulated device's own line setting (VSP0:), e.g. 9600,7,E,1\n"
+      "  --sim-setting B,D,P,S         the simulated device's own line setting (VSP0:), e.g. 9600,7,E,1\n";
+  if (guiProgram) {
+    text +=
+        "  --layout compact|desktop      the window's layout: the small-screen one or the desktop one\n"
+        "                                (default: as Program Options say, else by the screen's size)\n";
+  }
+  text +=
       "  --nogui, /NOGUI               no window: run headless in this terminal\n"
       "  --quiet, -q, /Q               headless: keep status messages off standard error\n"
       "  --raw                         headless: bytes in and out as they are (the default\n"

@@ -4,6 +4,7 @@
 
 #include "app/line_control.h"
 #include "app/main_window.h"
+#include "app/startup.h"
 #include "app/tray_notification.h"
 #include "core/messages.h"
 #include "core/reporting.h"
@@ -112,6 +113,7 @@ void ShowOpenedState(core::AppState& state) {
   if (IsCommandAvailable(kSend)) screen.EnableButton(kSend, true);
   screen.EnableButton(kStop, true);
   core::ShowStatus(state, u"Port opened!  Send/Receive active...");
+  BeginDataOnNewLine(state);
   if (screen.IsButtonEnabled(kSend)) screen.SetFocus(kSend);
   OnPortOpened(state);
   // --send-break: one break, as soon as the port is open.

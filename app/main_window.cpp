@@ -91,6 +91,20 @@ void ClearSendHistory(core::AppState& state) {
   serial::AddSentHistory(state, true);
 }
 
+// The Config menu's file dialog: it starts where the last one ended (at
+// first the configuration folder), a save with the current file's name.
+// Empty when cancelled.
+std::u16string ChooseConfigFile(core::AppState& state, bool save) {
+  if (!state.View) return {};
+  std::u16string folder = state.ConfigDialogFolder.empty() ? state.ConfigFolder : state.ConfigDialogFolder;
+  std::u16string start = folder;
+  if (save) start += u"/" + state.CurrentConfigPath.substr(state.CurrentConfigPath.rfind(u'/') + 1);
+  std::u16string path = state.View->ChooseConfigFile(save, start);
+  if (path.empty()) return path;
+  state.ConfigDialogFolder = path.substr(0, path.rfind(u'/'));
+  return save ? WithConfigExtension(path) : path;
+}
+
 // The Config menu: Load..., Save, SaveAs..., Set as Default.
 void OnConfigCommand(core::AppState& state, int command, int64_t source) {
   if (command == kConfigLoad) {
@@ -99,7 +113,7 @@ void OnConfigCommand(core::AppState& state, int command, int64_t source) {
       ApplySettingsToScreen(state);
       return;
     }
-    std::u16string path = state.View ? state.View->ChooseConfigFile(false, state.CurrentConfigPath) : u"";
+    std::u16string path = ChooseConfigFile(state, false);
     if (!path.empty() && config::ConfigLoad(state, path) == 0) {
       state.CurrentConfigPath = path;
       ApplySettingsToScreen(state);
@@ -109,7 +123,7 @@ void OnConfigCommand(core::AppState& state, int command, int64_t source) {
   if (command == kConfigSave) {
     config::ConfigSave(state, state.CurrentConfigPath);
   } else if (command == kConfigSaveAs) {
-    std::u16string path = state.View ? state.View->ChooseConfigFile(true, state.CurrentConfigPath) : u"";
+    std::u16string path = ChooseConfigFile(state, true);
     if (!path.empty() && config::ConfigSave(state, path) == 0) state.CurrentConfigPath = path;
   } else if (command == kConfigSetDefault) {
     config::ConfigSave(state, state.ConfigFolder + u"/" + config::kDefaultConfigName);
@@ -182,6 +196,8 @@ int64_t OnCommand(core::AppState& state, int command, int64_t source) {
       Shutdown(state);
       return 0;
     case kPlay:
+      // No port chosen yet (a first run): the Port page first.
+      if (source != core::kFromCommandLine && ChoosePortBeforePlay(state)) return 0;
       Play(state);
       // A port named on the command line that cannot be opened ends a run
       // without a window: nobody is there to pick another. Told to reopen
@@ -301,6 +317,21 @@ int64_t OnCommand(core::AppState& state, int command, int64_t source) {
 }
 
 }  // namespace
+
+std::u16string WithConfigExtension(const std::u16string& path) {
+  std::u16string name = path.substr(path.rfind(u'/') + 1);
+  return name.find(u'.') == std::u16string::npos ? path + u".cfg.txt" : path;
+}
+
+bool ChoosePortBeforePlay(core::AppState& state) {
+  // A script or a port scan runs unattended: it gets the error as before.
+  bool unattended = state.ScriptRunning || !state.PsmStopRequested;
+  if (!state.Port.SelectedPort.empty() || unattended || !state.View || !state.View->HasOptionPages())
+    return false;
+  core::ShowStatus(state, kChoosePortText);
+  state.View->ShowCommProperties();
+  return state.Port.SelectedPort.empty();
+}
 
 bool IsCommandAvailable(int command) {
   for (int c : kUnavailable) {

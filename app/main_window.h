@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "core/app_state.h"
 
@@ -21,6 +22,18 @@ void Shutdown(core::AppState& state, int exitCode = 0);
 // False for commands whose features the program does not have yet (their
 // items and buttons stay grey).
 bool IsCommandAvailable(int command);
+
+// What a configuration saved under a name without an extension is called:
+// the name with ".cfg.txt".
+std::u16string WithConfigExtension(const std::u16string& path);
+
+// PLAY while no port is selected (a first run), with a user at the window:
+// the status line asks for a port and the communication properties open.
+// True when there is still no port to open afterwards (PLAY does nothing);
+// false when PLAY goes on, with the port chosen there.
+inline constexpr char16_t kChoosePortText[] =
+    u"No port selected: choose a port on the Port page of the Communication Properties.";
+bool ChoosePortBeforePlay(core::AppState& state);
 
 // The closed state shown when no port is open (also the state at start).
 void ShowClosedControls(core::AppState& state);

@@ -100,6 +100,17 @@ std::vector<std::u16string> WelcomeTextPieces(bool automationMode, const std::u1
   return pieces;
 }
 
+void BeginDataOnNewLine(core::AppState& state) {
+  auto& screen = state.Screen;
+  const std::u16string tail = WelcomeTextPieces(false, {}).back();
+  const std::u16string text = screen.RxText();
+  auto [from, to] = screen.RxSelection();
+  bool caretAtEnd = from == to && to == static_cast<int32_t>(text.size());
+  if (caretAtEnd && text.size() >= tail.size() &&
+      text.compare(text.size() - tail.size(), tail.size(), tail) == 0)
+    screen.RxInsertAtCaret(u"\r\n");
+}
+
 void OnFirstPaint(core::AppState& state, bool welcome) {
   if (state.FirstPaintState != 2) return;
   state.FirstPaintState = 1;

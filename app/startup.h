@@ -29,6 +29,9 @@ std::vector<std::u16string> WelcomeTextPieces(bool automationMode, const std::u1
 // The first paint: writes the welcome text once (first-paint state 2). A
 // stream that is not a terminal has no use for it (welcome false).
 void OnFirstPaint(core::AppState& state, bool welcome = true);
+// When the port opens on the welcome text with the caret after it, a line
+// end goes after the text, so that the data begins on a line of its own.
+void BeginDataOnNewLine(core::AppState& state);
 
 // "Rel. 2.71.3089  (11.2008)" as the About screen shows it.
 std::u16string AboutReleaseLine();

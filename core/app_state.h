@@ -54,6 +54,9 @@ struct AppState {
   SettingsSnapshot Snapshot;
   ProgramOptionsKey ProgramOptions;
   std::u16string CurrentConfigPath;
+  // Where the Config menu's file dialogs ended last (run-time; empty: the
+  // configuration folder).
+  std::u16string ConfigDialogFolder;
   int32_t LoadWarnings = 0;  // keys missing from the last configuration loaded
   // What the worker threads read of the settings above: replaced by
   // PublishSettings on the main thread after each change, loaded by the

@@ -41,9 +41,9 @@ struct CommandLineSwitches {
   int32_t LogTransmit = 0;   // --log-tx
   int32_t LogOverwrite = 0;  // --log-overwrite
   int32_t NeverDrop = 0;     // --never-drop
-  int32_t Reconnect = 0;   // --reconnect: reopen the port when its device comes back
-  int32_t LineStatus = 0;  // --line-status: report the modem lines and error counters as they change
-  int32_t SendBreak = 0;   // --send-break: a break once the port is open
+  int32_t Reconnect = 0;     // --reconnect: reopen the port when its device comes back
+  int32_t LineStatus = 0;    // --line-status: report the modem lines and error counters as they change
+  int32_t SendBreak = 0;     // --send-break: a break once the port is open
   // --exit-after-script: the program ends once the script has run out.
   int32_t ExitAfterScript = 0;
   // --scan: one port scan of Port, printed, then the program ends.
@@ -52,6 +52,8 @@ struct CommandLineSwitches {
   // (bit 0 baud, 1 data bits, 2 parity, 3 stop bits).
   int32_t ScanRotate = 1;
   int32_t ScanInterval = 0;  // --scan-interval: seconds (0: as set)
+  // --layout: the window's layout, 1 compact, 2 desktop (0: as chosen).
+  int32_t Layout = 0;
 };
 
 }  // namespace wavetrace::core

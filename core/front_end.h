@@ -40,6 +40,8 @@ class FrontEnd {
   virtual void ShowTransmitOptions() {}
   // The communication properties pages (port, line setting, flow control).
   virtual void ShowCommProperties() {}
+  // Whether ShowCommProperties puts pages in front of a user.
+  [[nodiscard]] virtual bool HasOptionPages() const { return false; }
   // The receive options sheet, opened at page (0..4 in tab order: Filters,
   // Replace, Logging, Relay, Advanced). False when it could not be shown.
   virtual bool ShowReceiveOptions(int /*page*/) { return false; }
@@ -51,8 +53,9 @@ class FrontEnd {
   // modal box may be up: no box may hold the shutdown up from then on.
   virtual void InterruptModal() {}
   // Lets the user pick a configuration file to load (save false) or to save
-  // to; empty when cancelled or when the front end has no file dialog.
-  virtual std::u16string ChooseConfigFile(bool /*save*/, std::u16string_view /*current*/) { return {}; }
+  // to, starting at start (a folder, or for a save a file name in it); empty
+  // when cancelled or when the front end has no file dialog.
+  virtual std::u16string ChooseConfigFile(bool /*save*/, std::u16string_view /*start*/) { return {}; }
   // Lets the user pick a script file to run; empty when cancelled or when
   // the front end has no file dialog.
   virtual std::u16string ChooseScriptFile() { return {}; }

@@ -191,14 +191,15 @@ TEST(Headless, ATerminalGetsTheWelcomeAndUtf8BothWays) {
   FolderAndDevice setup;
   std::string home = setup.folder.Path() + "/fresh";  // does not exist yet
   Child child({"--port", setup.device.SlavePath()}, home, true, "C.UTF-8");
-  ASSERT_TRUE(child.WaitForOutput("into your Pocket PC.")) << child.Out() << child.Err();
+  ASSERT_TRUE(child.Opened()) << child.Err();
+  // The data begins on a line of its own.
+  ASSERT_TRUE(child.WaitForOutput("into your Pocket PC.\r\n")) << child.Out() << child.Err();
   EXPECT_EQ(
       child.Out(),
       "    Welcome to Wavetrace Pro\r\n    Rel. 2.71.3089 (11.2008)\r\n\r\n Please tap the PLAY button\r\n"
       " below to open a communications\r\n port. After which you may then\r\n begin receiving serial "
-      "data\r\n into your Pocket PC.");
+      "data\r\n into your Pocket PC.\r\n");
   EXPECT_NE(child.Err().find("Warning: Version mismatch"), npos);
-  ASSERT_TRUE(child.Opened()) << child.Err();
   ASSERT_TRUE(setup.device.Write("caf\xE9\r\n"));
   EXPECT_TRUE(child.WaitForOutput("caf\xC3\xA9\r\n")) << child.Out();
   child.Type("caf\xC3\xA9\n");

@@ -245,11 +245,13 @@ TEST_F(ConfigFileTest, AFileThatCannotBeWrittenIsReported) {
 // The Config menu on the logical main window.
 class ChoosingFrontEnd : public testing::RecordingFrontEnd {
  public:
-  std::u16string ChooseConfigFile(bool save, std::u16string_view) override {
+  std::u16string ChooseConfigFile(bool save, std::u16string_view start) override {
     asked.push_back(save);
+    starts.emplace_back(start);
     return answer;
   }
   std::vector<bool> asked;
+  std::vector<std::u16string> starts;
   std::u16string answer;
 };
 
@@ -264,9 +266,16 @@ TEST_F(ConfigFileTest, ConfigMenuCommands) {
   };
   command(core::cmd::kConfigSave);
   EXPECT_TRUE(platform::FileExists(folder.Path() + "/current.cfg.txt"));
+  // SaveAs adds the extension to a bare name; the next dialog starts where it ended.
+  std::filesystem::create_directories(folder.Path() + "/sub");
+  chooser.answer = Path("sub/other");
+  command(core::cmd::kConfigSaveAs);
+  EXPECT_TRUE(platform::FileExists(folder.Path() + "/sub/other.cfg.txt"));
   chooser.answer = Path("other.cfg.txt");
   command(core::cmd::kConfigSaveAs);
   EXPECT_EQ(state.CurrentConfigPath, chooser.answer);
+  EXPECT_EQ(chooser.starts,
+            (std::vector<std::u16string>{Path("current.cfg.txt"), Path("sub/other.cfg.txt")}));
   command(core::cmd::kConfigSetDefault);
   EXPECT_TRUE(platform::FileExists(folder.Path() + "/Default.cfg.txt"));
 
@@ -276,7 +285,8 @@ TEST_F(ConfigFileTest, ConfigMenuCommands) {
   EXPECT_EQ(state.Data.Base, 2);
   EXPECT_EQ(state.CurrentConfigPath, chooser.answer);
   EXPECT_TRUE(state.Screen.IsMenuItemChecked(core::cmd::kBinary));
-  EXPECT_EQ(chooser.asked, (std::vector<bool>{true, false}));
+  EXPECT_EQ(chooser.asked, (std::vector<bool>{true, true, false}));
+  EXPECT_EQ(chooser.starts.back(), state.ConfigFolder);
 
   // Cancelled dialogs change nothing; a load sent by the program itself asks nothing.
   chooser.answer.clear();
@@ -284,7 +294,7 @@ TEST_F(ConfigFileTest, ConfigMenuCommands) {
   command(core::cmd::kConfigLoad);
   EXPECT_EQ(state.Data.Base, 10);
   command(core::cmd::kConfigLoad, core::kFromMainWindow);
-  EXPECT_EQ(chooser.asked.size(), 3u);
+  EXPECT_EQ(chooser.asked.size(), 4u);
   EXPECT_TRUE(state.Screen.IsMenuItemChecked(core::cmd::kDecimal));
 }
 

@@ -73,16 +73,14 @@ QWidget* CommPropertiesDialog::BuildPortPage(const core::PortSettings& port,
   // the window, and what does not fit then scrolls sideways.
   portList_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
   portList_->setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContents);
-  QString selected = QString::fromStdU16String(port.SelectedPort);
   QListWidgetItem* current = nullptr;
-  for (int slot = 0; slot < core::kPortSlots; ++slot) {
-    const std::string& path = devicePaths[static_cast<size_t>(slot)];
-    if (port.PortPresent[static_cast<size_t>(slot)] == 0 && path.empty()) continue;
-    auto* item = new QListWidgetItem(QString::fromStdU16String(app::PortListLine(
-                                         slot, port.FriendlyName[static_cast<size_t>(slot)], path)),
-                                     portList_);
+  const int preselected = app::PreselectedSlot(port, devicePaths);
+  for (int slot : app::ListedSlots(port, devicePaths)) {
+    auto i = static_cast<size_t>(slot);
+    auto* item = new QListWidgetItem(
+        QString::fromStdU16String(app::PortListLine(slot, port.FriendlyName[i], devicePaths[i])), portList_);
     item->setData(kSlotRole, SlotName(slot));
-    if (SlotName(slot) == selected) current = item;
+    if (slot == preselected) current = item;
   }
   layout->addWidget(portList_, 1);
 
@@ -99,7 +97,7 @@ QWidget* CommPropertiesDialog::BuildPortPage(const core::PortSettings& port,
   if (current) {
     portList_->setCurrentItem(current);
   } else {
-    devicePath_->setText(selected);
+    devicePath_->setText(QString::fromStdU16String(port.SelectedPort));
   }
   connect(portList_, &QListWidget::itemSelectionChanged, this, [this] {
     if (!portList_->selectedItems().isEmpty()) devicePath_->clear();
@@ -150,9 +148,12 @@ QWidget* CommPropertiesDialog::BuildFlowPage(const core::PortSettings& port) {
   auto* page = new QWidget(this);
   auto* layout = new QVBoxLayout(page);
   xon_ = FlagBox("XON/XOFF", port.XON, page);
+  ctsFlow_ = FlagBox("RTS/CTS (hardware)", port.CtsFlow, page);
+  ctsFlow_->setObjectName(QStringLiteral("ctsFlow"));
   rts_ = FlagBox("RTS on", port.RTS, page);
   dtr_ = FlagBox("DTR on", port.DTR, page);
   layout->addWidget(xon_);
+  layout->addWidget(ctsFlow_);
   layout->addWidget(rts_);
   layout->addWidget(dtr_);
   layout->addStretch(1);
@@ -243,6 +244,7 @@ void CommPropertiesDialog::WriteValues(core::PortSettings& edited) const {
   if (parity_->currentIndex() >= 0) edited.Parity = parity_->currentText().toStdU16String();
   if (stopBits_->currentIndex() >= 0) edited.StopBits = stopBits_->currentText().toStdU16String();
   edited.XON = xon_->isChecked() ? 1 : 0;
+  edited.CtsFlow = ctsFlow_->isChecked() ? 1 : 0;
   edited.RTS = rts_->isChecked() ? 1 : 0;
   edited.DTR = dtr_->isChecked() ? 1 : 0;
   edited.ReopenPort = reopen_->isChecked() ? 1 : 0;

@@ -45,6 +45,7 @@ class CommPropertiesDialog : public QDialog {
   [[nodiscard]] QComboBox* StopBitsField() const { return stopBits_; }
   [[nodiscard]] QCheckBox* ReopenBox() const { return reopen_; }
   [[nodiscard]] QCheckBox* XonBox() const { return xon_; }
+  [[nodiscard]] QCheckBox* CtsFlowBox() const { return ctsFlow_; }
   [[nodiscard]] QCheckBox* RtsBox() const { return rts_; }
   [[nodiscard]] QCheckBox* DtrBox() const { return dtr_; }
   [[nodiscard]] QCheckBox* PsmEnableBox() const { return psmEnable_; }
@@ -73,6 +74,7 @@ class CommPropertiesDialog : public QDialog {
   QComboBox* stopBits_ = nullptr;
   QCheckBox* reopen_ = nullptr;
   QCheckBox* xon_ = nullptr;
+  QCheckBox* ctsFlow_ = nullptr;
   QCheckBox* rts_ = nullptr;
   QCheckBox* dtr_ = nullptr;
   app::PortScanPage scan_;

@@ -5,10 +5,10 @@
 
 namespace wavetrace::ui {
 
-void FitFileDialog(QFileDialog& dialog, const QWidget& window) {
+void FitFileDialog(QFileDialog& dialog, const QFont& font, QSize room) {
   dialog.setOption(QFileDialog::DontUseNativeDialog);
-  dialog.setFont(window.font());
-  if (dialog.minimumSizeHint().width() > window.width()) {
+  dialog.setFont(font);
+  if (dialog.minimumSizeHint().width() > room.width()) {
     dialog.setViewMode(QFileDialog::List);
     std::vector<const char*> parts = {"sidebar",         "backButton",     "forwardButton",
                                       "newFolderButton", "listModeButton", "detailModeButton"};
@@ -17,7 +17,7 @@ void FitFileDialog(QFileDialog& dialog, const QWidget& window) {
       if (auto* part = dialog.findChild<QWidget*>(QLatin1String(name))) part->hide();
     }
   }
-  dialog.resize(dialog.sizeHint().boundedTo(window.size()));
+  dialog.resize(dialog.sizeHint().boundedTo(room));
 }
 
 }  // namespace wavetrace::ui

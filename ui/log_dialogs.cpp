@@ -22,6 +22,7 @@
 
 #include "log/log_names.h"
 #include "ui/file_dialog_fit.h"
+#include "ui/main_window_widget.h"
 #include "ui/page_parts.h"
 
 namespace wavetrace::ui {
@@ -55,12 +56,6 @@ QButtonGroup* RadioGroup(std::span<const Choice> choices, int checked, QLayout* 
 
 // The main window (or the outermost window there is): sheets opened from a
 // page are no larger than it.
-const QWidget& OutermostWindow(const QWidget& widget) {
-  const QWidget* window = widget.window();
-  while (window->parentWidget()) window = window->parentWidget()->window();
-  return *window;
-}
-
 }  // namespace
 
 AdvancedLoggingDialog::AdvancedLoggingDialog(core::AppState& state, QWidget* parent)
@@ -238,7 +233,7 @@ LoggingPage::LoggingPage(core::AppState& state, QWidget* parent) : QWidget(paren
   connect(advanced_, &QPushButton::clicked, this, [this] {
     AdvancedLoggingDialog sheet(state_, this);
     sheet.setFont(font());
-    sheet.resize(sheet.sizeHint().boundedTo(OutermostWindow(*this).size()));
+    sheet.resize(sheet.sizeHint().boundedTo(DialogRoom(*this)));
     sheet.exec();
   });
 }
@@ -263,7 +258,7 @@ void LoggingPage::Browse() {
   const QFileInfo current(path_->text());
   dialog.setDirectory(current.absolutePath());
   dialog.selectFile(current.fileName());
-  FitFileDialog(dialog, OutermostWindow(*this));
+  FitFileDialog(dialog, font(), DialogRoom(*this));
   if (dialog.exec() != QDialog::Accepted) return;
   const QStringList chosen = dialog.selectedFiles();
   if (chosen.isEmpty() || chosen.front().isEmpty()) return;

@@ -65,10 +65,11 @@ int main(int argc, char** argv) {
   QApplication::setQuitOnLastWindowClosed(false);
 
   core::AppState state;
+  // The view chooses its layout from --layout among others.
+  state.Switches = commandLine.Switches;
   ui::QtView view(state);
   state.View = &view;
   state.Screen.SetEventsEnabled(true);
-  state.Switches = commandLine.Switches;
   int exitCode = app::RunProgram(state, [&view] { return view.RunMessageLoop(); });
   state.View = nullptr;
   return exitCode;

@@ -1,6 +1,7 @@
 #include "ui/main_window_widget.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
@@ -12,6 +13,8 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QScreen>
+#include <QShortcut>
 #include <QShowEvent>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -31,7 +34,7 @@ struct ButtonEntry {
   const char* caption;
 };
 
-// Three rows: connection, sending and logging, view.
+// Compact: three rows (connection, sending and logging, view); desktop: one.
 constexpr std::array<ButtonEntry, 9> kButtons = {{
     {kPlay, "PLAY"},
     {kStop, "STOP"},
@@ -50,7 +53,8 @@ constexpr int kFontPixels = kLayoutFontPixels;
 constexpr int kReceiveFontPixels = kLayoutFontPixels;
 constexpr int kSpacing = 2;
 
-// One line on the status line: line ends inside a message become blanks.
+// Line ends inside a message become blanks: the compact status line has one
+// line, and the desktop's wraps by itself.
 QString StatusLineText(const std::u16string& text) {
   QString line = QString::fromStdU16String(text);
   line.replace(QLatin1String("\r\n"), QLatin1String(" "));
@@ -61,30 +65,56 @@ QString StatusLineText(const std::u16string& text) {
 
 }  // namespace
 
-MainWindowWidget::MainWindowWidget(double scale, QWidget* parent) : QMainWindow(parent), scale_(scale) {
-  QFont uiFont = font();
-  uiFont.setPixelSize(Scaled(scale_, kFontPixels));
-  setFont(uiFont);
+MainWindowWidget::MainWindowWidget(const ViewLayout& layout, QWidget* parent)
+    : QMainWindow(parent), layout_(layout), scale_(layout.Desktop ? 1.0 : layout.Scale) {
+  // The compact layout's scaled font; the desktop's own on the desktop.
+  if (!layout_.Desktop) {
+    QFont uiFont = font();
+    uiFont.setPixelSize(Scaled(scale_, kFontPixels));
+    setFont(uiFont);
+  }
 
   auto* central = new QWidget(this);
   auto* column = new QVBoxLayout(central);
-  int spacing = Scaled(scale_, kSpacing);
-  column->setContentsMargins(spacing, spacing, spacing, spacing);
+  int spacing = layout_.Desktop ? column->spacing() : Scaled(scale_, kSpacing);
+  if (!layout_.Desktop) column->setContentsMargins(spacing, spacing, spacing, spacing);
   column->setSpacing(spacing);
 
+  auto* statusRow = new QHBoxLayout;
+  statusRow->setSpacing(spacing);
   status_ = new QLabel(central);
   status_->setObjectName(QStringLiteral("statusLine"));
   status_->setTextFormat(Qt::PlainText);
   status_->setFrameShape(QFrame::StyledPanel);
-  // A long error message must not widen the window; the tool tip keeps it whole.
-  status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-  status_->setMinimumHeight(status_->fontMetrics().height() + 2 * spacing);
-  column->addWidget(status_);
+  if (layout_.Desktop) {
+    // Wrapped over as many lines as it needs (three for the longest
+    // messages), and selectable, so that an error code can be copied.
+    status_->setWordWrap(true);
+    status_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Minimum);
+    status_->setMinimumHeight(status_->fontMetrics().lineSpacing() + 2 * status_->frameWidth() + 2);
+  } else {
+    // A long error message must not widen the window; the tool tip keeps it whole.
+    status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    status_->setMinimumHeight(status_->fontMetrics().height() + 2 * spacing);
+  }
+  statusRow->addWidget(status_, 1);
+  paused_ = new QLabel(QStringLiteral("paused"), central);
+  paused_->setObjectName(QStringLiteral("pausedMark"));
+  paused_->setFrameShape(QFrame::StyledPanel);
+  paused_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
+  paused_->hide();
+  statusRow->addWidget(paused_);
+  column->addLayout(statusRow);
 
   receive_ = new ReceiveView(central);
   receive_->setObjectName(QStringLiteral("receiveWindow"));
   QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-  fixed.setPixelSize(Scaled(scale_, kReceiveFontPixels));
+  if (layout_.Desktop) {
+    receive_->SetPreferredText(kDesktopColumns, kDesktopLines);
+  } else {
+    fixed.setPixelSize(Scaled(scale_, kReceiveFontPixels));
+  }
   receive_->setFont(fixed);
   column->addWidget(receive_, 1);
 
@@ -142,8 +172,9 @@ MainWindowWidget::MainWindowWidget(double scale, QWidget* parent) : QMainWindow(
     button->setObjectName(QStringLiteral("button%1").arg(entry.command));
     // Checkable so that a pressed state from the model can be shown.
     button->setCheckable(true);
-    button->setMinimumHeight(Scaled(scale_, 24));
-    button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    if (!layout_.Desktop) button->setMinimumHeight(Scaled(scale_, 24));
+    button->setSizePolicy(layout_.Desktop ? QSizePolicy::Preferred : QSizePolicy::Ignored,
+                          QSizePolicy::Fixed);
     int command = entry.command;
     connect(button, &QPushButton::clicked, this, [this, command] { OnButtonClicked(command); });
     if (command == kRelay || command == kRecord) {
@@ -153,7 +184,8 @@ MainWindowWidget::MainWindowWidget(double scale, QWidget* parent) : QMainWindow(
               command == kRelay ? &MainWindowWidget::RelayOptionsRequested
                                 : &MainWindowWidget::LogOptionsRequested);
     }
-    grid->addWidget(button, static_cast<int>(i) / kButtonColumns, static_cast<int>(i) % kButtonColumns);
+    int columns = layout_.Desktop ? static_cast<int>(kButtons.size()) : kButtonColumns;
+    grid->addWidget(button, static_cast<int>(i) / columns, static_cast<int>(i) % columns);
     buttons_[entry.command] = button;
   }
   panel->addLayout(grid);
@@ -161,6 +193,14 @@ MainWindowWidget::MainWindowWidget(double scale, QWidget* parent) : QMainWindow(
 
   setCentralWidget(central);
   BuildMenus();
+  // F10 opens the menu bar, as on other desktop programs.
+  auto* menuKey = new QShortcut(QKeySequence(Qt::Key_F10), this);
+  connect(menuKey, &QShortcut::activated, this, [this] {
+    QMenuBar* bar = menuBar();
+    if (bar->actions().isEmpty()) return;
+    bar->setFocus(Qt::ShortcutFocusReason);
+    bar->setActiveAction(bar->actions().front());
+  });
 }
 
 QAction* MainWindowWidget::AddItem(QMenu* menu, int command, const char* caption, bool checkable) {
@@ -173,66 +213,65 @@ QAction* MainWindowWidget::AddItem(QMenu* menu, int command, const char* caption
   return action;
 }
 
+// Captions carry their mnemonic ("&"): Alt and the letter on the menu bar,
+// the letter alone inside a menu. The captions themselves are unchanged.
 void MainWindowWidget::BuildMenus() {
   QMenuBar* bar = menuBar();
-  bar->setFont(font());
-  auto addMenu = [this](QMenu* parentMenu, QMenuBar* parentBar, const char* title) {
-    QMenu* menu = parentBar ? parentBar->addMenu(QString::fromLatin1(title))
-                            : parentMenu->addMenu(QString::fromLatin1(title));
-    menu->setFont(font());
-    return menu;
-  };
+  auto addMenu = [](auto* parent, const char* title) { return parent->addMenu(QString::fromLatin1(title)); };
 
-  QMenu* program = addMenu(nullptr, bar, "Program");
-  AddItem(program, kAbout, "About...");
-  AddItem(program, kHelp, "Help")->setShortcut(QKeySequence(Qt::Key_F1));
-  AddItem(program, kRunScript, "Run script");
-  QMenu* config = addMenu(program, nullptr, "Config");
-  AddItem(config, kConfigLoad, "Load...");
-  AddItem(config, kConfigSave, "Save");
-  AddItem(config, kConfigSaveAs, "SaveAs...");
-  AddItem(config, kConfigSetDefault, "Set as Default");
-  AddItem(program, kProgramOptions, "Options");
+  QMenu* program = addMenu(bar, "&Program");
+  AddItem(program, kAbout, "&About...");
+  AddItem(program, kHelp, "&Help")->setShortcut(QKeySequence(Qt::Key_F1));
+  AddItem(program, kRunScript, "&Run script");
+  QMenu* config = addMenu(program, "&Config");
+  AddItem(config, kConfigLoad, "&Load...");
+  AddItem(config, kConfigSave, "&Save");
+  AddItem(config, kConfigSaveAs, "Save&As...");
+  AddItem(config, kConfigSetDefault, "Set as &Default");
+  AddItem(program, kProgramOptions, "&Options");
   program->addSeparator();
-  AddItem(program, kExit, "Exit")->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+  AddItem(program, kExit, "E&xit")->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
 
-  QMenu* edit = addMenu(nullptr, bar, "Edit");
+  QMenu* edit = addMenu(bar, "&Edit");
   // A field with the focus keeps its own Ctrl+C and Ctrl+V (Qt lets it
   // override the shortcut); elsewhere they reach these items.
-  AddItem(edit, kCopy, "Copy")->setShortcut(QKeySequence::Copy);
-  AddItem(edit, kPaste, "Paste")->setShortcut(QKeySequence::Paste);
-  sendFileAction_ = edit->addAction(QStringLiteral("Send file..."));
+  AddItem(edit, kCopy, "&Copy")->setShortcut(QKeySequence::Copy);
+  AddItem(edit, kPaste, "&Paste")->setShortcut(QKeySequence::Paste);
+  sendFileAction_ = edit->addAction(QStringLiteral("Send &file..."));
   sendFileAction_->setObjectName(QStringLiteral("actionSendFile"));
   sendFileAction_->setMenuRole(QAction::NoRole);
   connect(sendFileAction_, &QAction::triggered, this, &MainWindowWidget::SendFileRequested);
-  QMenu* clear = addMenu(edit, nullptr, "Clear...");
-  AddItem(clear, kClearReceiveWindow, "Received window")->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_L));
-  AddItem(clear, kClearSendHistory, "Send history");
+  QMenu* clear = addMenu(edit, "C&lear...");
+  AddItem(clear, kClearReceiveWindow, "&Received window")->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_L));
+  AddItem(clear, kClearSendHistory, "Send &history");
   edit->addSeparator();
-  AddItem(edit, kReceiveOptions, "Receive Options");
-  AddItem(edit, kTransmitOptions, "Transmit Options");
-  AddItem(edit, kCommProperties, "Communication Properties");
+  AddItem(edit, kReceiveOptions, "&Receive Options");
+  AddItem(edit, kTransmitOptions, "&Transmit Options");
+  AddItem(edit, kCommProperties, "Co&mmunication Properties");
   edit->addSeparator();
-  AddItem(edit, kSendBreak, "Send Break");
-  AddItem(edit, kToggleRts, "RTS", true);
-  AddItem(edit, kToggleDtr, "DTR", true);
+  AddItem(edit, kSendBreak, "Send &Break");
+  AddItem(edit, kToggleRts, "RT&S", true);
+  AddItem(edit, kToggleDtr, "&DTR", true);
 
-  QMenu* display = addMenu(nullptr, bar, "Display");
-  AddItem(display, kScreenOff, "ScreenOff");
-  AddItem(display, kFullscreen, "Fullscreen", true);
-  AddItem(display, kBacklightOnReceive, "Backlight ON receive", true);
+  QMenu* display = addMenu(bar, "&Display");
+  AddItem(display, kScreenOff, "&ScreenOff");
+  AddItem(display, kFullscreen, "&Fullscreen", true);
+  AddItem(display, kBacklightOnReceive, "&Backlight ON receive", true);
   display->addSeparator();
-  AddItem(display, kDecimal, "Decimal", true);
-  AddItem(display, kHex, "Hex", true);
-  AddItem(display, kOctal, "Octal", true);
-  AddItem(display, kBinary, "Binary", true);
+  // One radix at a time: radio marks.
+  auto* radix = new QActionGroup(this);
+  radix->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);
+  for (auto [command, caption] : {std::pair{kDecimal, "&Decimal"}, std::pair{kHex, "&Hex"},
+                                  std::pair{kOctal, "&Octal"}, std::pair{kBinary, "Bi&nary"}}) {
+    radix->addAction(AddItem(display, command, caption, true));
+  }
   display->addSeparator();
-  AddItem(display, kPauseRxDisplay, "Pause Received window", true);
-  AddItem(display, kSoftwareButtons, "Software Buttons", true);
-  AddItem(display, kLineStatus, "Line Status", true);
+  AddItem(display, kPauseRxDisplay, "&Pause Received window", true);
+  AddItem(display, kSoftwareButtons, "Soft&ware Buttons", true);
+  AddItem(display, kLineStatus, "&Line Status", true);
   display->addSeparator();
-  AddItem(display, kAsciiChart, "ASCII Chart");
-  AddItem(display, kCommPinouts, "Comm. Pinouts");
+  AddItem(display, kAsciiChart, "&ASCII Chart");
+  AddItem(display, kCommPinouts, "&Comm. Pinouts");
 }
 
 QPushButton* MainWindowWidget::Button(int command) const {
@@ -290,7 +329,8 @@ void MainWindowWidget::PasteIntoTransmitField() {
 void MainWindowWidget::SetStatus(const std::u16string& text) {
   QString line = StatusLineText(text);
   status_->setText(line);
-  status_->setToolTip(line);
+  // The desktop's status line shows the whole text itself.
+  if (!layout_.Desktop) status_->setToolTip(line);
 }
 
 void MainWindowWidget::RefreshTransmitField(const core::MainScreen& screen) {
@@ -344,6 +384,7 @@ void MainWindowWidget::RefreshControls(const core::MainScreen& screen) {
   setWindowTitle(QString::fromStdU16String(screen.Title()));
   // Full screen gives the receive window the room of the controls below it.
   buttonPanel_->setVisible(!screen.IsMenuItemChecked(kFullscreen));
+  paused_->setVisible(screen.IsMenuItemChecked(kPauseRxDisplay));
   ApplyFocus(screen.Focus());
 }
 
@@ -352,6 +393,15 @@ void MainWindowWidget::RefreshStrips(const core::MainScreen& screen,
   psmStrip_->Refresh(screen);
   softwareStrip_->Refresh(screen, softwareLabels);
   lineStrip_->setVisible(screen.StripShown(core::strip::kLineStatusStrip));
+}
+
+QSize DialogRoom(const QWidget& widget) {
+  const QWidget* window = widget.window();
+  while (window->parentWidget()) window = window->parentWidget()->window();
+  auto* main = qobject_cast<const MainWindowWidget*>(window);
+  QScreen* screen = window->screen();
+  if (!main || !main->Layout().Desktop || !screen) return window->size();
+  return screen->availableGeometry().size();
 }
 
 void MainWindowWidget::closeEvent(QCloseEvent* event) {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/main_screen.h"
+#include "ui/screen_scale.h"
 #include "ui/strips.h"
 
 class QAction;
@@ -26,7 +27,9 @@ class MainWindowWidget : public QMainWindow {
   Q_OBJECT
 
  public:
-  explicit MainWindowWidget(double scale, QWidget* parent = nullptr);
+  explicit MainWindowWidget(const ViewLayout& layout, QWidget* parent = nullptr);
+
+  [[nodiscard]] const ViewLayout& Layout() const { return layout_; }
 
   // Re-reads buttons, menu items, transmit field, title and layout.
   void RefreshControls(const core::MainScreen& screen);
@@ -37,6 +40,8 @@ class MainWindowWidget : public QMainWindow {
 
   [[nodiscard]] ReceiveView* Receive() const { return receive_; }
   [[nodiscard]] QLabel* StatusLine() const { return status_; }
+  // "paused" beside the status line while the receive window is paused.
+  [[nodiscard]] QLabel* PausedMark() const { return paused_; }
   [[nodiscard]] QComboBox* TransmitField() const { return transmit_; }
   // Null for a command without a button or menu item.
   [[nodiscard]] QPushButton* Button(int command) const;
@@ -77,8 +82,10 @@ class MainWindowWidget : public QMainWindow {
   void RefreshTransmitField(const core::MainScreen& screen);
   void ApplyFocus(int control);
 
+  ViewLayout layout_;
   double scale_;
   QLabel* status_ = nullptr;
+  QLabel* paused_ = nullptr;
   ReceiveView* receive_ = nullptr;
   QComboBox* transmit_ = nullptr;
   QToolButton* sendFileButton_ = nullptr;
@@ -92,5 +99,10 @@ class MainWindowWidget : public QMainWindow {
   int renderedFocus_ = 0;
   bool shownOnce_ = false;
 };
+
+// How large a dialog over widget's window may be: the main window's size in
+// the compact layout (a panel has no more), the screen's usable area on the
+// desktop.
+QSize DialogRoom(const QWidget& widget);
 
 }  // namespace wavetrace::ui

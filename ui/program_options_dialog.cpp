@@ -1,7 +1,9 @@
 #include "ui/program_options_dialog.h"
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDialogButtonBox>
+#include <QFormLayout>
 #include <QLabel>
 #include <QVBoxLayout>
 
@@ -29,6 +31,13 @@ ProgramOptionsDialog::ProgramOptionsDialog(const ProgramOptionValues& values, QW
   multiInst_ = AddOption(layout, "Allow running multiple instances", values.MULTIinst, this);
   hwButtons_ = AddOption(layout, "Acquire hardware buttons", values.AcquireHWbuttons, this);
   disableIcon_ = AddOption(layout, "Disable icon on Start bar", values.DisableIcon, this);
+  auto* layoutRow = new QFormLayout;
+  layout_ = new QComboBox(this);
+  layout_->setObjectName(QStringLiteral("windowLayout"));
+  layout_->addItems({QStringLiteral("Automatic"), QStringLiteral("Compact"), QStringLiteral("Desktop")});
+  layout_->setCurrentIndex(static_cast<int>(values.Layout));
+  layoutRow->addRow(QStringLiteral("Window layout"), layout_);
+  layout->addLayout(layoutRow);
   auto* note = new QLabel(
       QStringLiteral("* Wavetrace Pro needs to restart\n  for these features to take effect."), this);
   note->setTextFormat(Qt::PlainText);
@@ -46,6 +55,7 @@ ProgramOptionValues ProgramOptionsDialog::Values() const {
   values.MULTIinst = Value(multiInst_);
   values.AcquireHWbuttons = Value(hwButtons_);
   values.DisableIcon = Value(disableIcon_);
+  values.Layout = static_cast<app::WindowLayout>(layout_->currentIndex());
   return values;
 }
 

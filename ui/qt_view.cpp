@@ -25,8 +25,10 @@
 #include "app/transmit_options.h"
 #include "automation/function_buttons.h"
 #include "config/program_options.h"
+#include "core/code_page.h"
 #include "core/messages.h"
 #include "core/reporting.h"
+#include "platform/files.h"
 #include "ui/about_dialog.h"
 #include "ui/comm_properties_dialog.h"
 #include "ui/file_dialog_fit.h"
@@ -67,18 +69,32 @@ QString BoxText(std::u16string_view text) {
 
 QtView::QtView(core::AppState& state, QObject* parent) : QObject(parent), state_(state) {
   QScreen* screen = QGuiApplication::primaryScreen();
-  // The desktop's font follows its scale setting; the layout follows the font.
-  ScreenFit fit = FitToScreen(screen ? screen->availableGeometry().size() : QSize(),
-                              QFontInfo(QApplication::font()).pixelSize());
+  const QRect available = screen ? screen->availableGeometry() : QRect();
   if (screen) {
     screenHeight_ = screen->geometry().height();
     connect(screen, &QScreen::geometryChanged, this,
             [this](const QRect& rect) { screenHeight_ = rect.height(); });
   }
+  // The window file is read before start-up has settled the folder.
+  std::string folder =
+      state_.ConfigFolder.empty() ? platform::ConfigFolder() : core::WideToUtf8(state_.ConfigFolder);
+  placement_ = app::LoadWindowPlacement(folder);
+  const QSize screenSize = screen ? screen->geometry().size() : QSize();
+  layout_ = app::ChooseLayout(screenSize.width(), screenSize.height(), placement_.Layout,
+                              static_cast<app::WindowLayout>(state_.Switches.Layout));
+  const bool desktop = layout_ == app::WindowLayout::kDesktop;
 
-  scale_ = fit.Scale;
-  window_ = std::make_unique<MainWindowWidget>(fit.Scale);
-  window_->resize(fit.WindowSize);
+  // The compact layout follows the desktop's font size (and so its scale).
+  ScreenFit fit = FitToScreen(available.size(), QFontInfo(DesktopFont()).pixelSize());
+  const ViewLayout layout{desktop, desktop ? 1.0 : fit.Scale};
+  scale_ = layout.Scale;
+  ApplyApplicationLook(layout);
+  window_ = std::make_unique<MainWindowWidget>(layout);
+  window_->resize(desktop ? window_->sizeHint().boundedTo(available.size()) : fit.WindowSize);
+  if (auto frame = app::RestoredFrame(
+          placement_, layout_, {available.x(), available.y(), available.width(), available.height()})) {
+    window_->setGeometry(frame->X, frame->Y, frame->Width, frame->Height);
+  }
   // The line status strip reads the port on the GUI thread, the main thread.
   window_->LineStatus()->SetReader([this] { return app::OpenPortLineStatus(state_); });
   connect(window_.get(), &MainWindowWidget::CommandRequested, this,
@@ -148,9 +164,18 @@ void QtView::ArmTimer() {
   }
 }
 
+void QtView::SavePlacement() {
+  if (state_.ConfigFolder.empty() || window_->isMaximized() || window_->isFullScreen()) return;
+  const QRect frame = window_->geometry();
+  placement_.FrameLayout = layout_;
+  placement_.Frame = {frame.x(), frame.y(), frame.width(), frame.height()};
+  app::SaveWindowPlacement(core::WideToUtf8(state_.ConfigFolder), placement_);
+}
+
 void QtView::EndLoop() {
   if (loopEnded_) return;
   loopEnded_ = true;
+  SavePlacement();
   notifier_->setEnabled(false);
   timer_->stop();
   QCoreApplication::exit(state_.Queue.QuitCode());
@@ -162,6 +187,10 @@ bool QtView::WindowExists() const {
 
 QWidget* QtView::BoxParent() const {
   return window_->isVisible() ? window_.get() : nullptr;
+}
+
+QSize QtView::DialogRoom() const {
+  return ui::DialogRoom(*window_);
 }
 
 void QtView::ShowMessageBox(std::u16string_view title, std::u16string_view text, core::BoxIcon icon) {
@@ -292,10 +321,14 @@ void QtView::ShowProgramOptions() {
   values.MULTIinst = options.MULTIinst;
   values.AcquireHWbuttons = options.AcquireHWbuttons;
   values.DisableIcon = options.DisableIcon;
+  values.Layout = placement_.Layout;
   ProgramOptionsDialog dialog(values, BoxParent());
   dialog.setFont(window_->font());
   if (dialog.exec() != QDialog::Accepted) return;
   values = dialog.Values();
+  // The layout counts from the next start, as the page says.
+  placement_.Layout = values.Layout;
+  SavePlacement();
   options.DEFAULTcfg = values.DEFAULTcfg;
   options.MULTIinst = values.MULTIinst;
   options.AcquireHWbuttons = values.AcquireHWbuttons;
@@ -309,7 +342,7 @@ void QtView::ShowTransmitOptions() {
   TransmitOptionsDialog dialog(app::TransmitOptionsOf(state_), app::ButtonStringChoices(state_), BoxParent());
   dialog.setFont(window_->font());
   // On a small screen the pages take the window's room, not more.
-  dialog.resize(dialog.sizeHint().boundedTo(window_->size()));
+  dialog.resize(dialog.sizeHint().boundedTo(DialogRoom()));
   if (dialog.exec() != QDialog::Accepted) return;
   app::ApplyTransmitOptions(state_, dialog.Values());
 }
@@ -318,7 +351,7 @@ bool QtView::ShowReceiveOptions(int page) {
   ReceiveOptionsDialog dialog(state_, static_cast<app::RxOptionsPage>(page), BoxParent());
   dialog.setFont(window_->font());
   // On a small screen the pages take the window's room, not more.
-  dialog.resize(dialog.sizeHint().boundedTo(window_->size()));
+  dialog.resize(dialog.sizeHint().boundedTo(DialogRoom()));
   dialog.exec();
   return true;
 }
@@ -345,7 +378,7 @@ QString QtView::PickExistingFile(const QString& title, const QString& folder) {
   QFileDialog dialog(BoxParent(), title, folder);
   dialog.setFileMode(QFileDialog::ExistingFile);
   dialog.setAcceptMode(QFileDialog::AcceptOpen);
-  FitFileDialog(dialog, *window_);
+  FitFileDialog(dialog, window_->font(), DialogRoom());
   if (dialog.exec() != QDialog::Accepted) return {};
   const QStringList chosen = dialog.selectedFiles();
   return chosen.isEmpty() ? QString() : chosen.front();
@@ -384,7 +417,7 @@ void QtView::ShowCommProperties() {
   CommPropertiesDialog dialog(state_.Port, state_.PortDevicePath, app::OpenPortScanPage(state_), BoxParent());
   dialog.setFont(window_->font());
   // On a small screen the pages take the window's room, not more.
-  dialog.resize(dialog.sizeHint().boundedTo(window_->size()));
+  dialog.resize(dialog.sizeHint().boundedTo(DialogRoom()));
   if (dialog.exec() != QDialog::Accepted) {
     app::CancelPortScanPage(state_, dialog.PortScan());
     return;
@@ -407,12 +440,20 @@ void QtView::InterruptModal() {
       Qt::QueuedConnection);
 }
 
-std::u16string QtView::ChooseConfigFile(bool save, std::u16string_view current) {
-  const QString filters = QStringLiteral("Configuration files (*.cfg.txt);;All files (*)");
-  QString start = QString::fromUtf16(current.data(), static_cast<qsizetype>(current.size()));
-  QString path = save ? QFileDialog::getSaveFileName(BoxParent(), QStringLiteral("SaveAs..."), start, filters)
-                      : QFileDialog::getOpenFileName(BoxParent(), QStringLiteral("Load..."), start, filters);
-  return path.toStdU16String();
+std::u16string QtView::ChooseConfigFile(bool save, std::u16string_view start) {
+  const QString startPath = QString::fromUtf16(start.data(), static_cast<qsizetype>(start.size()));
+  const QFileInfo startInfo(startPath);
+  const bool startIsFolder = !save || startInfo.isDir();
+  QFileDialog dialog(BoxParent(), save ? QStringLiteral("SaveAs...") : QStringLiteral("Load..."),
+                     startIsFolder ? startPath : startInfo.absolutePath());
+  dialog.setNameFilters({QStringLiteral("Configuration files (*.cfg.txt)"), QStringLiteral("All files (*)")});
+  dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+  dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+  FitFileDialog(dialog, window_->font(), DialogRoom());
+  if (!startIsFolder) dialog.selectFile(startInfo.fileName());
+  if (dialog.exec() != QDialog::Accepted) return {};
+  const QStringList chosen = dialog.selectedFiles();
+  return chosen.isEmpty() ? std::u16string() : chosen.front().toStdU16String();
 }
 
 }  // namespace wavetrace::ui

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <memory>
 
+#include "app/window_placement.h"
 #include "core/app_state.h"
 #include "core/front_end.h"
 
@@ -23,7 +24,9 @@ class QtView : public QObject, public core::FrontEnd {
   Q_OBJECT
 
  public:
-  // Needs the QApplication; the window is sized for the primary screen.
+  // Needs the QApplication. The layout is chosen for the primary screen (or
+  // as --layout in state.Switches or the window file say), and the window
+  // takes its last size and place in that layout when it fits the screen.
   explicit QtView(core::AppState& state, QObject* parent = nullptr);
   ~QtView() override;
 
@@ -47,10 +50,11 @@ class QtView : public QObject, public core::FrontEnd {
   void ShowProgramOptions() override;
   void ShowTransmitOptions() override;
   void ShowCommProperties() override;
+  [[nodiscard]] bool HasOptionPages() const override { return true; }
   bool ShowReceiveOptions(int page) override;
   bool ShowAsciiChart(bool variantB) override;
   bool ShowPinouts() override;
-  std::u16string ChooseConfigFile(bool save, std::u16string_view current) override;
+  std::u16string ChooseConfigFile(bool save, std::u16string_view start) override;
   std::u16string ChooseScriptFile() override;
   bool OpenManual(const std::string& path, std::string_view fragment) override;
   void InterruptModal() override;
@@ -68,10 +72,16 @@ class QtView : public QObject, public core::FrontEnd {
   // An existing file picked in Qt's own dialog; empty when cancelled.
   QString PickExistingFile(const QString& title, const QString& folder);
   [[nodiscard]] QWidget* BoxParent() const;
+  // How large a dialog may be: the window's size in the compact layout, the
+  // screen's usable area on the desktop.
+  [[nodiscard]] QSize DialogRoom() const;
+  void SavePlacement();
 
   core::AppState& state_;
   std::unique_ptr<MainWindowWidget> window_;
   double scale_ = 1.0;
+  app::WindowPlacement placement_;
+  app::WindowLayout layout_ = app::WindowLayout::kCompact;
   TrayIcon* tray_ = nullptr;
   QSocketNotifier* notifier_ = nullptr;
   QTimer* timer_ = nullptr;

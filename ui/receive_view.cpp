@@ -116,4 +116,24 @@ QMimeData* ReceiveView::createMimeDataFromSelection() const {
   return mime;
 }
 
+void ReceiveView::SetPreferredText(int columns, int lines) {
+  preferredColumns_ = columns;
+  preferredLines_ = lines;
+  updateGeometry();
+}
+
+int ReceiveView::VisibleColumns() const {
+  int margins = 2 * static_cast<int>(document()->documentMargin());
+  return (viewport()->width() - margins) / fontMetrics().horizontalAdvance(QLatin1Char('0'));
+}
+
+QSize ReceiveView::sizeHint() const {
+  if (preferredColumns_ <= 0) return QPlainTextEdit::sizeHint();
+  int margins = 2 * (frameWidth() + static_cast<int>(document()->documentMargin()));
+  // The scroll bar comes with the first screenful; the columns stay.
+  int width = preferredColumns_ * fontMetrics().horizontalAdvance(QLatin1Char('0')) + margins +
+              verticalScrollBar()->sizeHint().width();
+  return {width, preferredLines_ * fontMetrics().lineSpacing() + margins};
+}
+
 }  // namespace wavetrace::ui

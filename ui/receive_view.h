@@ -36,8 +36,19 @@ class ReceiveView : public QPlainTextEdit {
   [[nodiscard]] bool AtEnd() const;
   void ScrollToEnd();
 
+  // The size asked for: room for columns characters of the font on lines
+  // lines, with the scroll bar (0: the text edit's own size hint).
+  void SetPreferredText(int columns, int lines);
+  // How many characters of the font a line shows.
+  [[nodiscard]] int VisibleColumns() const;
+  [[nodiscard]] QSize sizeHint() const override;
+
  protected:
   QMimeData* createMimeDataFromSelection() const override;
+
+ private:
+  int preferredColumns_ = 0;
+  int preferredLines_ = 0;
 };
 
 }  // namespace wavetrace::ui

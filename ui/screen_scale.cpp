@@ -1,5 +1,8 @@
 #include "ui/screen_scale.h"
 
+#include <QApplication>
+#include <QFont>
+#include <QProxyStyle>
 #include <algorithm>
 #include <cmath>
 
@@ -39,6 +42,54 @@ ScreenFit FitToScreen(QSize available, int desktopFontPixels) {
 
 int Scaled(double scale, int pixels) {
   return std::max(1, static_cast<int>(std::lround(scale * pixels)));
+}
+
+namespace {
+
+// The style's sizes of the small parts, scaled with the layout's font.
+class ScaledStyle : public QProxyStyle {
+ public:
+  explicit ScaledStyle(double scale) : scale_(scale) {}
+
+  int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override {
+    int pixels = QProxyStyle::pixelMetric(metric, option, widget);
+    switch (metric) {
+      case PM_IndicatorWidth:
+      case PM_IndicatorHeight:
+      case PM_ExclusiveIndicatorWidth:
+      case PM_ExclusiveIndicatorHeight:
+      case PM_SmallIconSize:
+      case PM_ScrollBarExtent:
+      case PM_MenuButtonIndicator:
+        return Scaled(scale_, pixels);
+      default:
+        return pixels;
+    }
+  }
+
+ private:
+  double scale_;
+};
+
+}  // namespace
+
+const QFont& DesktopFont() {
+  // As the first view found it: a second view in the same process starts
+  // from it too.
+  static const QFont desktopFont = QApplication::font();
+  return desktopFont;
+}
+
+void ApplyApplicationLook(const ViewLayout& layout) {
+  QFont font = DesktopFont();
+  if (!layout.Desktop) font.setPixelSize(Scaled(layout.Scale, kLayoutFontPixels));
+  // Without a class name this also drops the class fonts (menus, tool tips)
+  // a platform theme set.
+  QApplication::setFont(font);
+  bool scaled = !layout.Desktop && layout.Scale > 1.0;
+  if (scaled || dynamic_cast<ScaledStyle*>(QApplication::style())) {
+    QApplication::setStyle(scaled ? new ScaledStyle(layout.Scale) : new QProxyStyle);
+  }
 }
 
 }  // namespace wavetrace::ui

@@ -1,13 +1,15 @@
 #pragma once
 
+#include <QFont>
 #include <QSize>
 
 namespace wavetrace::ui {
 
-// The main screen is laid out for a 240x320 portrait screen with an 11 pixel
-// font. A small panel gets that layout on all of its area; a desktop gets it
-// at the desktop's own font size (which follows the desktop's scale), in a
-// window of a useful size that the user can resize.
+// The compact layout is laid out for a 240x320 portrait screen with an 11
+// pixel font. A small panel gets that layout on all of its area; a larger
+// screen gets it at the desktop's own font size (which follows the desktop's
+// scale), in a window of a useful size that the user can resize. The desktop
+// layout instead takes the desktop's fonts as they are.
 inline constexpr int kLogicalWidth = 240;
 inline constexpr int kLogicalHeight = 320;
 inline constexpr int kLayoutFontPixels = 11;
@@ -24,5 +26,24 @@ ScreenFit FitToScreen(QSize available, int desktopFontPixels);
 
 // A pixel size scaled and rounded, at least 1.
 int Scaled(double scale, int pixels);
+
+// How the view lays the main screen out.
+struct ViewLayout {
+  bool Desktop = false;
+  double Scale = 1.0;  // the compact layout's scale; 1 on the desktop
+};
+
+// The receive window of the desktop layout asks for this many columns of
+// its fixed-pitch font, and lines.
+inline constexpr int kDesktopColumns = 82;
+inline constexpr int kDesktopLines = 24;
+
+// Gives every window of the program one font and scale: the compact
+// layout's scaled font (with check boxes, radio buttons, small icons and
+// scroll bars scaled alike) or the desktop's own. Boxes, menus, tool tips
+// and file dialogs then follow without being told.
+void ApplyApplicationLook(const ViewLayout& layout);
+// The desktop's font, as the application had it before the first call.
+const QFont& DesktopFont();
 
 }  // namespace wavetrace::ui

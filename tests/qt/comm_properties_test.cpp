@@ -62,14 +62,15 @@ TEST(CommProperties, ListsThePortsWritesEveryValueAndRefusesAnInvalidRate) {
                              {dialog.ParityField(), "Even"},
                              {dialog.StopBitsField(), "1.5"}})
     field->setCurrentIndex(field->findText(text));
-  for (QCheckBox* box : {dialog.XonBox(), dialog.RtsBox(), dialog.DtrBox(), dialog.ReopenBox()})
+  for (QCheckBox* box :
+       {dialog.XonBox(), dialog.CtsFlowBox(), dialog.RtsBox(), dialog.DtrBox(), dialog.ReopenBox()})
     box->setChecked(true);
   core::PortSettings port = table.port;
   dialog.WriteValues(port);
   EXPECT_EQ(
       std::tuple(port.SelectedPort, port.SelectedBaud, port.SelectedDataBits, port.Parity, port.StopBits),
       std::tuple(u"VSP0:", 115200u, 7, u"Even", u"1.5"));
-  EXPECT_EQ(port.XON + port.RTS + port.DTR + port.ReopenPort, 4);
+  EXPECT_EQ(port.XON + port.CtsFlow + port.RTS + port.DTR + port.ReopenPort, 5);
 
   // A device path and the list are one choice.
   QTest::keyClicks(dialog.DevicePathField(), "/dev/ttyS4");

@@ -1,5 +1,6 @@
 // The About screen, the Program Options page and the relay pages.
 #include <QCheckBox>
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -32,7 +33,9 @@ TEST(Dialogs, AboutShowsTheReleaseLineAndTheAutomationWarning) {
 
 TEST(Dialogs, ProgramOptionsPageShowsAndReturnsTheFourValues) {
   TestApplication();
-  ProgramOptionsDialog dialog({.MULTIinst = 1, .DisableIcon = 1});
+  ProgramOptionsDialog dialog({.MULTIinst = 1, .DisableIcon = 1, .Layout = app::WindowLayout::kDesktop});
+  EXPECT_EQ(dialog.LayoutField()->currentText(), "Desktop");
+  dialog.LayoutField()->setCurrentIndex(1);
   const std::tuple<QCheckBox*, const char*, bool> boxes[] = {
       {dialog.IgnoreDefaultConfig(), "Ignore loading Default Config", false},
       {dialog.MultipleInstances(), "Allow running multiple instances", true},
@@ -47,6 +50,7 @@ TEST(Dialogs, ProgramOptionsPageShowsAndReturnsTheFourValues) {
   ProgramOptionValues chosen = dialog.Values();
   EXPECT_EQ(std::tuple(chosen.DEFAULTcfg, chosen.MULTIinst, chosen.AcquireHWbuttons, chosen.DisableIcon),
             std::tuple(1u, 1u, 0u, 0u));
+  EXPECT_EQ(chosen.Layout, app::WindowLayout::kCompact);
 }
 
 TEST(Dialogs, ProgramOptionsThroughTheMenuOkSavesAndCancelDoesNot) {

@@ -15,6 +15,7 @@
 #include <QTest>
 #include <QTimer>
 #include <functional>
+#include <memory>
 #include <utility>
 
 #include "app/program.h"
@@ -46,18 +47,21 @@ inline bool WaitUntil(const std::function<bool()>& condition, int timeoutMs = 50
 
 // The program's start-up, message loop and shutdown with the Qt view, as
 // main() runs them, in a configuration folder of its own that already records
-// this release, so that no version warning waits for a user.
+// this release, so that no version warning waits for a user. The window has
+// the layout given, as --layout gives it.
 class GuiProgram {
  public:
-  GuiProgram() {
+  explicit GuiProgram(app::WindowLayout layout = app::WindowLayout::kCompact) {
     wavetrace::testing::WriteRegistry(home_.path().toStdString());
     setenv("WAVETRACE_HOME", home_.path().toLocal8Bit().constData(), 1);
+    state_.Switches.Layout = static_cast<int32_t>(layout);
+    view_ = std::make_unique<QtView>(state_);
   }
   ~GuiProgram() { unsetenv("WAVETRACE_HOME"); }
 
   // The body runs inside the loop; the exit command follows it unless told not to.
   int Run(const std::function<void()>& body, bool exitAfterBody = true) {
-    state_.View = &view_;
+    state_.View = view_.get();
     state_.Screen.SetEventsEnabled(true);
     QObject scope;
     // A message box nobody expected would wait for a user forever: it fails
@@ -80,25 +84,26 @@ class GuiProgram {
         ADD_FAILURE() << "the program did not end in time";
         state_.Queue.PostCommand(core::cmd::kExit);
       });
-      return view_.RunMessageLoop();
+      return view_->RunMessageLoop();
     });
     state_.View = nullptr;
     return exitCode;
   }
 
   core::AppState& State() { return state_; }
-  QtView& View() { return view_; }
+  QtView& View() { return *view_; }
 
  private:
   QApplication& application_ = TestApplication();
   QTemporaryDir home_;
   core::AppState state_;
-  QtView view_{state_};
+  std::unique_ptr<QtView> view_;
 };
 
 // A whole run that calls body once the main window is up; it must end with 0.
-inline void RunShown(const std::function<void(MainWindowWidget&, core::AppState&)>& body) {
-  GuiProgram program;
+inline void RunShown(const std::function<void(MainWindowWidget&, core::AppState&)>& body,
+                     app::WindowLayout layout = app::WindowLayout::kCompact) {
+  GuiProgram program(layout);
   MainWindowWidget& window = program.View().Window();
   int exitCode = program.Run([&] {
     ASSERT_TRUE(WaitUntil([&] { return window.isVisible(); }));
@@ -136,11 +141,12 @@ inline void Click(QDialog& dialog, QDialogButtonBox::StandardButton which) {
   dialog.findChild<QDialogButtonBox*>()->button(which)->click();
 }
 
-// A dialog sheet is as large as the window at most and takes its font.
+// A dialog sheet takes the window's font and fits the room a dialog has:
+// the compact window, or the desktop's screen.
 inline void ExpectFitsTheWindow(const QWidget& sheet, const MainWindowWidget& window) {
-  EXPECT_EQ(sheet.font().pixelSize(), window.font().pixelSize());
-  EXPECT_LE(sheet.width(), window.width());
-  EXPECT_LE(sheet.height(), window.height());
+  EXPECT_EQ(sheet.font(), window.font());
+  EXPECT_LE(sheet.width(), DialogRoom(window).width());
+  EXPECT_LE(sheet.height(), DialogRoom(window).height());
 }
 
 // Opens the sheet of command through its menu item twice, edits it and

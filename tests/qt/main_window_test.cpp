@@ -7,6 +7,7 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QTextCursor>
@@ -269,6 +270,47 @@ TEST(MainWindow, LineStatusStripShowsTheOpenPortsLinesAndTheLineCommandsFollowTh
     window.Action(cmd::kLineStatus)->trigger();
     EXPECT_TRUE(WaitUntil([&] { return !window.LineStatus()->isVisible(); }));
   });
+}
+
+// Both layouts: menus as wide as their widest caption (with its shortcut)
+// and a mnemonic on each; the desktop's receive window 80 columns or more of
+// a fixed-pitch font, the whole of a long status message, the "paused" mark.
+TEST(MainWindow, MenusFitTheirCaptionsAndTheDesktopLayoutShowsEightyColumnsAndWholeMessages) {
+  for (auto layout : {app::WindowLayout::kCompact, app::WindowLayout::kDesktop}) {
+    RunShown(
+        [&](MainWindowWidget& window, core::AppState& state) {
+          for (QAction* title : window.menuBar()->actions()) {
+            EXPECT_FALSE(QKeySequence::mnemonic(title->text()).isEmpty()) << title->text().toStdString();
+            QList<QMenu*> menus = {title->menu()};
+            for (int i = 0; i < menus.size(); ++i) {
+              QMenu* menu = menus[i];
+              for (QAction* item : menu->actions()) {
+                if (item->menu()) menus << item->menu();
+                QString caption = QString(item->text()).remove('&') + item->shortcut().toString();
+                EXPECT_GT(menu->sizeHint().width(), menu->fontMetrics().horizontalAdvance(caption) + 20)
+                    << caption.toStdString();
+              }
+            }
+          }
+          const bool desktop = layout == app::WindowLayout::kDesktop;
+          ReceiveView* receive = window.Receive();
+          const QFontMetrics& fixed = receive->fontMetrics();
+          EXPECT_EQ(fixed.horizontalAdvance('i'), fixed.horizontalAdvance('M'));
+          EXPECT_GE(receive->VisibleColumns(), desktop ? 80 : 1);
+          window.Action(cmd::kPauseRxDisplay)->trigger();
+          EXPECT_TRUE(WaitUntil([&] { return window.PausedMark()->isVisible(); }));
+          if (!desktop) return;
+          core::ShowStatus(state, u"Error! " + std::u16string(40, u'y') + u" " + std::u16string(152, u'x'));
+          QLabel* status = window.StatusLine();
+          EXPECT_TRUE(WaitUntil([&] {
+            return status->text().size() == 200 &&
+                   status->height() >= status->heightForWidth(status->width()) &&
+                   status->height() > 2 * status->fontMetrics().lineSpacing();
+          }));
+          EXPECT_EQ(window.Button(cmd::kPlay)->y(), window.Button(cmd::kClearButton)->y());
+        },
+        layout);
+  }
 }
 
 }  // namespace

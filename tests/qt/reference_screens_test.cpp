@@ -47,5 +47,23 @@ TEST(Screenshots, ReferenceScreens) {
             std::pair(app::PinoutPicture::kPortrait, app::PinoutPicture::kLandscape));
 }
 
+// The main window in each layout, kept as main_window_<layout>.png.
+TEST(Screenshots, MainWindowInEachLayout) {
+  for (auto [layout, name] : {std::pair{app::WindowLayout::kCompact, "main_window_compact"},
+                              std::pair{app::WindowLayout::kDesktop, "main_window_desktop"}}) {
+    RunShown(
+        [&, name = name](MainWindowWidget& window, core::AppState& state) {
+          state.Screen.RxInsertAtCaret(
+              u"\r\n$GPGGA,120000.00,4807.0380,N,01131.0000,E,1,08,0.9,545.4,M,46.9,M,,*67");
+          ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+          QTest::qWait(100);
+          const bool x11 = QGuiApplication::platformName() == QLatin1String("xcb");
+          QImage picture = (x11 ? window.screen()->grabWindow(window.winId()) : window.grab()).toImage();
+          EXPECT_TRUE(picture.save(QDir::current().filePath(QString::fromLatin1(name) + ".png"))) << name;
+        },
+        layout);
+  }
+}
+
 }  // namespace
 }  // namespace wavetrace::ui

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <mutex>
+#include <optional>
 
 #include "core/decimal_text.h"
 #include "core/published_settings.h"
@@ -106,19 +107,34 @@ bool RecordPartialEnabled(const core::LogSettings& log) {
   return log.RecordALL == 0;
 }
 
+namespace {
+
+// What a number field's text leaves: below 1 nothing is taken and the stored
+// value is written back into the field; above maximum the value is held
+// there and the field rewritten.
+std::optional<int32_t> TakeField(std::u16string_view text, int32_t stored, uint32_t maximum,
+                                 std::optional<std::u16string>& rewrite) {
+  uint32_t value = core::LeadingDecimal(text);
+  if (value < 1) {
+    rewrite = core::DecimalText(stored);
+    return std::nullopt;
+  }
+  if (value > maximum) {
+    value = maximum;
+    rewrite = core::DecimalText(value);
+  }
+  return static_cast<int32_t>(value);
+}
+
+}  // namespace
+
 RecordFieldTexts EditRecordInterval(core::AppState& state, std::u16string_view text) {
   core::LogSettings& log = state.Log;
-  uint32_t value = core::LeadingDecimal(text);
   RecordFieldTexts rewrite;
-  if (value < 1) {
-    rewrite.Interval = core::DecimalText(log.RecordInterval);
-    return rewrite;
-  }
-  if (value > kRecordIntervalMaximum) {
-    value = kRecordIntervalMaximum;
-    rewrite.Interval = core::DecimalText(value);
-  }
-  log.RecordInterval = static_cast<int32_t>(value);
+  std::optional<int32_t> value =
+      TakeField(text, log.RecordInterval, kRecordIntervalMaximum, rewrite.Interval);
+  if (!value) return rewrite;
+  log.RecordInterval = *value;
   if (log.RecordDuration > log.RecordInterval) {
     log.RecordDuration = log.RecordInterval;
     rewrite.Duration = core::DecimalText(log.RecordDuration);
@@ -129,17 +145,11 @@ RecordFieldTexts EditRecordInterval(core::AppState& state, std::u16string_view t
 
 RecordFieldTexts EditRecordDuration(core::AppState& state, std::u16string_view text) {
   core::LogSettings& log = state.Log;
-  uint32_t value = core::LeadingDecimal(text);
   RecordFieldTexts rewrite;
-  if (value < 1) {
-    rewrite.Duration = core::DecimalText(log.RecordDuration);
-    return rewrite;
-  }
-  if (value > static_cast<uint32_t>(log.RecordInterval)) {
-    value = static_cast<uint32_t>(log.RecordInterval);
-    rewrite.Duration = core::DecimalText(log.RecordInterval);
-  }
-  log.RecordDuration = static_cast<int32_t>(value);
+  std::optional<int32_t> value =
+      TakeField(text, log.RecordDuration, static_cast<uint32_t>(log.RecordInterval), rewrite.Duration);
+  if (!value) return rewrite;
+  log.RecordDuration = *value;
   core::PublishSettings(state);
   return rewrite;
 }

@@ -114,34 +114,29 @@ int TransmitFile(core::AppState& state, const core::TxSettings& settings, const 
     return kFileError;
   }
 
+  // Reads one piece (unless the whole file is in memory), writes it and waits for it to leave.
   const uint8_t* chunk = buffer.Data();
-  int result = 0;
-  for (uint32_t i = 0; i < plan.ChunkCount; ++i) {
-    if (!StillSending(state)) break;
-    platform::SysResult read =
-        whole ? platform::SysResult{} : ReadExactly(file.get(), buffer.Data(), plan.ChunkSize);
-    if (!read) {
-      core::FreeBuffer(state, buffer);
-      core::ShowStatusError(state, u"Error reading file. ", read);
-      return kFileError;
+  auto sendPiece = [&](uint32_t bytes, std::u16string_view readError) {
+    if (!whole) {
+      if (platform::SysResult read = ReadExactly(file.get(), buffer.Data(), bytes); !read) {
+        core::ShowStatusError(state, readError, read);
+        return kFileError;
+      }
     }
-    result = WriteToPort(state, chunk, plan.ChunkSize);
+    int written = WriteToPort(state, chunk, bytes);
+    if (written == 0) WaitForTheLine(state, bytes);
+    if (whole) chunk += bytes;
+    return written;
+  };
+  int result = 0;
+  for (uint32_t i = 0; i < plan.ChunkCount && result == 0 && StillSending(state); ++i) {
+    result = sendPiece(plan.ChunkSize, u"Error reading file. ");
     if (result != 0) break;
-    WaitForTheLine(state, plan.ChunkSize);
-    if (whole) chunk += plan.ChunkSize;
     ShowProgress(state, FileProgressPercent(i, plan.ChunkCount));
     platform::SleepMs(50);
   }
   if (plan.TailSent && result == 0 && StillSending(state)) {
-    platform::SysResult read =
-        whole ? platform::SysResult{} : ReadExactly(file.get(), buffer.Data(), plan.TailBytes);
-    if (!read) {
-      core::FreeBuffer(state, buffer);
-      core::ShowStatusError(state, u"Error reading last bytes in file. ", read);
-      return kFileError;
-    }
-    result = WriteToPort(state, chunk, plan.TailBytes);
-    if (result == 0) WaitForTheLine(state, plan.TailBytes);
+    result = sendPiece(plan.TailBytes, u"Error reading last bytes in file. ");
     if (result == 0) {
       ShowProgress(state, 100);
       platform::SleepMs(100);

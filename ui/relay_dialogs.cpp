@@ -104,64 +104,69 @@ void IpRelayDialog::done(int result) {
   QDialog::done(result);
 }
 
+namespace {
+
+// One half of the Relay page: its caption, then the button that opens its
+// settings beside its "Enable" box.
+RelayPage::Half AddHalf(QVBoxLayout* layout, const QString& caption, const QString& buttonText,
+                        const QString& name, bool enabled, QWidget* page) {
+  RelayPage::Half half;
+  half.Label = Caption(caption, page);
+  layout->addWidget(half.Label);
+  auto* row = new QHBoxLayout;
+  half.Button = new QPushButton(buttonText, page);
+  half.Button->setObjectName(name + QStringLiteral("Button"));
+  half.Enable = new QCheckBox(QStringLiteral("Enable"), page);
+  half.Enable->setObjectName(name + QStringLiteral("RelayEnable"));
+  half.Enable->setChecked(enabled);
+  row->addWidget(half.Button);
+  row->addWidget(half.Enable);
+  layout->addLayout(row);
+  return half;
+}
+
+// Opens a relay's settings dialog over the page, in the page's font.
+template <typename Dialog>
+void OpenSettings(core::AppState& state, QWidget* page) {
+  Dialog dialog(state, page);
+  dialog.setFont(page->font());
+  dialog.exec();
+}
+
+}  // namespace
+
 RelayPage::RelayPage(core::AppState& state, QWidget* parent)
     : QWidget(parent), state_(state), openedWindowRelay_(state.WindowRelayEnabled) {
   auto* layout = new QVBoxLayout(this);
-  windowLabel_ = Caption(QStringLiteral("Relay incoming data to another program's:"), this);
-  layout->addWidget(windowLabel_);
-  auto* windowRow = new QHBoxLayout;
-  window_ = new QPushButton(QStringLiteral("window"), this);
-  window_->setObjectName(QStringLiteral("windowButton"));
-  windowEnable_ = new QCheckBox(QStringLiteral("Enable"), this);
-  windowEnable_->setObjectName(QStringLiteral("windowRelayEnable"));
-  windowEnable_->setChecked(state.WindowRelayEnabled == 1);
-  windowRow->addWidget(window_);
-  windowRow->addWidget(windowEnable_);
-  layout->addLayout(windowRow);
-
-  networkLabel_ = Caption(QStringLiteral("Relay incoming data to a network server through:"), this);
-  layout->addWidget(networkLabel_);
-  auto* networkRow = new QHBoxLayout;
-  tcpIp_ = new QPushButton(QStringLiteral("tcp/ip"), this);
-  tcpIp_->setObjectName(QStringLiteral("tcpIpButton"));
-  networkEnable_ = new QCheckBox(QStringLiteral("Enable"), this);
-  networkEnable_->setObjectName(QStringLiteral("networkRelayEnable"));
-  networkEnable_->setChecked(state.Data.EnableTCPIPrelay == 1);
-  networkRow->addWidget(tcpIp_);
-  networkRow->addWidget(networkEnable_);
-  layout->addLayout(networkRow);
+  window_ = AddHalf(layout, QStringLiteral("Relay incoming data to another program's:"),
+                    QStringLiteral("window"), QStringLiteral("window"), state.WindowRelayEnabled == 1, this);
+  network_ =
+      AddHalf(layout, QStringLiteral("Relay incoming data to a network server through:"),
+              QStringLiteral("tcp/ip"), QStringLiteral("network"), state.Data.EnableTCPIPrelay == 1, this);
   layout->addStretch(1);
 
-  connect(networkEnable_, &QCheckBox::clicked, this, [this] {
-    state_.Data.EnableTCPIPrelay = networkEnable_->isChecked() ? 1 : 0;
+  connect(network_.Enable, &QCheckBox::clicked, this, [this] {
+    state_.Data.EnableTCPIPrelay = network_.Enable->isChecked() ? 1 : 0;
     FollowEnableBox();
   });
-  connect(windowEnable_, &QCheckBox::clicked, this, [this] {
-    state_.WindowRelayEnabled = windowEnable_->isChecked() ? 1 : 0;
+  connect(window_.Enable, &QCheckBox::clicked, this, [this] {
+    state_.WindowRelayEnabled = window_.Enable->isChecked() ? 1 : 0;
     FollowEnableBox();
   });
-  connect(window_, &QPushButton::clicked, this, [this] {
-    WindowRelayDialog page(state_, this);
-    page.setFont(font());
-    page.exec();
-  });
-  connect(tcpIp_, &QPushButton::clicked, this, [this] {
-    IpRelayDialog page(state_, this);
-    page.setFont(font());
-    page.exec();
-  });
+  connect(window_.Button, &QPushButton::clicked, this,
+          [this] { OpenSettings<WindowRelayDialog>(state_, this); });
+  connect(network_.Button, &QPushButton::clicked, this,
+          [this] { OpenSettings<IpRelayDialog>(state_, this); });
   FollowEnableBox();
 }
 
 void RelayPage::FollowEnableBox() {
-  relay::RelayPageControls network = relay::RelayControls(networkEnable_->isChecked(), state_.RelayActive);
-  networkEnable_->setEnabled(network.EnableBox);
-  networkLabel_->setEnabled(network.Label);
-  tcpIp_->setEnabled(network.Button);
-  relay::RelayPageControls window = relay::RelayControls(windowEnable_->isChecked(), state_.RelayActive);
-  windowEnable_->setEnabled(window.EnableBox);
-  windowLabel_->setEnabled(window.Label);
-  window_->setEnabled(window.Button);
+  for (const Half* half : {&network_, &window_}) {
+    relay::RelayPageControls controls = relay::RelayControls(half->Enable->isChecked(), state_.RelayActive);
+    half->Enable->setEnabled(controls.EnableBox);
+    half->Label->setEnabled(controls.Label);
+    half->Button->setEnabled(controls.Button);
+  }
 }
 
 void RelayPage::Revert() {

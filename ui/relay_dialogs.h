@@ -53,12 +53,19 @@ class RelayPage : public QWidget {
   Q_OBJECT
 
  public:
+  // One relay's caption, settings button and "Enable" box.
+  struct Half {
+    QLabel* Label = nullptr;
+    QPushButton* Button = nullptr;
+    QCheckBox* Enable = nullptr;
+  };
+
   explicit RelayPage(core::AppState& state, QWidget* parent = nullptr);
 
-  [[nodiscard]] QCheckBox* WindowEnableBox() const { return windowEnable_; }
-  [[nodiscard]] QPushButton* WindowButton() const { return window_; }
-  [[nodiscard]] QCheckBox* NetworkEnableBox() const { return networkEnable_; }
-  [[nodiscard]] QPushButton* TcpIpButton() const { return tcpIp_; }
+  [[nodiscard]] QCheckBox* WindowEnableBox() const { return window_.Enable; }
+  [[nodiscard]] QPushButton* WindowButton() const { return window_.Button; }
+  [[nodiscard]] QCheckBox* NetworkEnableBox() const { return network_.Enable; }
+  [[nodiscard]] QPushButton* TcpIpButton() const { return network_.Button; }
   // Puts back the window relay's switch as it was when the page opened.
   void Revert();
 
@@ -67,12 +74,8 @@ class RelayPage : public QWidget {
 
   core::AppState& state_;
   int32_t openedWindowRelay_ = 0;
-  QCheckBox* windowEnable_ = nullptr;
-  QLabel* windowLabel_ = nullptr;
-  QPushButton* window_ = nullptr;
-  QCheckBox* networkEnable_ = nullptr;
-  QLabel* networkLabel_ = nullptr;
-  QPushButton* tcpIp_ = nullptr;
+  Half window_;
+  Half network_;
 };
 
 // The Relay page on its own, with OK and Cancel: Cancel puts back the relay

@@ -9,12 +9,10 @@
 // in the file).
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <termios.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -50,59 +48,35 @@ struct Run {
   size_t lost = 0;
 };
 
-// Waits until the program says RECORD is on, so that the line is in raw mode
-// and the log open before the first byte is written.
-bool WaitForRecording(int errFd) {
-  std::string text;
-  auto deadline = Clock::now() + std::chrono::seconds(20);
-  while (text.find("RECORD all data, activated.") == std::string::npos && Clock::now() < deadline) {
-    pollfd pfd{errFd, POLLIN, 0};
-    char buffer[4096];
-    if (poll(&pfd, 1, 50) <= 0) continue;
-    ssize_t n = read(errFd, buffer, sizeof buffer);
-    if (n <= 0) return false;
-    text.append(buffer, static_cast<size_t>(n));
-  }
-  return text.find("RECORD all data, activated.") != std::string::npos;
-}
-
 Run Measure(bool cli, const std::string& data) {
   wavetrace::platform::PtyPair line;
-  std::string home = (std::filesystem::temp_directory_path() / "wavetrace-bench-XXXXXX").string();
-  if (!mkdtemp(home.data())) return {0, 0, 0, data.size()};
+  const std::string home = wavetrace::bench::RawConfigHome();
+  if (home.empty()) return {0, 0, 0, data.size()};
   const std::string config = home + "/raw.cfg.txt";
   const std::string logPath = home + "/run.log.txt";
-  std::ofstream(config, std::ios::binary)
-      << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nmodeASCII=0\r\nmodeBINARY=0\r\n"
-      << std::string(64, ';') << "\r\n";
   int err[2];
   if (pipe2(err, O_CLOEXEC) != 0) return {0, 0, 0, data.size()};
   pid_t pid = fork();
   if (pid == 0) {
     dup2(err[1], 2);
-    if (cli) {
-      int null = open("/dev/null", O_WRONLY);
-      dup2(null, 1);
-      setenv("WAVETRACE_HOME", home.c_str(), 1);
-      execl(WAVETRACE_CLI_PATH, "wavetrace-cli", "--port", line.SlavePath().c_str(), "--config",
-            config.c_str(), "--record", logPath.c_str(), "--never-drop", static_cast<char*>(nullptr));
-    } else {
-      int slave = open(line.SlavePath().c_str(), O_RDONLY | O_NOCTTY);
-      termios tio{};
-      tcgetattr(slave, &tio);
-      cfmakeraw(&tio);
-      tcsetattr(slave, TCSANOW, &tio);
-      dup2(slave, 0);
+    if (!cli) {
       int file = open(logPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
       dup2(file, 1);
-      execlp("cat", "cat", static_cast<char*>(nullptr));
+      wavetrace::bench::ExecCatOfRawLine(line.SlavePath());
     }
+    int null = open("/dev/null", O_WRONLY);
+    dup2(null, 1);
+    setenv("WAVETRACE_HOME", home.c_str(), 1);
+    execl(WAVETRACE_CLI_PATH, "wavetrace-cli", "--port", line.SlavePath().c_str(), "--config", config.c_str(),
+          "--record", logPath.c_str(), "--never-drop", static_cast<char*>(nullptr));
     _exit(127);
   }
   close(err[1]);
+  // Waits until RECORD is on, so that the line is in raw mode and the log open
+  // before the first byte is written.
   bool ready = true;
   if (cli) {
-    ready = WaitForRecording(err[0]);
+    ready = wavetrace::bench::WaitForText(err[0], "RECORD all data, activated.");
   } else {
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
   }
@@ -166,11 +140,8 @@ void BM_PtyToLogFile(benchmark::State& state, bool cli) {
       sustained > 0 ? static_cast<double>(data.size() - kCacheBytes) * runs / sustained / (1 << 20) : 0;
 }
 
-BENCHMARK_CAPTURE(BM_PtyToLogFile, cat, false)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(BM_PtyToLogFile, wavetrace_cli_never_drop, true)
-    ->UseManualTime()
-    ->Iterations(3)
-    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_PtyToLogFile, cat, false)->Apply(wavetrace::bench::ThreeTimedRuns);
+BENCHMARK_CAPTURE(BM_PtyToLogFile, wavetrace_cli_never_drop, true)->Apply(wavetrace::bench::ThreeTimedRuns);
 
 }  // namespace
 

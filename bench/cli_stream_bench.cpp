@@ -8,12 +8,10 @@
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/wait.h>
-#include <termios.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -37,11 +35,8 @@ struct Run {
 // fast as it takes them and times until the last one is out of the reader.
 Run Measure(bool cli, const std::string& data) {
   wavetrace::platform::PtyPair line;
-  std::string home = (std::filesystem::temp_directory_path() / "wavetrace-bench-XXXXXX").string();
-  if (!mkdtemp(home.data())) return {0, data.size()};
-  std::ofstream(home + "/raw.cfg.txt", std::ios::binary)
-      << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nmodeASCII=0\r\nmodeBINARY=0\r\n"
-      << std::string(64, ';') << "\r\n";
+  const std::string home = wavetrace::bench::RawConfigHome();
+  if (home.empty()) return {0, data.size()};
   int out[2];
   int err[2];
   if (pipe2(out, O_CLOEXEC) != 0 || pipe2(err, O_CLOEXEC) != 0) return {0, data.size()};
@@ -49,36 +44,18 @@ Run Measure(bool cli, const std::string& data) {
   if (pid == 0) {
     dup2(out[1], 1);
     dup2(err[1], 2);
-    if (cli) {
-      setenv("WAVETRACE_HOME", home.c_str(), 1);
-      std::string config = home + "/raw.cfg.txt";
-      execl(WAVETRACE_CLI_PATH, "wavetrace-cli", "--port", line.SlavePath().c_str(), "--config",
-            config.c_str(), static_cast<char*>(nullptr));
-    } else {
-      int slave = open(line.SlavePath().c_str(), O_RDONLY | O_NOCTTY);
-      termios tio{};
-      tcgetattr(slave, &tio);
-      cfmakeraw(&tio);
-      tcsetattr(slave, TCSANOW, &tio);
-      dup2(slave, 0);
-      execlp("cat", "cat", static_cast<char*>(nullptr));
-    }
+    if (!cli) wavetrace::bench::ExecCatOfRawLine(line.SlavePath());
+    setenv("WAVETRACE_HOME", home.c_str(), 1);
+    std::string config = home + "/raw.cfg.txt";
+    execl(WAVETRACE_CLI_PATH, "wavetrace-cli", "--port", line.SlavePath().c_str(), "--config", config.c_str(),
+          static_cast<char*>(nullptr));
     _exit(127);
   }
   close(out[1]);
   close(err[1]);
-  std::string errText;
   if (cli) {
     // Bytes that come before the port is in raw mode would be cooked.
-    auto deadline = Clock::now() + std::chrono::seconds(20);
-    while (errText.find("Port opened!") == std::string::npos && Clock::now() < deadline) {
-      pollfd pfd{err[0], POLLIN, 0};
-      char buffer[4096];
-      if (poll(&pfd, 1, 50) > 0) {
-        ssize_t n = read(err[0], buffer, sizeof buffer);
-        if (n > 0) errText.append(buffer, static_cast<size_t>(n));
-      }
-    }
+    wavetrace::bench::WaitForText(err[0], "Port opened!");
   } else {
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
   }
@@ -122,11 +99,8 @@ void BM_PtyToStdout(benchmark::State& state, bool cli) {
   state.counters["lost_bytes"] = static_cast<double>(lost);
 }
 
-BENCHMARK_CAPTURE(BM_PtyToStdout, cat, false)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(BM_PtyToStdout, wavetrace_cli, true)
-    ->UseManualTime()
-    ->Iterations(3)
-    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_PtyToStdout, cat, false)->Apply(wavetrace::bench::ThreeTimedRuns);
+BENCHMARK_CAPTURE(BM_PtyToStdout, wavetrace_cli, true)->Apply(wavetrace::bench::ThreeTimedRuns);
 
 }  // namespace
 

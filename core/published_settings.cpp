@@ -8,17 +8,20 @@ namespace wavetrace::core {
 
 namespace {
 
-TimeStampFormat TimeStampFormatOf(const LogSettings& log) {
-  return {log.DateFormat, log.TimeFormat, log.Delimiter[0]};
+// A record cut from the settings block that holds its fields, with the time
+// stamp's format, which comes from the log settings wherever it is used.
+template <typename Record, typename Fields>
+Record StampedRecord(const Fields& fields, const LogSettings& log) {
+  Record record;
+  static_cast<Fields&>(record) = fields;
+  record.Stamp = {log.DateFormat, log.TimeFormat, log.Delimiter[0]};
+  return record;
 }
 
 }  // namespace
 
 RxSettings RxSettingsOf(const AppState& state) {
-  RxSettings rx;
-  static_cast<ReceiveViewSettings&>(rx) = state.Data;
-  rx.Stamp = TimeStampFormatOf(state.Log);
-  return rx;
+  return StampedRecord<RxSettings, ReceiveViewSettings>(state.Data, state.Log);
 }
 
 TxSettings TxSettingsOf(const AppState& state) {
@@ -30,10 +33,7 @@ TxSettings TxSettingsOf(const AppState& state) {
 }
 
 LogRecordSettings LogRecordSettingsOf(const AppState& state) {
-  LogRecordSettings record;
-  static_cast<LogRecordFields&>(record) = state.Log;
-  record.Stamp = TimeStampFormatOf(state.Log);
-  return record;
+  return StampedRecord<LogRecordSettings, LogRecordFields>(state.Log, state.Log);
 }
 
 WindowRelaySettings WindowRelaySettingsOf(const AppState& state) {

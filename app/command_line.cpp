@@ -124,6 +124,20 @@ std::string SetScanInterval(core::CommandLineSwitches& sw, const std::string& va
   return {};
 }
 
+// Options that only switch something on.
+using Switches = core::CommandLineSwitches;
+constexpr std::pair<std::string_view, int32_t Switches::*> kSwitchOptions[] = {
+    {"--log-timestamp", &Switches::LogTimestamp},
+    {"--log-tx", &Switches::LogTransmit},
+    {"--log-overwrite", &Switches::LogOverwrite},
+    {"--never-drop", &Switches::NeverDrop},
+    {"--reconnect", &Switches::Reconnect},
+    {"--line-status", &Switches::LineStatus},
+    {"--send-break", &Switches::SendBreak},
+    {"--exit-after-script", &Switches::ExitAfterScript},
+    {"--scan", &Switches::Scan},
+};
+
 }  // namespace
 
 CommandLine ParseCommandLine(const std::vector<std::string>& args) {
@@ -136,10 +150,22 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args) {
     }
     sw.ScriptPath = core::Utf8ToWide(path);
   };
-  for (size_t i = 0; i < args.size() && result.Error.empty(); ++i) {
+  size_t i = 0;
+  // The argument after an option that takes a value; null, with the error
+  // set, when there is none.
+  auto valueOf = [&](const std::string& needs) -> const std::string* {
+    if (i + 1 < args.size()) return &args[++i];
+    result.Error = "option " + args[i] + " needs " + needs;
+    return nullptr;
+  };
+  for (; i < args.size() && result.Error.empty(); ++i) {
     const std::string& arg = args[i];
     std::string upper = Upper(arg);
-    if (StartsWithNoCase(arg, "/SCRIPT::")) {
+    auto switchOption = std::find_if(std::begin(kSwitchOptions), std::end(kSwitchOptions),
+                                     [&](const auto& option) { return option.first == arg; });
+    if (switchOption != std::end(kSwitchOptions)) {
+      sw.*(switchOption->second) = 1;
+    } else if (StartsWithNoCase(arg, "/SCRIPT::")) {
       setScript(arg.substr(9), "/SCRIPT::");
     } else if (upper == "/Q" || arg == "--quiet" || arg == "-q") {
       sw.Quiet = 1;
@@ -148,27 +174,15 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args) {
     } else if (upper == "/DEBUGON" || arg == "--debug") {
       sw.Debug = 1;
     } else if (arg == "--script") {
-      if (i + 1 >= args.size()) {
-        result.Error = "option --script needs a script file";
-      } else {
-        setScript(args[++i], "--script");
-      }
+      if (const std::string* path = valueOf("a script file")) setScript(*path, "--script");
     } else if (arg.rfind("--script=", 0) == 0) {
       setScript(arg.substr(9), "--script");
     } else if (arg == "--config") {
-      if (i + 1 >= args.size()) {
-        result.Error = "option --config needs a configuration file";
-      } else {
-        sw.ConfigPath = core::Utf8ToWide(args[++i]);
-      }
+      if (const std::string* path = valueOf("a configuration file")) sw.ConfigPath = core::Utf8ToWide(*path);
     } else if (arg.rfind("--config=", 0) == 0 && arg.size() > 9) {
       sw.ConfigPath = core::Utf8ToWide(arg.substr(9));
     } else if (arg == "--send") {
-      if (i + 1 >= args.size()) {
-        result.Error = "option --send needs a text";
-      } else {
-        sw.SendText = core::Utf8ToWide(args[++i]);
-      }
+      if (const std::string* text = valueOf("a text")) sw.SendText = core::Utf8ToWide(*text);
     } else if (arg == "--sim-setting") {
       platform::LineSettings line;
       if (i + 1 >= args.size() || !platform::ParseLineSetting(args[i + 1], line)) {
@@ -177,11 +191,8 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args) {
         sw.SimSetting = args[++i];
       }
     } else if (arg == "--relay") {
-      if (i + 1 >= args.size()) {
-        result.Error = "option --relay needs tcp://HOST:PORT or udp://HOST:PORT";
-      } else {
-        result.Error = SetRelayOption(sw, args[++i]);
-      }
+      if (const std::string* url = valueOf("tcp://HOST:PORT or udp://HOST:PORT"))
+        result.Error = SetRelayOption(sw, *url);
     } else if (arg == "--relay-window") {
       if (i + 1 >= args.size() || args[i + 1].empty()) {
         result.Error = "option --relay-window needs (part of) a window title";
@@ -197,31 +208,9 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args) {
       } else if (i + 1 < args.size() && !IsOption(args[i + 1])) {
         sw.RecordPath = core::Utf8ToWide(args[++i]);
       }
-    } else if (arg == "--log-timestamp") {
-      sw.LogTimestamp = 1;
-    } else if (arg == "--log-tx") {
-      sw.LogTransmit = 1;
-    } else if (arg == "--log-overwrite") {
-      sw.LogOverwrite = 1;
-    } else if (arg == "--never-drop") {
-      sw.NeverDrop = 1;
-    } else if (arg == "--reconnect") {
-      sw.Reconnect = 1;
-    } else if (arg == "--line-status") {
-      sw.LineStatus = 1;
-    } else if (arg == "--send-break") {
-      sw.SendBreak = 1;
-    } else if (arg == "--exit-after-script") {
-      sw.ExitAfterScript = 1;
-    } else if (arg == "--scan") {
-      sw.Scan = 1;
     } else if (arg == "--scan-rotate" || arg == "--scan-interval") {
-      if (i + 1 >= args.size()) {
-        result.Error = "option " + arg + " needs a value";
-      } else {
-        result.Error =
-            arg == "--scan-rotate" ? SetScanRotation(sw, args[++i]) : SetScanInterval(sw, args[++i]);
-      }
+      if (const std::string* value = valueOf("a value"))
+        result.Error = arg == "--scan-rotate" ? SetScanRotation(sw, *value) : SetScanInterval(sw, *value);
     } else if (arg == "--raw") {
       result.Encoding = TextEncoding::kRaw;
     } else if (arg == "--utf8") {
@@ -239,11 +228,7 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args) {
     } else if (arg == "--list-ports") {
       result.ListPorts = true;
     } else if (IsLineOption(arg)) {
-      if (i + 1 >= args.size()) {
-        result.Error = "option " + arg + " needs a value";
-      } else {
-        result.Error = SetLineOption(sw, arg, args[++i]);
-      }
+      if (const std::string* value = valueOf("a value")) result.Error = SetLineOption(sw, arg, *value);
     } else if (arg == "--help" || arg == "-h") {
       result.ShowHelp = true;
     } else if (arg == "--version") {

@@ -33,7 +33,7 @@ namespace {
 
 using namespace core::cmd;
 
-// Every byte value twice and a few line ends: each stage changes it visibly.
+// A few line ends and every byte value twice: each stage changes them visibly.
 std::string BlockBytes() {
   std::string bytes = "abc\nb\rab";
   for (int value = 0; value < 512; ++value) bytes += static_cast<char>(value);

@@ -10,7 +10,7 @@
 
 #include "core/allocation.h"
 #include "core/app_state.h"
-#include "rx/bracket_escapes.h"
+#include "core/escape_parser.h"
 #include "rx/byte_search.h"
 #include "rx/line_end_swap.h"
 #include "rx/nonprintable_filter.h"
@@ -21,6 +21,7 @@
 #include "rx/search_replace.h"
 #include "rx/time_stamp.h"
 #include "rx/time_stamp_token.h"
+#include "serial/tx_thread.h"
 
 namespace wavetrace::rx {
 namespace {
@@ -161,16 +162,17 @@ TEST(ParseBracketEscapesTest, TheTextEndsAtItsTerminatorOrTheBuffer) {
   EXPECT_EQ(std::string(unterminated.begin(), unterminated.end()), std::string("xA\0\0\0", 5));
 }
 
-TEST(ParseBracketEscapesTest, RadixZeroFollowsTheView) {
+// The text to send has its escapes read in the view's radix; a radix the menu
+// does not offer (7, 0) reads them as hex.
+TEST(ParseBracketEscapesTest, TextToSendFollowsTheViewsRadix) {
   core::AppState state;
-  // A radix the menu does not offer (7, 0) is read as hex.
   const std::pair<int32_t, std::string> cases[] = {{16, "[41]"},      {10, "[065]"}, {8, "[101]"},
                                                    {2, "[01000001]"}, {7, "[41]"},   {0, "[41]"}};
   for (const auto& [base, escape] : cases) {
     state.Data.Base = base;
-    std::string text = escape;
-    EXPECT_EQ(ParseBracketEscapes(state, text, 0), 1) << base;
-    EXPECT_EQ(text, "A") << base;
+    core::DataBlock block = MakeBlock(state, escape);
+    EXPECT_EQ(serial::PrepareTxData(state, core::TxSettingsOf(state), block, block.Length), 1u) << base;
+    EXPECT_EQ(block.Buffer.Data()[0], 'A') << base;
   }
 }
 

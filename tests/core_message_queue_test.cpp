@@ -26,6 +26,8 @@ class MessageQueueTest : public ::testing::Test {
   std::vector<uint32_t> codes;
 };
 
+// A worker's call run on the main thread:
+// ReportingTest.WorkerBoxShownByTheMainThreadWhileTheMainThreadAllocates.
 TEST_F(MessageQueueTest, SendRunsOnTheMainThreadAndAWorkerWaits) {
   EXPECT_EQ(queue.Send(MakeMessage(kWmCommand, 21)), 42);  // on the main thread: at once
   auto result = std::async(std::launch::async, [this] { return queue.Send(MakeMessage(kWmRxActive, 5)); });
@@ -34,11 +36,6 @@ TEST_F(MessageQueueTest, SendRunsOnTheMainThreadAndAWorkerWaits) {
   while (result.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready) queue.DispatchPending();
   EXPECT_EQ(result.get(), 10);
   EXPECT_EQ(handledOn, std::vector<std::thread::id>(2, std::this_thread::get_id()));
-  auto onMain = std::async(std::launch::async, [this] {
-    return queue.RunOnMainThread([this] { return int64_t{queue.OnMainThread() ? 1 : 0}; });
-  });
-  while (onMain.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready) queue.DispatchPending();
-  EXPECT_EQ(onMain.get(), 1);
 }
 
 TEST_F(MessageQueueTest, PostedMessagesKeepTheirOrderAndQuitEndsTheLoop) {
@@ -81,7 +78,6 @@ TEST_F(MessageQueueTest, TimersFireRepeatedlyUntilKilled) {
     if (m.Code == kWmTimer && m.WParam == kKeepAliveTimerId && ++ticks == 3) queue.PostQuit(0);
     return int64_t{0};
   });
-  EXPECT_EQ(queue.NextTimerDelayMs(), -1);
   queue.SetTimer(kKeepAliveTimerId, 5);
   EXPECT_GE(queue.NextTimerDelayMs(), 0);
   EXPECT_LE(queue.NextTimerDelayMs(), 5);

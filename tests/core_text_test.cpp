@@ -10,17 +10,12 @@ using namespace std::string_literals;
 TEST(CodePage, EveryByteSurvivesTheRoundTripAndCharactersOutsideBecomeQuestionMarks) {
   std::string all;
   for (int b = 0; b < 256; ++b) all += static_cast<char>(b);
-  std::u16string wide = BytesToWide(all);
-  ASSERT_EQ(wide.size(), 256u);
-  EXPECT_EQ(WideToBytes(wide), all);
+  // Every byte comes back, so distinct bytes give distinct characters.
+  EXPECT_EQ(WideToBytes(BytesToWide(all)), all);
   // Known characters; the round trip gives the way back.
   const char16_t known[] = {0, u'A', 0x20AC, 0x81, 0x8D, 0x8F, 0x90, 0x9D, 0x0178, 0xA0, 0xE9, 0xFF};
   EXPECT_EQ(BytesToWide("\x00\x41\x80\x81\x8D\x8F\x90\x9D\x9F\xA0\xE9\xFF"s), std::u16string(known, 12));
-  // Distinct bytes give distinct characters: the mapping is a bijection.
-  std::sort(wide.begin(), wide.end());
-  EXPECT_EQ(std::adjacent_find(wide.begin(), wide.end()), wide.end());
-  EXPECT_EQ(WideToByte(0x0100), -1);
-  EXPECT_EQ(WideToBytes(u"a\u4e2db\u20ac"), std::string("a?b\x80"));
+  EXPECT_EQ(WideToBytes(u"a\u4e2db\u0100\u20ac"), std::string("a?b?\x80"));
 }
 
 TEST(Utf8, RoundTripsIncludingSurrogatePairs) {
@@ -29,9 +24,7 @@ TEST(Utf8, RoundTripsIncludingSurrogatePairs) {
   EXPECT_EQ(WideToUtf8(u"\u00e9"), "\xC3\xA9");
   // Broken sequences become replacement characters instead of being lost.
   EXPECT_EQ(Utf8ToWide("a\xC3"), u"a\uFFFD");
-  EXPECT_EQ(Utf8ToWide("\xFF"
-                       "b"),
-            u"\uFFFDb");
+  EXPECT_EQ(Utf8ToWide("\xFF"s + "b"), u"\uFFFDb");
 }
 
 }  // namespace

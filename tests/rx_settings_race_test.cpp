@@ -33,37 +33,29 @@ namespace {
 
 using namespace core::cmd;
 
-// Every byte value twice and a few line ends: each stage changes it visibly.
+// A few line ends and every byte value twice: each stage changes them visibly.
 std::string BlockBytes() {
-  std::string bytes;
-  for (int round = 0; round < 2; ++round) {
-    for (int value = 0; value < 256; ++value) bytes += static_cast<char>(value);
-    bytes += "abc\nb\rab";
-  }
+  std::string bytes = "abc\nb\rab";
+  for (int value = 0; value < 512; ++value) bytes += static_cast<char>(value);
   return bytes;
 }
 
-std::string RunReceive(core::AppState& state, const std::string& bytes) {
-  core::DataBlock block;
-  if (core::AllocCharBuffer(state, block.Buffer, static_cast<int64_t>(bytes.size())) != 0) return {};
-  std::copy(bytes.begin(), bytes.end(), block.Buffer.Data());
-  block.Length = static_cast<uint32_t>(bytes.size());
-  // As the receive thread does: one settings record for the whole block.
-  const auto settings = state.PublishedRx.Load();
-  rx::ProcessReceivedData(state, *settings, block);
-  std::string out(block.Buffer.Data(), block.Buffer.Data() + block.Length);
-  rx::DispatchReceivedData(state, *settings, block.Buffer.Data(), block.Length);
-  core::FreeBuffer(state, block.Buffer);
-  return out;
-}
-
-std::string RunTransmit(core::AppState& state, const std::string& text) {
+// What a block of the text becomes under the published settings: received
+// (the pipeline, then the dispatcher, under one settings record for the whole
+// block, as the receive thread does) or prepared for sending.
+std::string Outcome(core::AppState& state, const std::string& text, bool receive) {
   core::DataBlock block;
   if (core::AllocCharBuffer(state, block.Buffer, static_cast<int64_t>(text.size()) + 4) != 0) return {};
   std::copy(text.begin(), text.end(), block.Buffer.Data());
-  const uint32_t count =
-      serial::PrepareTxData(state, *state.PublishedTx.Load(), block, static_cast<uint32_t>(text.size()));
-  std::string out(block.Buffer.Data(), block.Buffer.Data() + count);
+  block.Length = static_cast<uint32_t>(text.size());
+  if (receive) {
+    const auto settings = state.PublishedRx.Load();
+    rx::ProcessReceivedData(state, *settings, block);
+    rx::DispatchReceivedData(state, *settings, block.Buffer.Data(), block.Length);
+  } else {
+    block.Length = serial::PrepareTxData(state, *state.PublishedTx.Load(), block, block.Length);
+  }
+  std::string out(block.Buffer.Data(), block.Buffer.Data() + block.Length);
   core::FreeBuffer(state, block.Buffer);
   return out;
 }
@@ -72,12 +64,8 @@ void Command(core::AppState& state, int command) {
   app::MainWindowProc(state, core::MakeMessage(core::kWmCommand, command));
 }
 
-// The receive options sheet with every page ready: a check box, or Apply
-// with the postamble field and rule 1 on show. Each publishes once.
-void Switch(app::ReceiveOptionsSheet& sheet, app::RxSwitch which, bool ticked) {
-  sheet.StoreSwitch(which, ticked);
-}
-
+// The receive options sheet with every page ready: Apply with the postamble
+// field and rule 1 on show (a check box stores at once). Each publishes once.
 void ApplySheet(core::AppState& state, app::ReceiveOptionsSheet& sheet, std::u16string postamble,
                 std::u16string search, std::u16string replace) {
   state.Data.SnRCurrentRule = 1;
@@ -105,28 +93,28 @@ TEST(SettingsHandOverTest, EveryChangePublishesAndBlocksSeeOneWholeSetting) {
   Command(state, kBinaryButton);
   Command(state, kBinary);
   for (RxSwitch which : {RxSwitch::kFilterNP, RxSwitch::kNonChars, RxSwitch::kBinBrackets})
-    Switch(sheet, which, true);
+    sheet.StoreSwitch(which, true);
   ApplySheet(state, sheet, u"<[0D]>", u"b", u"[41]Z");
   ApplyTransmitPage(state, u"[0D][0A]");
   ASSERT_EQ(config::ConfigSave(state, configPath), 0);
 
   const std::vector<std::function<void()>> steps = {
       [&] { Command(state, kAsciiButton); },
-      [&] { Switch(sheet, RxSwitch::kFilterNP, false); },
-      [&] { Switch(sheet, RxSwitch::kNonChars, false); },
+      [&] { sheet.StoreSwitch(RxSwitch::kFilterNP, false); },
+      [&] { sheet.StoreSwitch(RxSwitch::kNonChars, false); },
       [&] { ApplySheet(state, sheet, u"", u"", u""); },
       [&] { ApplyTransmitPage(state, u""); },
       [&] { Command(state, kHex); },
       [&] { Command(state, kBinaryButton); },
       [&] { Command(state, kDecimal); },
       [&] { ApplySheet(state, sheet, u"", u"ab", u"QQQ"); },
-      [&] { Switch(sheet, RxSwitch::kFilterNP, true); },
+      [&] { sheet.StoreSwitch(RxSwitch::kFilterNP, true); },
       [&] { ApplySheet(state, sheet, u"[0A]", u"ab", u"QQQ"); },
       [&] { Command(state, kOctal); },
       [&] { ApplyTransmitPage(state, u"!"); },
       [&] { Command(state, kBinary); },
-      [&] { Switch(sheet, RxSwitch::kBinBrackets, false); },
-      [&] { Switch(sheet, RxSwitch::kNonChars, true); },
+      [&] { sheet.StoreSwitch(RxSwitch::kBinBrackets, false); },
+      [&] { sheet.StoreSwitch(RxSwitch::kNonChars, true); },
       // Back to what the last Apply left, the transmit page's change included.
       [&] { sheet.Cancel(); },
       [&] { ApplySheet(state, sheet, u"[0A]", u"[00]", u"-"); },
@@ -147,8 +135,8 @@ TEST(SettingsHandOverTest, EveryChangePublishesAndBlocksSeeOneWholeSetting) {
 
   // The same steps without a worker: what each published setting makes of
   // the blocks (every step publishes exactly once).
-  std::set<std::string> receiveOutputs{RunReceive(state, received)};
-  std::set<std::string> transmitOutputs{RunTransmit(state, sent)};
+  std::set<std::string> receiveOutputs{Outcome(state, received, true)};
+  std::set<std::string> transmitOutputs{Outcome(state, sent, false)};
   for (size_t i = 0; i < steps.size(); ++i) {
     const core::RxSettings rxBefore = *state.PublishedRx.Load();
     const core::TxSettings txBefore = *state.PublishedTx.Load();
@@ -156,8 +144,8 @@ TEST(SettingsHandOverTest, EveryChangePublishesAndBlocksSeeOneWholeSetting) {
     EXPECT_TRUE(core::SettingsArePublished(state)) << "step " << i;
     EXPECT_FALSE(*state.PublishedRx.Load() == rxBefore && *state.PublishedTx.Load() == txBefore)
         << "step " << i << " changed nothing a worker reads";
-    receiveOutputs.insert(RunReceive(state, received));
-    transmitOutputs.insert(RunTransmit(state, sent));
+    receiveOutputs.insert(Outcome(state, received, true));
+    transmitOutputs.insert(Outcome(state, sent, false));
   }
   ASSERT_GE(receiveOutputs.size(), 8u);
   ASSERT_GE(transmitOutputs.size(), 3u);
@@ -165,17 +153,16 @@ TEST(SettingsHandOverTest, EveryChangePublishesAndBlocksSeeOneWholeSetting) {
   std::atomic<bool> done{false};
   std::atomic<int> blocks{0};
   std::mutex mutex;
-  std::vector<std::string> strayReceive;
-  std::vector<std::string> strayTransmit;
+  std::vector<std::string> stray;
   std::thread worker([&] {
     int countdown = rx::kRefreshCountdown;
     while (!done) {
-      std::string out = RunReceive(state, received);
-      std::string tx = RunTransmit(state, sent);
+      std::string out = Outcome(state, received, true);
+      std::string tx = Outcome(state, sent, false);
       rx::RxWndUpdateCycle(state, countdown);
       std::lock_guard lock(mutex);
-      if (!receiveOutputs.contains(out)) strayReceive.push_back(std::move(out));
-      if (!transmitOutputs.contains(tx)) strayTransmit.push_back(std::move(tx));
+      if (!receiveOutputs.contains(out)) stray.push_back("received " + out.substr(0, 120));
+      if (!transmitOutputs.contains(tx)) stray.push_back("sent " + tx);
       ++blocks;
     }
   });
@@ -190,10 +177,8 @@ TEST(SettingsHandOverTest, EveryChangePublishesAndBlocksSeeOneWholeSetting) {
   done = true;
   worker.join();
 
-  EXPECT_TRUE(strayReceive.empty()) << strayReceive.size() << " received blocks mixed two settings, e.g. "
-                                    << (strayReceive.empty() ? "" : strayReceive.front().substr(0, 120));
-  EXPECT_TRUE(strayTransmit.empty()) << strayTransmit.size() << " sends mixed two settings, e.g. "
-                                     << (strayTransmit.empty() ? "" : strayTransmit.front());
+  EXPECT_TRUE(stray.empty()) << stray.size() << " blocks mixed two settings, e.g. "
+                             << (stray.empty() ? "" : stray.front());
   // A plain store without a publish is what the check is there to catch.
   state.Data.NonChars = state.Data.NonChars ? 0 : 1;
   EXPECT_FALSE(core::SettingsArePublished(state));

@@ -2,7 +2,6 @@
 #include <termios.h>
 
 #include <atomic>
-#include <cerrno>
 #include <chrono>
 #include <thread>
 
@@ -52,8 +51,7 @@ TEST(TermiosMapping, CharacterFormatRawModeAndFlowControl) {
              CS7 | PARENB | PARODD | CSTOPB},
         Case{{.DataBits = 6, .ParityMode = Parity::kMark}, CS6 | PARENB | PARODD | CMSPAR},
         Case{{.DataBits = 5, .ParityMode = Parity::kSpace, .Stop = StopBits::kOneAndHalf},
-             CS5 | PARENB | CMSPAR | CSTOPB},
-        Case{{.DataBits = 8, .Stop = StopBits::kTwo}, CS8 | CSTOPB}}) {
+             CS5 | PARENB | CMSPAR | CSTOPB}}) {
     tcflag_t cflag = Map(c.settings).Tio.c_cflag;
     EXPECT_EQ(cflag & (CSIZE | PARENB | PARODD | CMSPAR | CSTOPB), c.flags) << c.settings.DataBits;
     EXPECT_EQ(cflag & (CREAD | CLOCAL), static_cast<tcflag_t>(CREAD | CLOCAL));
@@ -71,30 +69,26 @@ TEST(TermiosMapping, CharacterFormatRawModeAndFlowControl) {
 
 TEST(TermiosMapping, StandardAndCustomRatesAndImpossibleRequests) {
   // A rate without a Bxxx constant (speed 0) is set as a custom rate.
-  for (auto [baud, speed] : {std::pair<uint32_t, speed_t>{50, B50},
-                             {9600, B9600},
-                             {115200, B115200},
-                             {921600, B921600},
-                             {4000000, B4000000},
-                             {7200, 0},
-                             {14400, 0},
-                             {31250, 0},
-                             {250000, 0}}) {
+  using Rate = std::pair<uint32_t, speed_t>;
+  for (auto [baud, speed] :
+       {Rate{50, B50}, Rate{9600, B9600}, Rate{4000000, B4000000}, Rate{7200, 0}, Rate{31250, 0}}) {
     TermiosRecord r = Map({.Baud = baud});
     EXPECT_EQ(std::tuple(r.StandardSpeed, r.Custom, r.Rate), std::tuple(speed, speed == 0, baud)) << baud;
     EXPECT_TRUE(speed == 0 || cfgetospeed(&r.Tio) == speed) << baud;
   }
-  // Requests that cannot be met are refused in words.
+  // Requests that cannot be met are refused in words (DSR flow: ConfigurePort's test).
+  using Refusal = std::pair<LineSettings, std::string>;
   for (const auto& [settings, text] :
-       {std::pair<LineSettings, std::string>{{.Baud = 0}, "0 baud"},
-        {{.DataBits = 9}, "9 data bits"},
-        {{.DataBits = 4}, "4 data bits"},
-        {{.DsrFlow = true}, "flow control by DSR is not available on Linux"}}) {
+       {Refusal{{.Baud = 0}, "0 baud"}, Refusal{{.DataBits = 9}, "9 data bits"},
+        Refusal{{.DataBits = 4}, "4 data bits"}}) {
     TermiosRecord record;
     EXPECT_NE(MakeTermios(settings, termios{}, record).find(text), std::string::npos) << text;
   }
 }
 
+// A port on a pty at a custom rate with both modem lines on, which a pty takes.
+// (That a second opener is refused as busy, and reads and writes of bursts,
+// are shown through the program in serial_program_test.cpp.)
 class PtyPortTest : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -103,7 +97,7 @@ class PtyPortTest : public ::testing::Test {
     port = OpenTermiosPort(pty.SlavePath(), opened);
     ASSERT_TRUE(port) << opened.Errno;
     std::string error;
-    ASSERT_TRUE(port->Configure({.Baud = 115200}, error)) << error;
+    ASSERT_TRUE(port->Configure({.Baud = 31250, .Rts = true, .Dtr = true}, error)) << error;
   }
   int Write(const std::string& bytes, int timeoutMs = 1000) {
     SysResult failure;
@@ -113,19 +107,6 @@ class PtyPortTest : public ::testing::Test {
   PtyPair pty;
   std::unique_ptr<SerialPort> port;
 };
-
-// That a second opener is refused as busy, and reads and writes of bursts,
-// are shown through the program in serial_program_test.cpp.
-TEST_F(PtyPortTest, CustomRatesAndModemLinesAreAcceptedOnAPty) {
-  std::string error;
-  LineSettings custom{.Baud = 31250, .Rts = true, .Dtr = true};
-  EXPECT_TRUE(port->Configure(custom, error)) << error;
-  custom.DsrFlow = true;
-  SysResult refused = port->Configure(custom, error);
-  EXPECT_FALSE(refused);
-  EXPECT_EQ(refused.Errno, 0);  // Linux's limit, not a failed call
-  EXPECT_NE(error.find("DSR"), std::string::npos);
-}
 
 TEST_F(PtyPortTest, AZeroMaskOrTheDeviceGoingAwayEndsAPendingWait) {
   for (bool deviceGoes : {false, true}) {
@@ -151,7 +132,6 @@ TEST_F(PtyPortTest, AZeroMaskOrTheDeviceGoingAwayEndsAPendingWait) {
 TEST_F(PtyPortTest, AClosingPortEndsAHeldWriteAndDrainsReturnAtOnce) {
   ASSERT_EQ(Write("AT\r"), 3);
   EXPECT_TRUE(port->DrainOutput(1000));
-  EXPECT_EQ(pty.Read(3, 2000), "AT\r");
 
   const std::string big(4 << 20, 'x');  // far more than a pty holds
   constexpr int kWriteTimeoutMs = 20000;
@@ -165,14 +145,6 @@ TEST_F(PtyPortTest, AClosingPortEndsAHeldWriteAndDrainsReturnAtOnce) {
   EXPECT_LT(written, static_cast<int>(big.size()));
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(kWriteTimeoutMs / 2));
   EXPECT_FALSE(port->DrainOutput(1000));
-}
-
-// A device that is no terminal: Headless.APortThatFailsAtStartEndsTheRunWithOne.
-TEST(TermiosPort, AMissingDeviceFailsAsAnOpen) {
-  SysResult failure;
-  EXPECT_FALSE(OpenTermiosPort("/dev/does-not-exist-wavetrace", failure));
-  EXPECT_EQ(failure.Errno, ENOENT);
-  EXPECT_STREQ(failure.Operation, kOpenPortOperation);
 }
 
 }  // namespace

@@ -21,26 +21,25 @@ platform::LineSettings Line(const std::string& text) {
 TEST(UartModel, MatchingSettingsPassBytesAndMismatchesGarbleThem) {
   const std::string text = SimulatedSentences(0);
   const platform::LineSettings device = Line("4800,8,N,1");
-  EXPECT_EQ(TranscodeUart(text, device, device), text);
-  // 7,E,1 gives parity errors on some characters.
+  // Equal settings read the sentences as sent: SimulatedPortTest.ReadExactlyWithItsSettingAndEchoes.
+  // 7,E,1 gives parity errors on some characters; another rate: at the end.
   for (const char* receiver :
-       {"9600,8,N,1", "2400,8,N,1", "4800,7,N,1", "4800,8,E,1", "4800,8,O,1", "4800,8,N,2", "4800,7,E,1"}) {
+       {"2400,8,N,1", "4800,7,N,1", "4800,8,E,1", "4800,8,O,1", "4800,8,N,2", "4800,7,E,1"}) {
     std::string read = TranscodeUart(text, device, Line(receiver));
     EXPECT_NE(read, text) << receiver;
     EXPECT_EQ(read, TranscodeUart(text, device, Line(receiver))) << receiver << ": not deterministic";
   }
   // Other framings carry their own bytes, as many bits of each as the line has.
   EXPECT_EQ(TranscodeUart("AT\r", Line("1200,7,E,2"), Line("1200,7,E,2")), "AT\r");
-  for (auto [bits, expected] : {std::pair{"5", "\x1F\x01\x14"},
-                                {"6", "\x3F\x01\x14"},
-                                {"7", "\x7F\x41\x54"},
-                                {"8", "\xFF\xC1\x54"}}) {
+  using Bits = std::pair<const char*, const char*>;
+  for (auto [bits, expected] : {Bits{"5", "\x1F\x01\x14"}, Bits{"6", "\x3F\x01\x14"},
+                                Bits{"7", "\x7F\x41\x54"}, Bits{"8", "\xFF\xC1\x54"}}) {
     for (const char* parity : {",N,1", ",O,1"}) {
       const platform::LineSettings narrow = Line("4800," + std::string(bits) + parity);
       EXPECT_EQ(TranscodeUart("\xFF\xC1\x54", narrow, narrow), expected) << bits << parity;
     }
   }
-  // A receiver twice as fast sees each frame as a byte and a bit more.
+  // A receiver twice as fast sees each frame as a byte and a bit more (so it garbles too).
   EXPECT_GT(TranscodeUart(text, device, Line("9600,8,N,1")).size(), text.size());
 }
 

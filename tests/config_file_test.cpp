@@ -248,36 +248,34 @@ TEST_F(ConfigFileTest, ConfigMenuCommands) {
   };
   command(core::cmd::kConfigSave);
   EXPECT_TRUE(platform::FileExists(folder.Path() + "/current.cfg.txt"));
-  // SaveAs adds the extension to a bare name; the next dialog starts where it ended.
+  // SaveAs adds the extension to a bare name and makes the file current once saved.
   std::filesystem::create_directories(folder.Path() + "/sub");
   chooser.answer = Path("sub/other");
   command(core::cmd::kConfigSaveAs);
-  EXPECT_TRUE(platform::FileExists(folder.Path() + "/sub/other.cfg.txt"));
-  chooser.answer = Path("other.cfg.txt");
-  command(core::cmd::kConfigSaveAs);
-  EXPECT_EQ(state.CurrentConfigPath, chooser.answer);
-  EXPECT_EQ(chooser.starts,
-            (std::vector<std::u16string>{Path("current.cfg.txt"), Path("sub/other.cfg.txt")}));
+  EXPECT_EQ(state.CurrentConfigPath, Path("sub/other.cfg.txt"));
   command(core::cmd::kConfigSetDefault);
   EXPECT_TRUE(platform::FileExists(folder.Path() + "/Default.cfg.txt"));
 
   state.Data.Base = 16;
   state.CurrentConfigPath = Path("current.cfg.txt");
+  chooser.answer = Path("sub/other.cfg.txt");
   command(core::cmd::kConfigLoad);
   EXPECT_EQ(state.Data.Base, 2);
   EXPECT_EQ(state.CurrentConfigPath, chooser.answer);
   EXPECT_TRUE(state.Screen.IsMenuItemChecked(core::cmd::kBinary));
-  EXPECT_EQ(chooser.asked, (std::vector<bool>{true, true, false}));
-  EXPECT_EQ(chooser.starts.back(), state.ConfigFolder);
 
   // Cancelled dialogs change nothing; a load sent by the program itself asks nothing.
   chooser.answer.clear();
   state.Data.Base = 10;
   command(core::cmd::kConfigLoad);
-  EXPECT_EQ(state.Data.Base, 10);
+  command(core::cmd::kConfigSaveAs);
+  EXPECT_EQ(std::pair(state.Data.Base, state.CurrentConfigPath), std::pair(10, Path("sub/other.cfg.txt")));
   command(core::cmd::kConfigLoad, core::kFromMainWindow);
-  EXPECT_EQ(chooser.asked.size(), 4u);
   EXPECT_TRUE(state.Screen.IsMenuItemChecked(core::cmd::kDecimal));
+  // A save dialog starts at the current file's name, in the folder where the last dialog ended.
+  EXPECT_EQ(chooser.asked, (std::vector<bool>{true, false, false, true}));
+  EXPECT_EQ(chooser.starts, (std::vector<std::u16string>{Path("current.cfg.txt"), Path("sub"), Path("sub"),
+                                                         Path("sub/other.cfg.txt")}));
 }
 
 }  // namespace

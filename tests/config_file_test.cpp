@@ -1,9 +1,16 @@
+// Where the settings are kept: the INI store under both files, the program
+// options in the registry file, and the configuration files with the Config menu.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <fstream>
+#include <optional>
 
 #include "app/main_window.h"
 #include "config/config_file.h"
+#include "config/ini_store.h"
+#include "config/program_options.h"
+#include "config/registry_store.h"
 #include "core/code_page.h"
 #include "core/messages.h"
 #include "core/prepared_settings.h"
@@ -12,6 +19,190 @@
 
 namespace wavetrace::config {
 namespace {
+
+class IniStoreTest : public ::testing::Test {
+ protected:
+  // A store over a file of these contents, or (none) only its path, for saving.
+  void Open(const std::optional<std::string>& contents, const std::string& name = "test.cfg.txt") {
+    path = folder.Path() + "/" + name;
+    if (contents) std::ofstream(path, std::ios::binary) << *contents;
+    Reopen(!contents);
+  }
+  void Reopen(bool createEmpty = false) {
+    store = std::make_unique<IniStore>();
+    EXPECT_EQ(store->Open(path, createEmpty), 0);
+  }
+  std::string Get(const std::string& section, const std::string& key, int size = 512) {
+    std::string value;
+    return store->Get(section, key, value, size) ? value : "<missing>";
+  }
+  testing::TempFolder folder;
+  std::string path;
+  std::unique_ptr<IniStore> store;
+};
+
+TEST_F(IniStoreTest, LoadingTrimsAndSplitsLines) {
+  // File, section, key, value found. A last line is not trimmed, and one that starts blank is dropped.
+  using Case = std::array<std::string, 4>;
+  for (const auto& [file, section, key, value] :
+       {Case{"[S]\nKey = Value  \n", "S", "Key", "Value"}, Case{"[S]\r\nKey=Value\r\n", "S", "Key", "Value"},
+        Case{"[S]\nFlag\n", "S", "Flag", ""}, Case{"[S]\n  Key=1\n", "S", "  Key", "1"},
+        Case{"[S]\nKey=\t x y \t\n", "S", "Key", "x y"}, Case{"[S]\nKey=a=b\n", "S", "Key", "a=b"},
+        Case{"[ S ]\nK=v\n", " S ", "K", "v"}, Case{"[S] trailing\nK=v\n", "S", "K", "v"},
+        Case{"[S\nK=v\n", "S", "K", "v"}, Case{"top=1\n[S]\nK=v\n", "", "top", "1"},
+        Case{"[S]\nK=first\nK=second\n", "S", "K", "second"}, Case{"[s]\nk=v\n", "S", "k", "<missing>"},
+        Case{"[S]\n; note=1\nK=v\n", "S", "; note", "<missing>"},
+        Case{"[S]\nKey=Value  \r", "S", "Key", "Value  \r"}, Case{"[S]\n \tK=v", "S", " \tK", "<missing>"}}) {
+    Open(file);
+    EXPECT_EQ(Get(section, key), value) << file;
+    EXPECT_EQ(store->Raw()->dirty, 0);
+  }
+}
+
+TEST_F(IniStoreTest, SavingKeepsInsertionOrderAndReopensSections) {
+  Open(std::nullopt, "out.cfg.txt");
+  store->Set("", "orphan", "dropped");
+  store->Set("A", "one", "1");
+  store->Set("B", "two", "2");
+  store->Set("A", "three", "3");  // A is not the last section started: opened again
+  store->Set("A", "one", "uno");  // replacing keeps the place
+  store->Set("B", "empty", "");
+  EXPECT_EQ(store->Raw()->dirty, 1);
+  store.reset();
+  EXPECT_EQ(platform::ReadWholeFile(path).value_or(""),
+            "[A]\r\none=uno\r\nthree=3\r\n[B]\r\ntwo=2\r\nempty=\r\n[A]\r\nthree=3\r\n[B]\r\nempty=\r\n");
+  Reopen();
+  EXPECT_EQ(Get("A", "one"), "uno");
+  EXPECT_EQ(Get("", "orphan"), "<missing>");
+}
+
+TEST_F(IniStoreTest, OverlongValuesAreCutInTheStoreAndCompositeKeysAreBounded) {
+  Open("[S]\nK=abcdefghijklmnopqrst\n");
+  EXPECT_EQ(Get("S", "K", 10), "abcdefg");
+  EXPECT_EQ(Get("S", "K", 8), "abcdefg");  // fits exactly
+  EXPECT_EQ(Get("S", "K", 7), "abcd");
+  std::string section(200, 's');
+  EXPECT_EQ(store->Set(section, std::string(54, 'k'), "v"), 0);  // 254 characters: fits
+  EXPECT_EQ(store->Set(section, std::string(55, 'k'), "v"), -1);
+  EXPECT_EQ(Get(section, std::string(54, 'k')), "v");
+  EXPECT_EQ(Get(section, std::string(55, 'k')), "<missing>");
+  // The zero between section and key keeps "ab"+"c" apart from "a"+"bc".
+  store->Set("ab", "c", "1");
+  EXPECT_EQ(Get("a", "bc"), "<missing>");
+}
+
+TEST_F(IniStoreTest, ManyEntriesSpillIntoNewArenaBlocks) {
+  Open(std::nullopt, "many.cfg.txt");
+  for (int i = 0; i < 3000; ++i)
+    store->Set("S" + std::to_string(i % 7), "key" + std::to_string(i), std::to_string(i));
+  store.reset();
+  Reopen();
+  for (int i = 0; i < 3000; i += 97)
+    EXPECT_EQ(Get("S" + std::to_string(i % 7), "key" + std::to_string(i)), std::to_string(i));
+}
+
+TEST_F(IniStoreTest, FileExistsAndUnreadableFiles) {
+  Open("x");
+  EXPECT_EQ(IniFileExists(path.c_str()), 0);
+  path = folder.Path() + "/nope";
+  EXPECT_EQ(IniFileExists(path.c_str()), 1);
+  Reopen();  // an empty, usable store
+  EXPECT_EQ(Get("S", "K"), "<missing>");
+  // A file that cannot be written is a failed save, and the store stays dirty.
+  Open(std::nullopt, "no/such/folder/x.cfg.txt");
+  store->Set("S", "K", "v");
+  EXPECT_EQ(IniSave(store->Raw(), nullptr), -1);
+  EXPECT_EQ(store->Raw()->dirty, 1);
+  EXPECT_EQ(store->Close(), -1);
+}
+
+constexpr char kKey[] = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro";
+
+class ProgramOptionsTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    state.View = &view;
+    state.RegistryFile = file;
+  }
+  void WriteRegistry(const std::string& values) { std::ofstream(file) << "[" << kKey << "]\n" << values; }
+  // The four options as stored, in their order.
+  std::vector<uint32_t> Stored() {
+    RegistryKey key;
+    bool created = false;
+    EXPECT_TRUE(RegistryStore(file).CreateKey(kKey, key, created));
+    std::vector<uint32_t> values;
+    for (const char* name : {"DEFAULTcfg", "MULTIinst", "AcquireHWbuttons", "DisableIcon"}) {
+      values.push_back(0xDEAD);
+      EXPECT_TRUE(key.QueryDword(name, values.back())) << name;
+    }
+    return values;
+  }
+
+  testing::TempFolder folder;
+  std::string file = folder.Path() + "/" + kRegistryFileName;
+  core::AppState state;
+  testing::RecordingFrontEnd view;
+};
+
+TEST_F(ProgramOptionsTest, LoadRepairsTheKeyAndSaveKeepsOtherKeys) {
+  // A fresh folder gets the key with the four options, zero and in their order.
+  ASSERT_EQ(LoadProgramOptions(state), 0);
+  EXPECT_EQ(state.ProgramOptions.Disposition, 1);
+  EXPECT_EQ(Stored(), std::vector<uint32_t>(4, 0));
+  std::string text = platform::ReadWholeFile(file).value_or("");
+  EXPECT_LT(text.find("DEFAULTcfg"), text.find("MULTIinst"));
+  EXPECT_LT(text.find("AcquireHWbuttons"), text.find("DisableIcon"));
+  EXPECT_TRUE(view.Boxes().empty());
+  // Missing and unreadable values are repaired with the default.
+  WriteRegistry(
+      "DEFAULTcfg=dword:zz\nMULTIinst=\"text\"\nAcquireHWbuttons=dword:00000001\n"
+      "garbage line\nDisableIcon=dword:0000000100\n");
+  ASSERT_EQ(LoadProgramOptions(state), 0);
+  const auto& o = state.ProgramOptions;
+  EXPECT_EQ(o.DEFAULTcfg + o.MULTIinst + o.DisableIcon, 0u);
+  EXPECT_EQ(o.AcquireHWbuttons, 1u);
+  EXPECT_EQ(Stored(), (std::vector<uint32_t>{0, 0, 1, 0}));
+  WriteRegistry("MULTIinst=dword:00000001\n");  // one option: the others are added
+  state.ProgramOptions = {};
+  ASSERT_EQ(LoadProgramOptions(state), 0);
+  EXPECT_EQ(Stored(), (std::vector<uint32_t>{0, 1, 0, 0}));
+
+  // Saved options are stored (and so come back as loaded above), and other keys survive.
+  std::ofstream(file) << "[HKEY_CURRENT_USER\\Other]\nKeep=dword:0000002a\n";
+  state.ProgramOptions = {};
+  state.ProgramOptions.DEFAULTcfg = state.ProgramOptions.DisableIcon = 1;
+  ASSERT_EQ(SaveProgramOptions(state), 0);
+  EXPECT_NE(platform::ReadWholeFile(file).value_or("").find("Keep=dword:0000002a"), std::string::npos);
+  EXPECT_EQ(Stored(), (std::vector<uint32_t>{1, 0, 0, 1}));
+}
+
+// The release of this program, another one and a key without one, each with
+// the box the program shows: StartUp.TheVersionWarningAndTheRecordedRelease.
+TEST_F(ProgramOptionsTest, AReleaseWithoutItsMinorIsReadAsNoneAndNumbersShowSigned) {
+  WriteRegistry("MajorVersion=dword:00000002\n");
+  EXPECT_EQ(IsRegisteredVersionCurrent(state), 1);
+  EXPECT_EQ(std::pair(state.ProgramOptions.MajorVersion, state.ProgramOptions.MinorVersion),
+            std::pair(0u, 0u));
+  EXPECT_EQ(FormatVersion(0xFFFFFFFF, 5), u"-1.5");
+}
+
+TEST_F(ProgramOptionsTest, AKeyThatCannotBeOpenedIsReportedAndChangesNothing) {
+  // A registry file below a plain file can never be created.
+  std::ofstream(folder.Path() + "/plain") << "x";
+  state.RegistryFile = folder.Path() + "/plain/registry.txt";
+  state.ProgramOptions.MULTIinst = 1;
+  EXPECT_EQ(LoadProgramOptions(state), 1);
+  EXPECT_EQ(SaveProgramOptions(state), 1);
+  EXPECT_EQ(IsRegisteredVersionCurrent(state), 1);
+  EXPECT_EQ(state.ProgramOptions.MULTIinst, 1u);
+  auto boxes = view.Boxes();
+  ASSERT_EQ(boxes.size(), 3u);
+  const std::string box = testing::Narrow(boxes[0].title + u": " + boxes[0].text);
+  EXPECT_TRUE(
+      box.starts_with("Error...: Error opening Program Options registry key: "
+                      "SOFTWARE\\Tarnwell\\Wavetrace Pro: Error code=20 (0x14)"))
+      << box;
+}
 
 using core::AppState;
 using namespace std::string_literals;

@@ -1,21 +1,169 @@
+// The ports the program opens: the termios mapping and a pty port
+// (platform), the simulated device with its UART model, and the serial layer
+// over them (line settings, names, opening and closing).
 #include <gtest/gtest.h>
+#include <termios.h>
 
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <functional>
+#include <thread>
 
 #include "app/comm_properties.h"
 #include "core/code_page.h"
+#include "platform/line_setting_text.h"
 #include "platform/pty.h"
+#include "platform/serial_port.h"
+#include "platform/termios_mapping.h"
 #include "serial/port.h"
 #include "serial/simulated_device.h"
+#include "serial/uart_model.h"
 #include "test_support.h"
+
+using namespace std::chrono_literals;
+using namespace std::string_literals;
+using enum wavetrace::platform::Parity;
+using enum wavetrace::platform::StopBits;
+
+namespace wavetrace::platform {
+namespace {
+
+TEST(LineSettingText, ParsedAndFormatted) {
+  // A text and how it is formatted again; "" for a refused text.
+  using Case = std::pair<std::string, std::string>;
+  for (const auto& [text, formatted] :
+       {Case{"9600,7,E,1", "9600,7,E,1"}, Case{"4800,8,n,1", "4800,8,N,1"},
+        Case{"300,5,M,1.5", "300,5,M,1.5"}, Case{"115200,8,S,2", "115200,8,S,2"}, Case{"9600,9,N,1", ""},
+        Case{"9600,8,X,1", ""}, Case{"0,8,N,1", ""}, Case{"9600,8,N,3", ""}, Case{"9600", ""},
+        Case{"", ""}}) {
+    LineSettings line;
+    EXPECT_EQ(ParseLineSetting(text, line) ? FormatLineSetting(line) : "", formatted) << text;
+  }
+}
+
+// The record for a line setting over a terminal in cooked mode.
+TermiosRecord Map(const LineSettings& settings) {
+  termios current{};
+  current.c_iflag = ICRNL | IXON | ISTRIP;
+  current.c_oflag = OPOST | ONLCR;
+  current.c_lflag = ECHO | ICANON | ISIG;
+  current.c_cflag = CS7 | PARENB | CSTOPB | HUPCL;
+  TermiosRecord record;
+  EXPECT_EQ(MakeTermios(settings, current, record), "");
+  return record;
+}
+
+TEST(TermiosMapping, CharacterFormatRawModeAndFlowControl) {
+  struct Case {
+    LineSettings settings;
+    tcflag_t flags;  // size, parity and stop bits
+  };
+  for (const auto& c :
+       {Case{{.DataBits = 8}, CS8}, Case{{.DataBits = 7, .ParityMode = kEven}, CS7 | PARENB},
+        Case{{.DataBits = 7, .ParityMode = kOdd, .Stop = kTwo}, CS7 | PARENB | PARODD | CSTOPB},
+        Case{{.DataBits = 6, .ParityMode = kMark}, CS6 | PARENB | PARODD | CMSPAR},
+        Case{{.DataBits = 5, .ParityMode = kSpace, .Stop = kOneAndHalf}, CS5 | PARENB | CMSPAR | CSTOPB}}) {
+    tcflag_t cflag = Map(c.settings).Tio.c_cflag;
+    EXPECT_EQ(cflag & (CSIZE | PARENB | PARODD | CMSPAR | CSTOPB), c.flags) << c.settings.DataBits;
+    EXPECT_EQ(cflag & (CREAD | CLOCAL), static_cast<tcflag_t>(CREAD | CLOCAL));
+  }
+  TermiosRecord r = Map(LineSettings{});
+  EXPECT_EQ(r.Tio.c_iflag & (ICRNL | IXON | IXOFF | ISTRIP), 0u);
+  EXPECT_EQ((r.Tio.c_oflag & OPOST) | (r.Tio.c_lflag & (ECHO | ICANON | ISIG)) | (r.Tio.c_cflag & CRTSCTS),
+            0u);
+  EXPECT_EQ(r.Tio.c_cc[VMIN] + r.Tio.c_cc[VTIME], 0);
+  r = Map({.XonXoff = true, .CtsFlow = true});
+  EXPECT_EQ(r.Tio.c_iflag & (IXON | IXOFF), static_cast<tcflag_t>(IXON | IXOFF));
+  EXPECT_NE(r.Tio.c_cflag & CRTSCTS, 0u);
+  EXPECT_EQ(std::pair(r.Tio.c_cc[VSTART], r.Tio.c_cc[VSTOP]), std::pair(cc_t{17}, cc_t{19}));
+}
+
+TEST(TermiosMapping, StandardAndCustomRatesAndImpossibleRequests) {
+  // A rate without a Bxxx constant (speed 0) is set as a custom rate.
+  using Rate = std::pair<uint32_t, speed_t>;
+  for (auto [baud, speed] :
+       {Rate{50, B50}, Rate{9600, B9600}, Rate{4000000, B4000000}, Rate{7200, 0}, Rate{31250, 0}}) {
+    TermiosRecord r = Map({.Baud = baud});
+    EXPECT_EQ(std::tuple(r.StandardSpeed, r.Custom, r.Rate), std::tuple(speed, speed == 0, baud)) << baud;
+    EXPECT_TRUE(speed == 0 || cfgetospeed(&r.Tio) == speed) << baud;
+  }
+  // Requests that cannot be met are refused in words (DSR flow: ConfigurePort's test).
+  using Refusal = std::pair<LineSettings, std::string>;
+  for (const auto& [settings, text] :
+       {Refusal{{.Baud = 0}, "0 baud"}, Refusal{{.DataBits = 9}, "9 data bits"},
+        Refusal{{.DataBits = 4}, "4 data bits"}}) {
+    TermiosRecord record;
+    EXPECT_NE(MakeTermios(settings, termios{}, record).find(text), std::string::npos) << text;
+  }
+}
+
+// A port on a pty at a custom rate with both modem lines on, which a pty takes.
+// (That a second opener is refused as busy, and reads and writes of bursts,
+// are shown through the program in serial_program_test.cpp.)
+class PtyPortTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(pty.Valid());
+    SysResult opened;
+    port = OpenTermiosPort(pty.SlavePath(), opened);
+    ASSERT_TRUE(port) << opened.Errno;
+    std::string error;
+    ASSERT_TRUE(port->Configure({.Baud = 31250, .Rts = true, .Dtr = true}, error)) << error;
+  }
+  int Write(const std::string& bytes, int timeoutMs = 1000) {
+    SysResult failure;
+    return port->Write(reinterpret_cast<const uint8_t*>(bytes.data()), static_cast<int>(bytes.size()),
+                       timeoutMs, failure);
+  }
+  PtyPair pty;
+  std::unique_ptr<SerialPort> port;
+};
+
+TEST_F(PtyPortTest, AZeroMaskOrTheDeviceGoingAwayEndsAPendingWait) {
+  for (bool deviceGoes : {false, true}) {
+    std::atomic<uint32_t> result{999};
+    std::thread waiter([&] { result = port->WaitEvent(); });
+    std::this_thread::sleep_for(20ms);
+    EXPECT_EQ(result, 999u);
+    deviceGoes ? pty.CloseMaster() : port->SetEventMask(0);
+    waiter.join();
+    EXPECT_EQ(result, 0u);
+    EXPECT_EQ(port->HungUp(), deviceGoes);
+    port->SetEventMask(event::kDefaultMask);
+  }
+  // Later waits return at once instead of spinning on the dead device.
+  EXPECT_EQ(port->WaitEvent(), 0u);
+}
+
+// A pty has no output queue that drains at a line rate (TIOCOUTQ reads 0,
+// TCOFLUSH does not reach bytes already at the far side, and its close never
+// waits for the line), so pacing and throwing output away are shown on the
+// simulated device. What a pty does show: a write held up by a far side that
+// does not read ends when the port closes, so a close never waits for it.
+TEST_F(PtyPortTest, AClosingPortEndsAHeldWriteAndDrainsReturnAtOnce) {
+  ASSERT_EQ(Write("AT\r"), 3);
+  EXPECT_TRUE(port->DrainOutput(1000));
+
+  const std::string big(4 << 20, 'x');  // far more than a pty holds
+  constexpr int kWriteTimeoutMs = 20000;
+  std::atomic<int> written{-2};
+  auto start = std::chrono::steady_clock::now();
+  std::thread writer([&] { written = Write(big, kWriteTimeoutMs); });
+  std::this_thread::sleep_for(100ms);
+  port->Close();
+  writer.join();
+  EXPECT_GT(written, 0);
+  EXPECT_LT(written, static_cast<int>(big.size()));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(kWriteTimeoutMs / 2));
+  EXPECT_FALSE(port->DrainOutput(1000));
+}
+
+}  // namespace
+}  // namespace wavetrace::platform
 
 namespace wavetrace::serial {
 namespace {
-
-using namespace std::string_literals;
-using enum platform::Parity;
-using enum platform::StopBits;
 
 TEST(PortSettings, LineSettingFromTheSettingsTexts) {
   using Case = std::tuple<std::u16string, std::u16string, platform::Parity, platform::StopBits>;
@@ -133,13 +281,91 @@ TEST(ConfigurePort, OnAPtyWhatCannotBeOpenedAndARefusedLineSetting) {
   EXPECT_TRUE(platform::OpenTermiosPort(pty.SlavePath(), failure));
 }
 
+platform::LineSettings Line(const std::string& text) {
+  platform::LineSettings line;
+  EXPECT_TRUE(platform::ParseLineSetting(text, line)) << text;
+  return line;
+}
+
+TEST(UartModel, MatchingSettingsPassBytesAndMismatchesGarbleThem) {
+  const std::string text = SimulatedSentences(0);
+  const platform::LineSettings device = Line("4800,8,N,1");
+  // Equal settings read the sentences as sent: SimulatedPortTest.ReadExactlyWithItsSettingAndEchoes.
+  // 7,E,1 gives parity errors on some characters; another rate: at the end.
+  for (const char* receiver :
+       {"2400,8,N,1", "4800,7,N,1", "4800,8,E,1", "4800,8,O,1", "4800,8,N,2", "4800,7,E,1"}) {
+    std::string read = TranscodeUart(text, device, Line(receiver));
+    EXPECT_NE(read, text) << receiver;
+    EXPECT_EQ(read, TranscodeUart(text, device, Line(receiver))) << receiver << ": not deterministic";
+  }
+  // Other framings carry their own bytes, as many bits of each as the line has.
+  EXPECT_EQ(TranscodeUart("AT\r", Line("1200,7,E,2"), Line("1200,7,E,2")), "AT\r");
+  using Bits = std::pair<const char*, const char*>;
+  for (auto [bits, expected] : {Bits{"5", "\x1F\x01\x14"}, Bits{"6", "\x3F\x01\x14"},
+                                Bits{"7", "\x7F\x41\x54"}, Bits{"8", "\xFF\xC1\x54"}}) {
+    for (const char* parity : {",N,1", ",O,1"}) {
+      const platform::LineSettings narrow = Line("4800," + std::string(bits) + parity);
+      EXPECT_EQ(TranscodeUart("\xFF\xC1\x54", narrow, narrow), expected) << bits << parity;
+    }
+  }
+  // A receiver twice as fast sees each frame as a byte and a bit more (so it garbles too).
+  EXPECT_GT(TranscodeUart(text, device, Line("9600,8,N,1")).size(), text.size());
+}
+
+// The device plays a UART's transmit side too: what the program writes waits
+// in an output queue and reaches the device at the line rate.
+TEST(SimulatedDevice, OutputLeavesAtTheLineRateAndCanBeThrownAway) {
+  core::SimulatedProfile profile;  // 4800,8,N,1: about 2 ms a byte
+  profile.SimulatedSentenceMs = 600000;
+  auto port = OpenSimulatedDevice(profile);
+  std::string error;
+  ASSERT_TRUE(port->Configure(profile.SimulatedSetting, error).Ok()) << error;
+  // A second of line time: "AT", 478 bytes and a CR.
+  const std::string command = "AT" + std::string(478, 'x') + "\r";
+  platform::SysResult failure;
+  auto write = [&] {
+    return port->Write(reinterpret_cast<const uint8_t*>(command.data()), 481, 1000, failure);
+  };
+  auto readFor = [&](std::chrono::milliseconds span) {
+    std::string text;
+    uint8_t buffer[512];
+    for (auto end = std::chrono::steady_clock::now() + span; std::chrono::steady_clock::now() < end;) {
+      text.append(reinterpret_cast<char*>(buffer),
+                  static_cast<size_t>(std::max(port->Read(buffer, 512, failure), 0)));
+      std::this_thread::sleep_for(10ms);
+    }
+    return text;
+  };
+  // Queued at once, and still on its way; thrown away, it never reaches the device: no answer comes.
+  ASSERT_EQ(write(), 481);
+  EXPECT_FALSE(port->DrainOutput(50));
+  port->DiscardOutput();
+  EXPECT_TRUE(port->DrainOutput(0));
+  EXPECT_EQ(readFor(1500ms).find("OK"), std::string::npos);
+  // Left alone, it arrives whole once the line has carried it.
+  ASSERT_EQ(write(), 481);
+  EXPECT_TRUE(port->DrainOutput(5000));
+  EXPECT_NE(readFor(300ms).find("OK\r\n"), std::string::npos);
+  port->Close();
+  EXPECT_FALSE(port->DrainOutput(0));
+}
+
+TEST(SimulatedDevice, SentencesCarryTheirChecksums) {
+  std::string sentences = SimulatedSentences(61);
+  EXPECT_EQ(sentences.rfind("$GPGGA,120101.00,", 0), 0u);
+  for (size_t start = 0, star; start < sentences.size(); start = sentences.find("\r\n", star) + 2) {
+    star = sentences.find('*', start);
+    unsigned sum = 0;
+    for (size_t i = start + 1; i < star; ++i) sum ^= static_cast<unsigned char>(sentences[i]);
+    EXPECT_EQ(std::stoul(sentences.substr(star + 1, 2), nullptr, 16), sum);
+  }
+}
+
 }  // namespace
 }  // namespace wavetrace::serial
 
 namespace wavetrace::app {
 namespace {
-
-using namespace std::string_literals;
 
 TEST(CommProperties, SlotNamesTheCustomRateAndPortListLines) {
   for (int slot = 0; slot < core::kPortSlots; ++slot)

@@ -403,9 +403,9 @@ TEST(CommProperties, ChangingBackToTheLoadedPortBringsItsLineSettingBack) {
   apply(u"COM5:", 115200, [](core::PortSettings& e) { e.Parity = u"None", e.XON = 0; });
   EXPECT_EQ(std::tuple(p.SelectedBaud, p.Parity, p.XON), std::tuple(115200u, u"None"s, 0));
   // Back on COM3: the loaded line setting returns, except what was typed on
-  // the pages in the same visit (the rate and DTR).
-  apply(u"COM3:", 9600, [](core::PortSettings& e) { e.DTR = 1; });
-  EXPECT_EQ(std::tuple(p.SelectedBaud, p.DTR, p.Parity, p.XON), std::tuple(9600u, 1, u"Even"s, 1));
+  // the pages in the same visit (DTR; the rate is left as shown).
+  apply(u"COM3:", 115200, [](core::PortSettings& e) { e.DTR = 1; });
+  EXPECT_EQ(std::tuple(p.SelectedBaud, p.DTR, p.Parity, p.XON), std::tuple(4800u, 1, u"Even"s, 1));
   // Same port: what the pages hold is applied as it is.
   apply(u"COM3:", 57600);
   EXPECT_EQ(p.SelectedBaud, 57600u);

@@ -20,6 +20,9 @@
 namespace wavetrace::config {
 namespace {
 
+using core::AppState;
+using namespace std::string_literals;
+
 class IniStoreTest : public ::testing::Test {
  protected:
   // A store over a file of these contents, or (none) only its path, for saving.
@@ -159,8 +162,7 @@ TEST_F(ProgramOptionsTest, LoadRepairsTheKeyAndSaveKeepsOtherKeys) {
       "garbage line\nDisableIcon=dword:0000000100\n");
   ASSERT_EQ(LoadProgramOptions(state), 0);
   const auto& o = state.ProgramOptions;
-  EXPECT_EQ(o.DEFAULTcfg + o.MULTIinst + o.DisableIcon, 0u);
-  EXPECT_EQ(o.AcquireHWbuttons, 1u);
+  EXPECT_EQ((std::vector{o.DEFAULTcfg, o.MULTIinst, o.AcquireHWbuttons, o.DisableIcon}), Stored());
   EXPECT_EQ(Stored(), (std::vector<uint32_t>{0, 0, 1, 0}));
   WriteRegistry("MULTIinst=dword:00000001\n");  // one option: the others are added
   state.ProgramOptions = {};
@@ -203,9 +205,6 @@ TEST_F(ProgramOptionsTest, AKeyThatCannotBeOpenedIsReportedAndChangesNothing) {
                       "SOFTWARE\\Tarnwell\\Wavetrace Pro: Error code=20 (0x14)"))
       << box;
 }
-
-using core::AppState;
-using namespace std::string_literals;
 
 // Every persisted setting away from its default.
 void SetEverything(AppState& s) {

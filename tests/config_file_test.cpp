@@ -119,12 +119,36 @@ TEST_F(IniStoreTest, FileExistsAndUnreadableFiles) {
   EXPECT_EQ(store->Close(), -1);
 }
 
+// A fresh folder for configuration files, and a state that shows its boxes to
+// a recording view (the program options' tests use the same).
+class ConfigFileTest : public ::testing::Test {
+ protected:
+  void SetUp() override { state.View = &view; }
+  std::u16string Path(const std::string& name) { return core::Utf8ToWide(folder.Path() + "/" + name); }
+  std::u16string Write(const std::string& name, const std::string& contents) {
+    std::ofstream(folder.Path() + "/" + name, std::ios::binary) << contents;
+    return Path(name);
+  }
+  // A state loaded from a file of the signature, the padding and body.
+  std::unique_ptr<AppState> Load(const std::string& body, const std::function<void(AppState&)>& before = {}) {
+    auto s = std::make_unique<AppState>();
+    if (before) before(*s);
+    std::string file = "[Wavetrace Pro]\r\nConfigFile=1\r\n" + std::string(64, ';') + "\r\n" + body;
+    EXPECT_EQ(ConfigLoad(*s, Write("q.cfg.txt", file)), 0) << body;
+    return s;
+  }
+
+  testing::TempFolder folder;
+  AppState state;
+  testing::RecordingFrontEnd view;
+};
+
 constexpr char kKey[] = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro";
 
-class ProgramOptionsTest : public ::testing::Test {
+class ProgramOptionsTest : public ConfigFileTest {
  protected:
   void SetUp() override {
-    state.View = &view;
+    ConfigFileTest::SetUp();
     state.RegistryFile = file;
   }
   void WriteRegistry(const std::string& values) { std::ofstream(file) << "[" << kKey << "]\n" << values; }
@@ -141,10 +165,7 @@ class ProgramOptionsTest : public ::testing::Test {
     return values;
   }
 
-  testing::TempFolder folder;
   std::string file = folder.Path() + "/" + kRegistryFileName;
-  core::AppState state;
-  testing::RecordingFrontEnd view;
 };
 
 TEST_F(ProgramOptionsTest, LoadRepairsTheKeyAndSaveKeepsOtherKeys) {
@@ -256,28 +277,6 @@ void SetEverything(AppState& s) {
   s.Screen.SetTxHistory({u"first", u"second [0D]", u"third"});
   s.Screen.SetTxSelection(2);
 }
-
-class ConfigFileTest : public ::testing::Test {
- protected:
-  void SetUp() override { state.View = &view; }
-  std::u16string Path(const std::string& name) { return core::Utf8ToWide(folder.Path() + "/" + name); }
-  std::u16string Write(const std::string& name, const std::string& contents) {
-    std::ofstream(folder.Path() + "/" + name, std::ios::binary) << contents;
-    return Path(name);
-  }
-  // A state loaded from a file of the signature, the padding and body.
-  std::unique_ptr<AppState> Load(const std::string& body, const std::function<void(AppState&)>& before = {}) {
-    auto s = std::make_unique<AppState>();
-    if (before) before(*s);
-    std::string file = "[Wavetrace Pro]\r\nConfigFile=1\r\n" + std::string(64, ';') + "\r\n" + body;
-    EXPECT_EQ(ConfigLoad(*s, Write("q.cfg.txt", file)), 0) << body;
-    return s;
-  }
-
-  testing::TempFolder folder;
-  AppState state;
-  testing::RecordingFrontEnd view;
-};
 
 TEST_F(ConfigFileTest, EverySettingSurvivesTheRoundTripInTheFileLayout) {
   SetEverything(state);

@@ -43,11 +43,7 @@ TEST(LogRecordTest, ReceiveAndTransmitLayouts) {
       {"same second, no tag", {1, 0, 0, 6, ','}, {"17:08:37", "17:08:37"}, "OK", "\r\n,Tx,OK"},
       {"next second", {1, 0, 0, 6, ','}, {"17:08:38", "17:08:37"}, "\r\n17:08:38, OK", "\r\n17:08:38,Tx,OK"},
       // Milliseconds never continue a line.
-      {"milliseconds",
-       {1, 0, 0, 8, ','},
-       {"17:08:37.120", "17:08:37.120"},
-       "\r\n17:08:37.120, OK",
-       "\r\n17:08:37.120,Tx,OK"},
+      {"milliseconds", {1, 0, 0, 8, ','}, {"37.120", "37.120"}, "\r\n37.120, OK", "\r\n37.120,Tx,OK"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);

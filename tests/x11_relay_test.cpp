@@ -83,11 +83,10 @@ TEST(X11Relay, SuperF1AndF2AreHardwareButtonsOneAndTwo) {
   state.Data.HardwareButtonData[1] = u"{STOP}";
   Display* display = XOpenDisplay(nullptr);
   auto press = [&](KeySym key) {
-    KeyCode super = XKeysymToKeycode(display, XK_Super_L);
-    XTestFakeKeyEvent(display, super, True, CurrentTime);
-    XTestFakeKeyEvent(display, XKeysymToKeycode(display, key), True, CurrentTime);
-    XTestFakeKeyEvent(display, XKeysymToKeycode(display, key), False, CurrentTime);
-    XTestFakeKeyEvent(display, super, False, CurrentTime);
+    // Super down, the key down and up, Super up.
+    for (auto [sym, down] :
+         {std::pair<KeySym, Bool>{XK_Super_L, True}, {key, True}, {key, False}, {XK_Super_L, False}})
+      XTestFakeKeyEvent(display, XKeysymToKeycode(display, sym), down, CurrentTime);
     XSync(display, False);
   };
   press(XK_F1);

@@ -6,12 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "automation/function_buttons.h"
 #include "cli_child.h"
 #include "core/code_page.h"
+#include "program_fixture.h"
 #include "relay/network_relay.h"
 #include "relay/window_relay.h"
-#include "test_support.h"
 
 namespace wavetrace::relay {
 namespace {
@@ -112,34 +111,28 @@ TEST(WindowRelay, ListKeepsOtherProgramsVisibleWindowsUpTo32) {
 
 TEST(WindowRelay, WithoutADisplayRelayAndHardwareButtonsSayWhyAndStayOff) {
   unsetenv("DISPLAY");
-  core::AppState state;
-  testing::RecordingFrontEnd view;
-  state.View = &view;
-  InstallWindowRelay(state);
-  state.WindowRelayEnabled = 1;
-  state.RelayActive = true;
-  RelayActivate(state);
-  EXPECT_FALSE(state.RelayActive);
   // "no X display (DISPLAY is not set)", or that the build has no X11.
   const std::string why = platform::Desktop().Unavailable();
   ASSERT_FALSE(why.empty());
-  EXPECT_EQ(testing::Narrow(state.Screen.Status()),
-            "Relay to WINDOW.\r\nRelay to WINDOW cannot work: " + why);
-  automation::RegisterHardwareButtons(state, true);
-  EXPECT_EQ(state.HardwareButtonKeys, nullptr);
-  EXPECT_EQ(testing::Narrow(state.Screen.Status()), "Hardware buttons not acquired: " + why);
+  testing::TempFolder home;
+  testing::WriteRegistry(home.Path(), "AcquireHWbuttons=dword:00000001\n");
+  testing::Child list({"--list-windows"}, home.Path());
+  EXPECT_EQ(list.WaitForExit(), 1);
+  EXPECT_EQ(list.Err(), "No windows to list: " + why + "\n");
+  // --relay-window: the program runs on with RELAY off.
+  testing::Child relay({"--port", "VSP0:", "--relay-window", "Scale"}, home.Path());
+  EXPECT_TRUE(relay.WaitForError("Relay to WINDOW. Relay to WINDOW cannot work: " + why)) << relay.Err();
+  EXPECT_EQ(relay.Terminate(), 0);
+  EXPECT_NE(relay.Err().find("Hardware buttons not acquired: " + why), std::string::npos) << relay.Err();
+  EXPECT_EQ(relay.Err().find("Relay to WINDOW deactivated"), std::string::npos) << relay.Err();
+  // RELAY off with no window chosen.
+  core::AppState state;
+  InstallWindowRelay(state);
+  state.WindowRelayEnabled = 1;
   RelayDeactivate(state);
   EXPECT_EQ(testing::Narrow(state.Screen.Status()),
             "Relay to WINDOW deactivated.\r\nNo Window to Relay data to.\r\nGoto -> Edit : Receive Options : "
             "Relay tab");
-  // Headless: --list-windows fails with the reason, --relay-window runs on.
-  testing::TempFolder home;
-  testing::Child list({"--list-windows"}, home.Path());
-  EXPECT_EQ(list.WaitForExit(), 1);
-  EXPECT_EQ(list.Err(), "No windows to list: " + why + "\n");
-  testing::Child relay({"--port", "VSP0:", "--relay-window", "Scale"}, home.Path());
-  EXPECT_TRUE(relay.WaitForError("Relay to WINDOW cannot work: " + why)) << relay.Err();
-  EXPECT_EQ(relay.Terminate(), 0);
 }
 
 }  // namespace

@@ -5,12 +5,9 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/keysym.h>
-#include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
+#include <stdio.h>
 #include <stdlib.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <functional>
@@ -34,36 +31,23 @@ inline bool WaitFor(const std::function<bool()>& condition, int ms = 5000) {
 class XServer {
  public:
   XServer() {
-    int fds[2];
-    if (pipe2(fds, O_CLOEXEC) != 0) return;
-    pid_ = fork();
-    if (pid_ == 0) {
-      std::string fd = std::to_string(dup(fds[1]));
-      int null = open("/dev/null", O_WRONLY);
-      dup2(null, 2);
-      execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", "1024x768x24", "-nolisten", "tcp",
-             static_cast<char*>(nullptr));
-      _exit(127);
-    }
-    close(fds[1]);
-    std::string number;
-    char c = 0;
-    pollfd ready{fds[0], POLLIN, 0};
-    while (poll(&ready, 1, 10000) > 0 && read(fds[0], &c, 1) == 1 && c != '\n') number += c;
-    close(fds[0]);
-    if (number.empty()) return;
-    setenv("DISPLAY", (":" + number).c_str(), 1);
-    running_ = true;
+    // The shell's process id (Xvfb's, after the exec), then the display number.
+    server_ = popen("echo $$; exec Xvfb -displayfd 1 -screen 0 1024x768x24 -nolisten tcp 2>/dev/null", "re");
+    char pid[16], number[16];
+    if (!server_ || !fgets(pid, sizeof pid, server_) || !fgets(number, sizeof number, server_)) return;
+    pid_ = atoi(pid);
+    setenv("DISPLAY", (":" + std::to_string(atoi(number))).c_str(), 1);
   }
   ~XServer() {
     unsetenv("DISPLAY");
-    if (pid_ > 0 && kill(pid_, SIGTERM) == 0) waitpid(pid_, nullptr, 0);
+    if (Running()) kill(pid_, SIGTERM);
+    if (server_) pclose(server_);
   }
-  [[nodiscard]] bool Running() const { return running_; }
+  [[nodiscard]] bool Running() const { return pid_ > 0; }
 
  private:
+  FILE* server_ = nullptr;
   pid_t pid_ = -1;
-  bool running_ = false;
 };
 
 // A mapped top-level window with a title and a class that records what the
@@ -95,30 +79,27 @@ class TestWindow {
   // What was typed, once it is length characters long (or the time is up).
   std::u16string Typed(size_t length) {
     WaitFor([&] {
-      while (XPending(display_)) Take();
+      for (XEvent event; XPending(display_);) {
+        XNextEvent(display_, &event);
+        if (event.type == MappingNotify) XRefreshKeyboardMapping(&event.xmapping);
+        if (event.type != KeyPress) continue;
+        char text[8];
+        KeySym sym = NoSymbol;
+        int count = XLookupString(&event.xkey, text, sizeof text, &sym, nullptr);
+        if (sym >= XK_Left && sym <= XK_Down)
+          typed_ += std::u16string(u"<L><U><R><D>").substr((sym - XK_Left) * 3, 3);
+        if (sym >= 0x1000000) {
+          typed_ += static_cast<char16_t>(sym & 0xffff);
+        } else {
+          for (int i = 0; i < count; ++i) typed_ += static_cast<char16_t>(static_cast<uint8_t>(text[i]));
+        }
+      }
       return typed_.size() >= length;
     });
     return typed_;
   }
 
  private:
-  void Take() {
-    XEvent event;
-    XNextEvent(display_, &event);
-    if (event.type == MappingNotify) XRefreshKeyboardMapping(&event.xmapping);
-    if (event.type != KeyPress) return;
-    char text[8];
-    KeySym sym = NoSymbol;
-    int count = XLookupString(&event.xkey, text, sizeof text, &sym, nullptr);
-    if (sym >= XK_Left && sym <= XK_Down)
-      typed_ += std::u16string(u"<L><U><R><D>").substr((sym - XK_Left) * 3, 3);
-    if (sym >= 0x1000000) {
-      typed_ += static_cast<char16_t>(sym & 0xffff);
-    } else {
-      for (int i = 0; i < count; ++i) typed_ += static_cast<char16_t>(static_cast<uint8_t>(text[i]));
-    }
-  }
-
   Display* display_;
   Window window_ = None;
   std::u16string typed_;
@@ -138,8 +119,7 @@ class FakeWindowManager {
     };
     set(root, "_NET_SUPPORTING_WM_CHECK", XA_WINDOW, &check_, 1);
     set(check_, "_NET_SUPPORTING_WM_CHECK", XA_WINDOW, &check_, 1);
-    std::vector<unsigned long> ids(clients.begin(), clients.end());
-    set(root, "_NET_CLIENT_LIST", XA_WINDOW, ids.data(), ids.size());
+    set(root, "_NET_CLIENT_LIST", XA_WINDOW, clients.data(), clients.size());
     XSelectInput(display_, root, SubstructureNotifyMask);
     XSync(display_, False);
   }

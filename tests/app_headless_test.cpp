@@ -1,24 +1,12 @@
 // Runs the real wavetrace-cli as a user would, in a fresh configuration folder.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <poll.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <termios.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
-#include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 #include <functional>
-#include <string>
 #include <thread>
-#include <utility>
-#include <vector>
 
 #include "cli_child.h"
 #include "loopback_server.h"
@@ -33,6 +21,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 using testing::Child;
+using testing::Count;
 constexpr size_t npos = std::string::npos;
 
 // A fresh configuration folder and a pty pair whose master plays the device.
@@ -76,6 +65,7 @@ std::string CrLfLines(size_t size) {
   return text;
 }
 
+// Also when the run ends just after the data was read.
 TEST(Headless, StandardOutputCarriesEveryReceivedByteInOrder) {
   // A configuration that shows received bytes as they are: text view (with
   // its LF CR swap) and numeric view both off.
@@ -84,20 +74,27 @@ TEST(Headless, StandardOutputCarriesEveryReceivedByteInOrder) {
   std::ofstream(raw, std::ios::binary) << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nmodeASCII=0\r\n"
                                        << "modeBINARY=0\r\n"
                                        << std::string(64, ';') << "\r\n";
+  std::string letters;
+  for (int i = 0; i < 4000; ++i) letters += "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ"[i % 36];
   struct Case {
     const char* name;
     std::vector<std::string> args;
     std::string data;
     size_t pieceBytes;
-    int pauseMs;  // between pieces: 10 KB every 10 ms is 1 MB/s
+    int pauseMs;                      // after each piece: 10 KB every 10 ms is 1 MB/s
+    std::function<void(Child&)> end;  // right after the last pause; none: SIGTERM once all is out
   };
   const Case cases[] = {
       {"mixed bytes as fast as the line takes them",
        {"--baud", "115200", "--config", raw},
        MixedBytes(kStreamBytes),
        1 << 16,
-       0},
-      {"text lines at 1 MB/s", {"--baud", "115200"}, CrLfLines(2'000'000), 10'000, 10},
+       0,
+       nullptr},
+      {"text lines at 1 MB/s", {"--baud", "115200"}, CrLfLines(2'000'000), 10'000, 10, nullptr},
+      {"SIGTERM", {}, letters, 4000, 10, [](Child& child) { child.Signal(SIGTERM); }},
+      {"SIGINT", {}, letters, 4000, 10, [](Child& child) { child.Signal(SIGINT); }},
+      {"the exit command", {}, letters, 4000, 10, [](Child& child) { child.Type("~exit\n"); }},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
@@ -109,33 +106,13 @@ TEST(Headless, StandardOutputCarriesEveryReceivedByteInOrder) {
         std::this_thread::sleep_for(std::chrono::milliseconds(c.pauseMs));
       }
     });
-    run.Until([&] { return run.Out().size() >= c.data.size(); }, 120000);
+    if (!c.end) run.Until([&] { return run.Out().size() >= c.data.size(); }, 120000);
     line.join();
-    EXPECT_EQ(run.Terminate(10000), 0);
-    EXPECT_EQ(run.Out().size(), c.data.size());
+    c.end ? c.end(run) : run.Signal(SIGTERM);
+    EXPECT_EQ(run.WaitForExit(10000), 0);
     EXPECT_TRUE(run.Out() == c.data) << "first difference at byte "
                                      << std::ranges::mismatch(run.Out(), c.data).in1 - run.Out().begin();
     EXPECT_EQ(run.Err().find("dropped"), npos) << run.Err();
-  }
-}
-
-TEST(Headless, DataReadJustBeforeTheEndIsWritten) {
-  std::string data;
-  for (int i = 0; i < 4000; ++i) data += "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ"[i % 36];
-  const std::pair<const char*, std::function<void(Child&)>> ends[] = {
-      {"SIGTERM", [](Child& child) { child.Signal(SIGTERM); }},
-      {"SIGINT", [](Child& child) { child.Signal(SIGINT); }},
-      {"the exit command", [](Child& child) { child.Type("~exit\n"); }},
-  };
-  for (const auto& [name, end] : ends) {
-    SCOPED_TRACE(name);
-    Session run;
-    ASSERT_TRUE(run.Opened()) << run.Err();
-    ASSERT_TRUE(run.device.Write(data));
-    std::this_thread::sleep_for(10ms);
-    end(run);
-    EXPECT_EQ(run.WaitForExit(10000), 0);
-    EXPECT_EQ(run.Out(), data);
   }
 }
 
@@ -155,8 +132,7 @@ TEST(Headless, EveryPipedLineIsSentOnceInOrderAndEndOfInputEnds) {
       // A closing pty throws away what its far side has not read yet, so the
       // end is checked on the status line: the last line was sent first.
       EXPECT_EQ(run.WaitForExit(10000), 0) << run.Err();
-      EXPECT_LT(run.Err().find("line 200"), run.Err().find("Shutting down...")) << run.Err();
-      EXPECT_NE(run.Err().find("Shutting down..."), npos) << run.Err();
+      EXPECT_NE(run.Err().find("Shutting down...", run.Err().find("line 200")), npos) << run.Err();
     } else {
       EXPECT_EQ(run.device.Read(expected.size() + 1, 20000), expected);
       EXPECT_EQ(run.Terminate(), 0) << run.Err();
@@ -199,7 +175,6 @@ TEST(Headless, ATerminalGetsTheWelcomeAndUtf8BothWays) {
       "    Welcome to Wavetrace Pro\r\n    Rel. 2.71.3089 (11.2008)\r\n\r\n Please tap the PLAY button\r\n"
       " below to open a communications\r\n port. After which you may then\r\n begin receiving serial "
       "data\r\n into your Pocket PC.\r\n");
-  EXPECT_NE(child.Err().find("Warning: Version mismatch"), npos);
   ASSERT_TRUE(setup.device.Write("caf\xE9\r\n"));
   EXPECT_TRUE(child.WaitForOutput("caf\xC3\xA9\r\n")) << child.Out();
   child.Type("caf\xC3\xA9\n");
@@ -252,14 +227,14 @@ TEST(Headless, RelayForwardsWhatThePortReceives) {
   const std::string port = std::to_string(server.Port());
   Session run({"--relay", "tcp://localhost:" + port});
   // RELAY goes on once the port is open; what arrives from then on is relayed.
-  ASSERT_TRUE(run.WaitForError("Connection opened")) << run.Err();
+  // The status texts go to standard error; the name was looked up.
+  ASSERT_TRUE(run.WaitForError("TCP/IP relay. Connection opened to [127.0.0.1:" + port + "]")) << run.Err();
   ASSERT_TRUE(run.device.Write("$GPRMC,1*00\r\n"));
   ASSERT_TRUE(server.WaitFor(13)) << run.Err();
   EXPECT_EQ(server.Received(), "$GPRMC,1*00\r\n");
   EXPECT_EQ(run.Terminate(), 0) << run.Err();
-  for (const char* line :
-       {"TCP/IP relay. Connection opened to ", "TCP/IP relay deactivated. Connection closed to "})
-    EXPECT_NE(run.Err().find(line + ("[127.0.0.1:" + port + "]")), npos) << run.Err();
+  EXPECT_NE(run.Err().find("TCP/IP relay deactivated. Connection closed to [127.0.0.1:" + port + "]"), npos)
+      << run.Err();
 }
 
 TEST(Headless, APortThatFailsAtStartEndsTheRunWithOne) {
@@ -276,9 +251,7 @@ TEST(Headless, APortThatFailsAtStartEndsTheRunWithOne) {
   EXPECT_LT(box, failed) << err;
   EXPECT_NE(failed, npos) << err;
   // The system's text once per message: the box's line and the status line.
-  size_t count = 0;
-  for (size_t at = err.find(words); at != npos; at = err.find(words, at + 1)) ++count;
-  EXPECT_EQ(count, 2u) << err;
+  EXPECT_EQ(Count(err, words), 2u) << err;
 }
 
 TEST(Headless, AReconnectingRunWaitsIdleForItsDeviceAndTakesItBackUntilStop) {
@@ -289,40 +262,31 @@ TEST(Headless, AReconnectingRunWaitsIdleForItsDeviceAndTakesItBackUntilStop) {
     std::filesystem::remove(link);
     std::filesystem::create_symlink(device.SlavePath(), link);
   };
-  auto count = [](const std::string& text, const std::string& what) {
-    size_t n = 0;
-    for (size_t at = text.find(what); at != npos; at = text.find(what, at + 1)) ++n;
-    return n;
-  };
   Child child({"--port", link, "--reconnect"}, folder.Path());
   ASSERT_TRUE(child.WaitForError("Waiting for the device to come back [" + link + "]")) << child.Err();
   // Waiting is idle: no busy loop (a tick is 10 ms; a second of spinning is 100).
   long before = child.CpuTicks();
-  std::this_thread::sleep_for(std::chrono::seconds(1));
+  std::this_thread::sleep_for(1s);
   EXPECT_LE(child.CpuTicks() - before, 10);
 
-  auto first = std::make_unique<platform::PtyPair>();
-  plugIn(*first);
-  ASSERT_TRUE(child.Opened()) << child.Err();
-  first->Write("one\r\n");
-  ASSERT_TRUE(child.WaitForOutput("one\r\n"));
-  first->CloseMaster();  // unplugged
-  ASSERT_TRUE(child.Until([&] { return count(child.Err(), "Waiting for the device to come back") == 2; }));
-  platform::PtyPair second;
-  plugIn(second);
-  ASSERT_TRUE(child.Until([&] { return count(child.Err(), "Port opened again!") == 2; })) << child.Err();
-  second.Write("two\r\n");
-  ASSERT_TRUE(child.WaitForOutput("two\r\n"));
-
+  // Plugged in, read from and unplugged, twice.
+  platform::PtyPair devices[3];
+  for (size_t n = 1; n <= 2; ++n) {
+    plugIn(devices[n - 1]);
+    ASSERT_TRUE(child.Until([&] { return Count(child.Err(), "Port opened again!") == n; })) << child.Err();
+    const std::string line = "line " + std::to_string(n) + "\r\n";
+    devices[n - 1].Write(line);
+    ASSERT_TRUE(child.WaitForOutput(line));
+    devices[n - 1].CloseMaster();
+    ASSERT_TRUE(
+        child.Until([&] { return Count(child.Err(), "Waiting for the device to come back") == n + 1; }));
+  }
   // STOP during a wait ends it: a device that comes back then is left alone.
-  second.CloseMaster();
-  ASSERT_TRUE(child.Until([&] { return count(child.Err(), "Waiting for the device to come back") == 3; }));
   child.Type("~stop\n");
   ASSERT_TRUE(child.WaitForError("Port closed!  Send/Receive deactivated."));
-  platform::PtyPair third;
-  plugIn(third);
-  std::this_thread::sleep_for(std::chrono::milliseconds(1500));
-  EXPECT_EQ(count(child.Err(), "Port opened again!"), 2u) << child.Err();
+  plugIn(devices[2]);
+  std::this_thread::sleep_for(1500ms);
+  EXPECT_EQ(Count(child.Err(), "Port opened again!"), 2u) << child.Err();
   EXPECT_EQ(child.Terminate(), 0);
 }
 

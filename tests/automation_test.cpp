@@ -1,12 +1,12 @@
 // Scripts, the port scan and the function buttons.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <atomic>
+#include <fstream>
 #include <functional>
 #include <set>
 #include <string>
-#include <thread>
+#include <tuple>
 #include <vector>
 
 #include "automation/function_buttons.h"
@@ -14,9 +14,9 @@
 #include "automation/port_scan_table.h"
 #include "automation/script_runner.h"
 #include "automation/script_scanner.h"
+#include "cli_child.h"
 #include "core/code_page.h"
 #include "core/messages.h"
-#include "platform/files.h"
 #include "platform/pty.h"
 #include "program_fixture.h"
 
@@ -50,11 +50,7 @@ TEST(ScriptScanner, FindsTaggedCommands) {
     }
     EXPECT_EQ(found, c.found);
   }
-  EXPECT_EQ(KeywordOf(u"EXITPROGRAM"), Keyword::kExitProgram);
-  EXPECT_EQ(KeywordOf(u"BEEP"), Keyword::kUnknown);
-  EXPECT_EQ(ScriptNumber(u" 1050ms"), 1050);
-  EXPECT_EQ(ScriptNumber(u"-5"), 0);
-  EXPECT_EQ(ScriptNumber(u"abc"), 0);
+  // A delay this long cannot be run on the recording clock below.
   EXPECT_EQ(ScriptNumber(u"99999999999"), INT32_MAX);
 }
 
@@ -126,12 +122,9 @@ TEST(ScriptRunner, DelaysInWholeStepsAboveOneHundredMilliseconds) {
     const char16_t* delay;
     std::vector<int> waits;  // before the first poll after the command
   };
+  // The number is read as the C library reads one: blanks, a sign, digits.
   const Case cases[] = {
-      {u"1050", std::vector<int>(10, 100)},
-      {u"99", {99}},
-      {u"100", {100}},
-      {u"0", {}},
-  };
+      {u" 1050ms", std::vector<int>(10, 100)}, {u"99", {99}}, {u"100", {100}}, {u"abc", {}}, {u"-5", {}}};
   for (const Case& c : cases) {
     SCOPED_TRACE(core::WideToUtf8(c.delay));
     RecordingHost host;
@@ -159,37 +152,32 @@ TEST(ScriptRunner, HoldingCutsADelayShortAndResumesWithTheNextCommand) {
   EXPECT_EQ(host.events, (std::vector<std::string>{"SEND:next@800", "EXIT@900"}));
 }
 
+// The headings each entry gets: HeadlessScan.FindsTheSimulatedDevicesSetting.
 TEST(PortScanTable, StartsAtTheCurrentSettingAndStepsInLockstep) {
   struct Case {
     uint32_t baud;
     ScanRotation rotate;
     int32_t customCount;
     size_t total;
-    std::vector<std::string> first;  // the first headings
-  };
-  auto headings = [](const std::vector<ScanEntry>& table, size_t n) {
-    std::vector<std::string> result;
-    for (size_t i = 0; i < std::min(n, table.size()); ++i) {
-      std::string heading = ScanHeading(u"COM1:", table[i]).substr(2);  // after the leading CR LF
-      if (heading.ends_with("\r\n")) heading.resize(heading.size() - 2);
-      result.push_back(heading);
-    }
-    return result;
+    std::vector<ScanEntry> first;  // the first entries
   };
   const Case cases[] = {
       {9600,
        {true, true, true, true},
        0,
        360,
-       {"[COM1:,9600,8,N,1]", "[COM1:,9600,7,O,1.5]", "[COM1:,9600,6,E,2]", "[COM1:,9600,5,M,1]",
-        "[COM1:,9600,8,S,1.5]"}},
-      {115200, {true, false, false, false}, 0, 1, {"[COM1:,115200,8,N,1]"}},
+       {{9600, 8, u"None", u"1"},
+        {9600, 7, u"Odd", u"1.5"},
+        {9600, 6, u"Even", u"2"},
+        {9600, 5, u"Mark", u"1"},
+        {9600, 8, u"Space", u"1.5"}}},
+      {115200, {true, false, false, false}, 0, 1, {{115200, 8, u"None", u"1"}}},
       // Six baud steps share four entries: none per rate, all stay empty.
-      {9600, {false, true, false, false}, 0, 4, {"[COM1:,0,0,", "[COM1:,0,0,"}},
+      {9600, {false, true, false, false}, 0, 4, {{}, {}, {}, {}}},
       // A rate that is not in the list counts as the first one.
-      {12345, {true, false, false, false}, 0, 16, {"[COM1:,75,8,N,1]", "[COM1:,110,8,N,1]"}},
+      {12345, {true, false, false, false}, 0, 16, {{75, 8, u"None", u"1"}, {110, 8, u"None", u"1"}}},
       // The custom rate comes last, when there is one.
-      {115200, {true, false, false, false}, 1, 2, {"[COM1:,115200,8,N,1]", "[COM1:,12345,8,N,1]"}},
+      {115200, {true, false, false, false}, 1, 2, {{115200, 8, u"None", u"1"}, {12345, 8, u"None", u"1"}}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.baud);
@@ -199,31 +187,29 @@ TEST(PortScanTable, StartsAtTheCurrentSettingAndStepsInLockstep) {
     port.CustomBaud_01 = 12345;
     std::vector<ScanEntry> table = BuildScanTable(port, c.rotate);
     EXPECT_EQ(table.size(), c.total);
-    EXPECT_EQ(headings(table, c.first.size()), c.first);
+    table.resize(std::min(table.size(), c.first.size()));
+    EXPECT_EQ(table, c.first);
   }
   // Within a rate every pairing of data bits, parity and stop bits occurs once.
-  core::PortSettings port;
-  std::vector<ScanEntry> table = BuildScanTable(port, {true, true, true, true});
-  std::set<std::string> pairings;
-  for (size_t i = 0; i < 60; ++i) pairings.insert(headings({table[i]}, 1)[0]);
+  std::vector<ScanEntry> table = BuildScanTable(core::PortSettings{}, {true, true, true, true});
+  std::set<std::tuple<uint8_t, std::u16string, std::u16string>> pairings;
+  for (size_t i = 0; i < 60; ++i) pairings.emplace(table[i].DataBits, table[i].Parity, table[i].StopBits);
   EXPECT_EQ(pairings.size(), 60u);
   EXPECT_EQ(table[60].Baud, 14400u);
 }
 
 using ProgramAutomation = testing::ProgramFixture;
 
+// Software buttons 3 to 6 stay disabled: MainWindow.StripsShowWhatTheModelSaysAndPostTheirControls.
 TEST_F(ProgramAutomation, TokensRunOnlyFromHardwareButtons) {
   state.Port.SelectedPort = u"VSP0:";
   state.Data.HardwareButtonData[0] = u"{PLAY}";
   state.Data.SoftwareButtonData[0] = u"{PLAY}";
-  state.Data.SoftwareButtonData[2] = u"third";
   auto press = [&](int key) { state.Queue.Send(core::MakeMessage(core::kWmStripCommand, key)); };
   int firstSoftware = core::strip::kSoftwareStrip + core::strip::kFirstSoftwareButton;
   press(firstSoftware);
   EXPECT_EQ(state.Screen.TxText(), u"{PLAY}");
   EXPECT_FALSE(state.PlayFlag);
-  press(firstSoftware + 2);  // buttons 3 to 6 stay disabled
-  EXPECT_EQ(state.Screen.TxText(), u"{PLAY}");
   state.Queue.Send(core::MakeMessage(core::kWmHotKey, 197));  // application key 5: nothing
   EXPECT_FALSE(state.PlayFlag);
   state.Queue.Send(core::MakeMessage(core::kWmHotKey, core::kFirstHotKey));
@@ -233,7 +219,6 @@ TEST_F(ProgramAutomation, TokensRunOnlyFromHardwareButtons) {
   auto port = state.PortHandle;
   state.Queue.Send(core::MakeMessage(core::kWmHotKey, core::kFirstHotKey));
   EXPECT_EQ(state.PortHandle, port);
-  EXPECT_FALSE(state.Screen.IsButtonEnabled(firstSoftware + 3));
 }
 
 TEST_F(ProgramAutomation, StopDuringAScanRestoresTheLineSetting) {
@@ -247,9 +232,9 @@ TEST_F(ProgramAutomation, StopDuringAScanRestoresTheLineSetting) {
   };
   strip(core::strip::kPsmStart);
   EXPECT_FALSE(state.Screen.IsButtonEnabled(core::strip::kPsmStrip + core::strip::kPsmStart));
+  // The first combination is the current setting (PortScanTable), the second has Mark parity.
   ASSERT_TRUE(PumpUntil([&] { return state.PortOpen && state.Port.SelectedBaud == 1200; }));
-  EXPECT_EQ(state.Port.Parity, u"Even");
-  ASSERT_TRUE(PumpUntil([&] { return state.Port.Parity == u"Mark"; }));  // the second combination
+  ASSERT_TRUE(PumpUntil([&] { return state.Port.Parity == u"Mark"; }));
   strip(core::strip::kPsmStop);
   // START comes back once the thread has put the setting back and stopped.
   ASSERT_TRUE(PumpUntil([&] {
@@ -265,86 +250,58 @@ TEST_F(ProgramAutomation, StopDuringAScanRestoresTheLineSetting) {
   EXPECT_FALSE(state.PortScanMode);
 }
 
-// wavetrace-cli run to its end in a fresh configuration folder: its exit
-// code, standard output and standard error.
-struct CliRun {
-  int exitCode = -1;
-  std::string out;
-  std::string err;
+// wavetrace-cli in a fresh configuration folder of this release (the registry
+// is written before the program starts).
+struct CliRun : testing::TempFolder, testing::Child {
+  CliRun(const std::string& registry, const std::vector<std::string>& args)
+      : Child((testing::WriteRegistry(Path(), registry), args), Path()) {}
 };
 
-CliRun RunCli(const testing::TempFolder& home, const std::string& args) {
-  std::string out = home.Path() + "/stdout", err = home.Path() + "/stderr";
-  std::string command = "WAVETRACE_HOME='" + home.Path() + "' timeout 120 " WAVETRACE_CLI_PATH " " + args +
-                        " </dev/null >'" + out + "' 2>'" + err + "'";
-  int status = std::system(command.c_str());
-  CliRun run;
-  run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  run.out = platform::ReadWholeFile(out).value_or("");
-  run.err = platform::ReadWholeFile(err).value_or("");
-  return run;
-}
-
-void WriteFile(const std::string& path, const std::string& text) {
-  ASSERT_FALSE(!platform::WriteFileAtomically(path, text));
-}
-
 TEST(HeadlessScript, LoadsOpensSendsStopsAndExits) {
-  testing::TempFolder home;
-  testing::WriteRegistry(home.Path());
   platform::PtyPair device;
   ASSERT_TRUE(device.Valid());
-  WriteFile(home.Path() + "/port.cfg.txt",
-            "[Wavetrace Pro]\r\nConfigFile=1\r\n[COMMs]\r\nSelectedPort=" + device.SlavePath() +
-                "\r\nSelectedBaud=115200\r\n; 64 bytes at least\r\n");
-  WriteFile(home.Path() + "/run.txt",
-            "<COMMENT>start</COMMENT>\r\n<CONFIG>" + home.Path() +
-                "/port.cfg.txt</CONFIG>\r\n<PLAY></PLAY>\r\n<SEND>one[0D][0A]</SEND>\r\n"
-                "<send>two[0D][0A]</send>\r\n<DELAY>300</DELAY>\r\n<STOP></STOP>\r\n"
-                "<EXITPROGRAM></EXITPROGRAM>\r\n<SEND>never</SEND>");
-  CliRun run;
-  std::thread program([&] { run = RunCli(home, "--script " + home.Path() + "/run.txt"); });
-  std::string received = device.Read(12, 20000);
-  program.join();
-  EXPECT_EQ(received, "one\r\ntwo\r\n");
-  EXPECT_EQ(run.exitCode, 0) << run.err;
-  EXPECT_NE(run.out.find("\r\nstart\r\n"), std::string::npos);
-  EXPECT_EQ(run.out.find("[END]"), std::string::npos);  // EXITPROGRAM: no end banner
+  testing::TempFolder scripts;
+  std::ofstream(scripts.Path() + "/port.cfg.txt")
+      << "[Wavetrace Pro]\r\nConfigFile=1\r\n[COMMs]\r\nSelectedPort=" << device.SlavePath()
+      << "\r\nSelectedBaud=115200\r\n; 64 bytes at least\r\n";
+  std::ofstream(scripts.Path() + "/run.txt")
+      << "<COMMENT>start</COMMENT>\r\n<CONFIG>" << scripts.Path()
+      << "/port.cfg.txt</CONFIG>\r\n<PLAY></PLAY>\r\n<SEND>one[0D][0A]</SEND>\r\n<send>two[0D][0A]</send>\r\n"
+         "<DELAY>300</DELAY>\r\n<STOP></STOP>\r\n<EXITPROGRAM></EXITPROGRAM>\r\n<SEND>never</SEND>";
+  CliRun run("", {"--script", scripts.Path() + "/run.txt"});
+  EXPECT_EQ(device.Read(12, 20000), "one\r\ntwo\r\n");
+  EXPECT_EQ(run.WaitForExit(20000), 0) << run.Err();
+  EXPECT_NE(run.Out().find("\r\nstart\r\n"), std::string::npos);
+  EXPECT_EQ(run.Out().find("[END]"), std::string::npos);  // EXITPROGRAM: no end banner
 }
 
 TEST(HeadlessScript, UnreadableScriptsEndTheRunAndExitAfterScriptEndsAtTheBanner) {
-  testing::TempFolder home;
-  testing::WriteRegistry(home.Path());
-  WriteFile(home.Path() + "/empty.txt", "");
-  WriteFile(home.Path() + "/note.txt", "<COMMENT>note</COMMENT>");
+  testing::TempFolder scripts;
+  std::ofstream(scripts.Path() + "/empty.txt");
+  std::ofstream(scripts.Path() + "/note.txt") << "<COMMENT>note</COMMENT>";
   for (std::string script : {"/missing.txt", "/empty.txt"}) {
-    CliRun run = RunCli(home, "--script " + home.Path() + script);
-    EXPECT_EQ(run.exitCode, 1) << script;
-    EXPECT_NE(run.err.find("init failed... aborting."), std::string::npos) << run.err;
+    CliRun run("", {"--script", scripts.Path() + script});
+    EXPECT_EQ(run.WaitForExit(), 1) << script;
+    EXPECT_NE(run.Err().find("init failed... aborting."), std::string::npos) << run.Err();
   }
-  CliRun run = RunCli(home, "--exit-after-script /SCRIPT::" + home.Path() + "/note.txt");
-  EXPECT_EQ(run.exitCode, 0) << run.err;
-  // The banner, then the last command once more.
-  EXPECT_NE(
-      run.out.find("\r\nnote\r\n\r\n ============================\r\n Script Automation mode:[END]\r\n\r\n"
-                   "\r\nnote\r\n"),
-      std::string::npos)
-      << run.out;
+  CliRun run("", {"--exit-after-script", "/SCRIPT::" + scripts.Path() + "/note.txt"});
+  EXPECT_EQ(run.WaitForExit(20000), 0) << run.Err();
+  // The banner and what follows it: ScriptRunner.CarriesOutCommandsInOrderAndEndsWithTheBanner.
+  EXPECT_NE(run.Out().find("Script Automation mode:[END]"), std::string::npos) << run.Out();
 }
 
 TEST(HeadlessScan, FindsTheSimulatedDevicesSetting) {
-  testing::TempFolder home;
-  testing::WriteRegistry(home.Path(), "SimulatedSentenceMs=dword:000000fa\n");
-  CliRun run = RunCli(home, "--port VSP0: --baud 2400 --scan --scan-interval 1");
-  EXPECT_EQ(run.exitCode, 0) << run.err;
-  EXPECT_NE(run.out.find("PSM started.\r\n(Total combinations = 9)\r\nScan interval = 1 sec.\r\n"),
+  CliRun run("SimulatedSentenceMs=dword:000000fa\n",
+             {"--port", "VSP0:", "--baud", "2400", "--scan", "--scan-interval", "1"});
+  EXPECT_EQ(run.WaitForExit(120000), 0) << run.Err();
+  EXPECT_NE(run.Out().find("PSM started.\r\n(Total combinations = 9)\r\nScan interval = 1 sec.\r\n"),
             std::string::npos);
   // Readable sentences under the device's own setting, and only there.
   auto section = [&](const std::string& heading) {
-    size_t at = run.out.find(heading);
+    size_t at = run.Out().find(heading);
     if (at == std::string::npos) return std::string("(missing)");
-    size_t next = run.out.find("\r\n[VSP0:", at + heading.size());
-    return run.out.substr(at, next == std::string::npos ? std::string::npos : next - at);
+    size_t next = run.Out().find("\r\n[VSP0:", at + heading.size());
+    return run.Out().substr(at, next == std::string::npos ? std::string::npos : next - at);
   };
   EXPECT_NE(section("[VSP0:,4800,8,N,1]").find("$GPGGA,"), std::string::npos);
   for (const char* other : {"[VSP0:,2400,8,N,1]", "[VSP0:,9600,8,N,1]", "[VSP0:,115200,8,N,1]"}) {

@@ -132,4 +132,11 @@ class Child {
   bool exited_ = false;
 };
 
+// How many times what occurs in text.
+inline size_t Count(const std::string& text, const std::string& what) {
+  size_t n = 0;
+  for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) ++n;
+  return n;
+}
+
 }  // namespace wavetrace::testing

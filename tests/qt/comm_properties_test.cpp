@@ -1,12 +1,6 @@
 // The Communication Properties pages: the dialog over a port table of its
 // own, and through the menu of the running program (with the Port Scan
 // page and its strip).
-#include <QCheckBox>
-#include <QComboBox>
-#include <QGroupBox>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QSpinBox>
 #include <array>
 #include <string>
 #include <tuple>

@@ -1,10 +1,4 @@
 // The About screen, the Program Options page and the relay pages.
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QRadioButton>
 #include <tuple>
 
 #include "config/program_options.h"

@@ -6,14 +6,9 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
-#include <QAction>
-#include <QApplication>
-#include <QDialogButtonBox>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QTimer>
+// The whole widget and test modules: the tests reach into most kinds of widget.
+#include <QtTest>
+#include <QtWidgets>
 #include <functional>
 #include <memory>
 #include <utility>

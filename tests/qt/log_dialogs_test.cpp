@@ -1,20 +1,8 @@
 // The Logging page of the receive options, opened from the RECORD button,
 // and the advanced logging sheet.
-#include <QButtonGroup>
-#include <QCheckBox>
-#include <QContextMenuEvent>
-#include <QFileDialog>
-#include <QGroupBox>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QSpinBox>
-#include <QTabWidget>
-#include <QTemporaryDir>
-#include <QTest>
-
+#include "ui/log_dialogs.h"
 #include "core/published_settings.h"
 #include "tests/qt/gui_program.h"
-#include "ui/log_dialogs.h"
 #include "ui/receive_options_dialog.h"
 
 namespace wavetrace::ui {

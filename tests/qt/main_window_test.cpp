@@ -1,16 +1,5 @@
 // The Qt view over the real start-up: what the main window shows and what
 // its menu items, buttons and fields do.
-#include <QCheckBox>
-#include <QClipboard>
-#include <QComboBox>
-#include <QFile>
-#include <QFileDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenuBar>
-#include <QRegularExpression>
-#include <QScrollBar>
-#include <QTextCursor>
 #include <thread>
 
 #include "automation/port_scan.h"

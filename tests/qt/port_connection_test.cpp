@@ -1,7 +1,5 @@
 // PLAY and STOP on a pseudo-terminal through the running program: the
 // buttons, the status line, the menu item and the received text.
-#include <QLabel>
-
 #include "platform/pty.h"
 #include "tests/qt/gui_program.h"
 #include "ui/receive_view.h"

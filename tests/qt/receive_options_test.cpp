@@ -1,13 +1,4 @@
 // The "Rx Options" sheet through the menu (RECORD's press and hold: log_dialogs_test).
-#include <QButtonGroup>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QSpinBox>
-#include <QTabWidget>
-
 #include "core/published_settings.h"
 #include "tests/qt/gui_program.h"
 #include "ui/receive_options_dialog.h"

@@ -1,10 +1,5 @@
 // The reference screens on the screen; the test also runs under Xvfb
 // (CTest: ReferenceScreensUnderX), grabbing the real window there.
-#include <QDir>
-#include <QListWidget>
-#include <QScreen>
-#include <QSet>
-
 #include "app/reference_screens.h"
 #include "tests/qt/gui_program.h"
 #include "ui/about_dialog.h"

@@ -1,15 +1,5 @@
 // The Transmit Options sheet with its Configure Button page, and the file
 // picker of the transmit field.
-#include <QCheckBox>
-#include <QComboBox>
-#include <QFile>
-#include <QFileDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QRadioButton>
-#include <QSpinBox>
-#include <QToolButton>
 #include <string>
 #include <tuple>
 

@@ -1,8 +1,5 @@
 // The pieces of the view that need no running program: the receive
 // window's text mapping, the screen fit and the tray pictures.
-#include <QImage>
-#include <QTextDocument>
-
 #include "core/code_page.h"
 #include "tests/qt/gui_program.h"
 #include "ui/receive_view.h"

@@ -36,6 +36,13 @@ TEST(Screenshots, ReferenceScreens) {
     EXPECT_GT(colours.size(), 8) << name;
     EXPECT_TRUE(picture.save(QDir::current().filePath(QString::fromLatin1(name) + ".png"))) << name;
   }
+  // The About screen shows the release line, and the warning in automation mode only.
+  auto* release = about.findChild<QLabel*>("releaseLine");
+  auto* warning = about.findChild<QLabel*>("automationWarning");
+  ASSERT_TRUE(release && warning);
+  EXPECT_EQ(release->text() + " " + warning->text(),
+            "Rel. 2.71.3089  (11.2008) Warning: [ Automation Mode ]");
+  EXPECT_EQ(AboutDialog(u"", false).findChild<QLabel*>("automationWarning"), nullptr);
   EXPECT_EQ(chart.List()->count(), 256);
   EXPECT_TRUE(portrait.PicturesLoaded());
   EXPECT_EQ(std::pair(portrait.PictureShown(), landscape.PictureShown()),

@@ -84,9 +84,9 @@ TEST(CommProperties, ListsThePortsWritesEveryValueAndRefusesAnInvalidRate) {
   EXPECT_EQ(port.SelectedBaud, 250000u);
   CommPropertiesDialog again(port, table.paths);
   QComboBox* baud = again.BaudField();
-  EXPECT_EQ(baud->findText("230400") + 1, baud->currentIndex());
-  EXPECT_EQ(baud->findText("460800") - 1, baud->currentIndex());
-  EXPECT_EQ(baud->currentText(), "250000");
+  const int chosen = baud->currentIndex();
+  EXPECT_EQ(QStringList({baud->itemText(chosen - 1), baud->currentText(), baud->itemText(chosen + 1)}),
+            QStringList({"230400", "250000", "460800"}));
 
   // A rate that is not a positive number is refused and the dialog stays open.
   dialog.open();
@@ -107,7 +107,8 @@ TEST(CommProperties, ListsThePortsWritesEveryValueAndRefusesAnInvalidRate) {
   EXPECT_EQ(dialog.result(), QDialog::Accepted);
 }
 
-TEST(CommProperties, ThroughTheMenuCancelKeepsAndOkStores) {
+// Through the menu, with the Port Scan page: its box enables its options and OK shows its strip.
+TEST(CommProperties, ThroughTheMenuCancelKeepsAndOkStoresBothPages) {
   RunShown([&](MainWindowWidget& window, core::AppState& state) {
     PortTable table;
     // The last loaded configuration names none of these ports, so its line
@@ -115,25 +116,12 @@ TEST(CommProperties, ThroughTheMenuCancelKeepsAndOkStores) {
     ASSERT_NE(state.Snapshot.Port.SelectedPort, u"VSP0:");
     state.Port = table.port;
     state.PortDevicePath = table.paths;
+    const core::PortScanSettings opened = state.Psm;
     CancelThenOk<CommPropertiesDialog>(
         window, core::cmd::kCommProperties,
         [](CommPropertiesDialog& dialog) {
           dialog.PortList()->setCurrentRow(2);
           dialog.BaudField()->setEditText("31250");
-        },
-        [&](bool ok) {
-          EXPECT_EQ(state.Port.SelectedPort, ok ? u"VSP0:" : u"COM3:");
-          EXPECT_EQ(state.Port.SelectedBaud, ok ? 31250u : 9600u);
-        });
-  });
-}
-
-TEST(CommProperties, PortScanPageEnablesItsOptionsWithItsBoxAndOkShowsTheStrip) {
-  RunShown([&](MainWindowWidget& window, core::AppState& state) {
-    const core::PortScanSettings opened = state.Psm;
-    testing::CancelThenOk<CommPropertiesDialog>(
-        window, core::cmd::kCommProperties,
-        [](CommPropertiesDialog& dialog) {
           const auto& rotate = dialog.RotateBoxes();
           // The rotate boxes are the group's.
           auto usable = [&] { return rotate[3]->isEnabled() && dialog.ScanIntervalField()->isEnabled(); };
@@ -145,6 +133,8 @@ TEST(CommProperties, PortScanPageEnablesItsOptionsWithItsBoxAndOkShowsTheStrip) 
           dialog.ScanIntervalField()->stepBy(4);
         },
         [&](bool ok) {
+          EXPECT_EQ(state.Port.SelectedPort, ok ? u"VSP0:" : u"COM3:");
+          EXPECT_EQ(state.Port.SelectedBaud, ok ? 31250u : 9600u);
           EXPECT_EQ(state.Psm, ok ? (core::PortScanSettings{1, 1, 0, 1, 0, 5, 0}) : opened);
           EXPECT_TRUE(WaitUntil([&] { return window.PortScanStrip()->isVisibleTo(&window) == ok; }));
         });

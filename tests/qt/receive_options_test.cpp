@@ -45,14 +45,12 @@ TEST(ReceiveOptions, OpensWithTheSettingsStoresBoxesAtOnceCancelPutsBackOkApplie
         },
         [&](bool ok) {
           EXPECT_TRUE(core::SettingsArePublished(state));
-          if (!ok) {
-            EXPECT_TRUE(state.Data == before);
-            return;
-          }
-          EXPECT_EQ(std::tuple(state.Data.PostambleLengthRX, state.Data.SnR_count,
-                               state.Data.SnR[1].wcszSearchFor, state.Data.RxDelayReadThread),
-                    std::tuple(2, 1, std::u16string(u"cd"), 1234u));
-          EXPECT_EQ(state.Data.FilterNP, 1);
+          EXPECT_EQ(state.Data == before, !ok);
+          if (!ok) return;
+          EXPECT_EQ(
+              std::tuple(state.Data.PostambleLengthRX, state.Data.SnR_count, state.Data.SnR[1].wcszSearchFor,
+                         state.Data.RxDelayReadThread, state.Data.FilterNP),
+              std::tuple(2, 1, std::u16string(u"cd"), 1234u, 1));
         });
   });
 }

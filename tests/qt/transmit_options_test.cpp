@@ -63,10 +63,8 @@ TEST(TransmitOptions, PagesShowTheSettingsAddAppendsWhileTheFieldHasRoomCancelKe
           dialog.ButtonCaptionField()->setText(QStringLiteral("Signal"));
         },
         [&](bool ok) {
-          if (!ok) {
-            EXPECT_TRUE(data == before);
-            return;
-          }
+          EXPECT_EQ(data == before, !ok);
+          if (!ok) return;
           EXPECT_EQ(std::tuple(data.TxRepeatNum, data.TxRepeatDelay, data.PostambleLengthTX,
                                data.TxClrRCVEtxt, data.TxSendWholeFile),
                     std::tuple(0u, 1500u, 4, 0, 1));

@@ -54,8 +54,8 @@ class GuiProgram {
   }
   ~GuiProgram() { unsetenv("WAVETRACE_HOME"); }
 
-  // The body runs inside the loop; the exit command follows it unless told not to.
-  int Run(const std::function<void()>& body, bool exitAfterBody = true) {
+  // The body runs inside the loop; the exit command follows it.
+  int Run(const std::function<void()>& body) {
     state_.View = view_.get();
     state_.Screen.SetEventsEnabled(true);
     QObject scope;
@@ -73,7 +73,7 @@ class GuiProgram {
     int exitCode = app::RunProgram(state_, [&] {
       QTimer::singleShot(0, &scope, [&] {
         body();
-        if (exitAfterBody) state_.Queue.PostCommand(core::cmd::kExit);
+        state_.Queue.PostCommand(core::cmd::kExit);
       });
       QTimer::singleShot(20000, &scope, [this] {
         ADD_FAILURE() << "the program did not end in time";

@@ -5,7 +5,6 @@
 
 #include "automation/port_scan.h"
 #include "core/clipboard.h"
-#include "core/reporting.h"
 #include "tests/qt/gui_program.h"
 #include "ui/receive_view.h"
 
@@ -156,20 +155,12 @@ TEST(MainWindow, ButtonsFieldsClipboardAndFullscreenTalkToTheModel) {
 }
 
 TEST(MainWindow, ClosingTheWindowIsTheExitCommand) {
-  GuiProgram program;
-  MainWindowWidget& window = program.View().Window();
-  bool stayedOpen = false;
-  int exitCode = program.Run(
-      [&] {
-        ASSERT_TRUE(WaitUntil([&] { return window.isVisible(); }));
-        window.close();
-        // The close was refused: the shutdown, not the window, ends the run.
-        stayedOpen = window.isVisible();
-      },
-      false);
-  EXPECT_EQ(exitCode, 0);
-  EXPECT_TRUE(stayedOpen);
-  EXPECT_TRUE(program.State().ShuttingDown);
+  RunShown([&](MainWindowWidget& window, core::AppState& state) {
+    window.close();
+    // The close was refused: the shutdown, not the window, ends the run.
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_TRUE(WaitUntil([&] { return state.ShuttingDown.load(); }));
+  });
 }
 
 TEST(MainWindow, StripsShowWhatTheModelSaysAndPostTheirControls) {
@@ -218,46 +209,6 @@ TEST(MainWindow, RunScriptOffersTheConfigurationFolderAndRunsTheChosenScript) {
     EXPECT_TRUE(WaitUntil(
         [&] { return window.Receive()->ModelText().find(u"said by the script") != std::u16string::npos; }));
   });
-}
-
-// Both layouts: menus as wide as their widest caption (with its shortcut)
-// and a mnemonic on each; the desktop's receive window 80 columns or more of
-// a fixed-pitch font, the whole of a long status message, the "paused" mark.
-TEST(MainWindow, MenusFitTheirCaptionsAndTheDesktopLayoutShowsEightyColumnsAndWholeMessages) {
-  for (auto layout : {app::WindowLayout::kCompact, app::WindowLayout::kDesktop}) {
-    RunShown(
-        [&](MainWindowWidget& window, core::AppState& state) {
-          for (QAction* title : window.menuBar()->actions())
-            EXPECT_FALSE(QKeySequence::mnemonic(title->text()).isEmpty()) << title->text().toStdString();
-          // The menus and their submenus.
-          for (QMenu* menu : window.menuBar()->findChildren<QMenu*>()) {
-            for (QAction* item : menu->actions()) {
-              QString caption = QString(item->text()).remove('&') + item->shortcut().toString();
-              EXPECT_GT(menu->sizeHint().width(), menu->fontMetrics().horizontalAdvance(caption) + 20)
-                  << caption.toStdString();
-            }
-          }
-          const bool desktop = layout == app::WindowLayout::kDesktop;
-          ReceiveView* receive = window.Receive();
-          const QFontMetrics& fixed = receive->fontMetrics();
-          EXPECT_EQ(fixed.horizontalAdvance('i'), fixed.horizontalAdvance('M'));
-          EXPECT_GE(receive->VisibleColumns(), desktop ? 80 : 1);
-          window.Action(cmd::kPauseRxDisplay)->trigger();
-          EXPECT_TRUE(WaitUntil([&] { return window.PausedMark()->isVisible(); }));
-          if (!desktop) return;
-          const std::u16string message =
-              u"Error! " + std::u16string(40, u'y') + u" " + std::u16string(152, u'x');
-          core::ShowStatus(state, message);
-          QLabel* status = window.StatusLine();
-          EXPECT_TRUE(WaitUntil([&] {
-            return status->text().toStdU16String() == message &&
-                   status->height() >= status->heightForWidth(status->width()) &&
-                   status->height() > 2 * status->fontMetrics().lineSpacing();
-          }));
-          EXPECT_EQ(window.Button(cmd::kPlay)->y(), window.Button(cmd::kClearButton)->y());
-        },
-        layout);
-  }
 }
 
 }  // namespace

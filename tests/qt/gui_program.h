@@ -46,7 +46,7 @@ inline bool WaitUntil(const std::function<bool()>& condition, int timeoutMs = 50
 // the layout given, as --layout gives it.
 class GuiProgram {
  public:
-  explicit GuiProgram(app::WindowLayout layout = app::WindowLayout::kCompact) {
+  explicit GuiProgram(app::WindowLayout layout) {
     wavetrace::testing::WriteRegistry(home_.path().toStdString());
     setenv("WAVETRACE_HOME", home_.path().toLocal8Bit().constData(), 1);
     state_.Switches.Layout = static_cast<int32_t>(layout);
@@ -54,8 +54,8 @@ class GuiProgram {
   }
   ~GuiProgram() { unsetenv("WAVETRACE_HOME"); }
 
-  // The body runs inside the loop; the exit command follows it.
-  int Run(const std::function<void()>& body) {
+  // The body runs inside the loop once the main window is up; the exit command follows it.
+  int Run(const std::function<void(MainWindowWidget&, core::AppState&)>& body) {
     state_.View = view_.get();
     state_.Screen.SetEventsEnabled(true);
     QObject scope;
@@ -72,7 +72,9 @@ class GuiProgram {
     boxGuard.start(100);
     int exitCode = app::RunProgram(state_, [&] {
       QTimer::singleShot(0, &scope, [&] {
-        body();
+        MainWindowWidget& window = view_->Window();
+        EXPECT_TRUE(WaitUntil([&] { return window.isVisible(); })) << "the main window is not shown";
+        if (window.isVisible()) body(window, state_);
         state_.Queue.PostCommand(core::cmd::kExit);
       });
       QTimer::singleShot(20000, &scope, [this] {
@@ -85,9 +87,6 @@ class GuiProgram {
     return exitCode;
   }
 
-  core::AppState& State() { return state_; }
-  QtView& View() { return *view_; }
-
  private:
   QApplication& application_ = TestApplication();
   QTemporaryDir home_;
@@ -98,13 +97,7 @@ class GuiProgram {
 // A whole run that calls body once the main window is up; it must end with 0.
 inline void RunShown(const std::function<void(MainWindowWidget&, core::AppState&)>& body,
                      app::WindowLayout layout = app::WindowLayout::kCompact) {
-  GuiProgram program(layout);
-  MainWindowWidget& window = program.View().Window();
-  int exitCode = program.Run([&] {
-    ASSERT_TRUE(WaitUntil([&] { return window.isVisible(); }));
-    body(window, program.State());
-  });
-  EXPECT_EQ(exitCode, 0);
+  EXPECT_EQ(GuiProgram(layout).Run(body), 0);
 }
 
 // Calls act(dialog) once a modal dialog of type T is up; the dialog runs its
@@ -112,13 +105,13 @@ inline void RunShown(const std::function<void(MainWindowWidget&, core::AppState&
 template <typename T>
 class ModalHandler {
  public:
-  explicit ModalHandler(std::function<void(T&)> act) : act_(std::move(act)) {
-    QObject::connect(&timer_, &QTimer::timeout, [this] {
+  explicit ModalHandler(std::function<void(T&)> act) {
+    QObject::connect(&timer_, &QTimer::timeout, [this, act = std::move(act)] {
       auto* dialog = qobject_cast<T*>(QApplication::activeModalWidget());
       if (!dialog) return;
       timer_.stop();
       handled_ = true;
-      act_(*dialog);
+      act(*dialog);
     });
     timer_.start(10);
   }
@@ -126,7 +119,6 @@ class ModalHandler {
   [[nodiscard]] bool Handled() const { return handled_; }
 
  private:
-  std::function<void(T&)> act_;
   QTimer timer_;
   bool handled_ = false;
 };

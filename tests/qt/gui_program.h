@@ -23,14 +23,13 @@
 namespace wavetrace::ui::testing {
 
 inline QApplication& TestApplication() {
+  static int argc = 1;
+  static char* argv[] = {const_cast<char*>("wavetrace_qt_tests"), nullptr};
+  // Never destroyed: it must outlive every test and static.
   static QApplication* application = [] {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int argc = 1;
-    static char* argv[] = {const_cast<char*>("wavetrace_qt_tests"), nullptr};
-    // Never destroyed: it must outlive every test and static.
-    auto* created = new QApplication(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
-    return created;
+    return new QApplication(argc, argv);
   }();
   return *application;
 }

@@ -84,30 +84,28 @@ TEST(TransmitOptions, FilePickerPutsTheFileIntoTheTransmitField) {
   for (const QString& path : {first, second}) ASSERT_TRUE(QFile(path).open(QIODevice::WriteOnly));
   RunShown([&](MainWindowWidget& window, core::AppState& state) {
     // The button beside the field and the Edit menu's item; cancelling leaves the field as it is.
-    struct Pick {
-      QString path, expected;
-      bool button;
-    };
-    for (const auto& pick : {Pick{first, first, true}, Pick{"", first, false}, Pick{second, second, false}}) {
-      ModalHandler<QFileDialog> picker([&](QFileDialog& dialog) {
+    for (auto [path, expected, button] :
+         {std::tuple{first, first, true}, {QString(), first, false}, {second, second, false}}) {
+      ModalHandler<QFileDialog> picker([&, path = path](QFileDialog& dialog) {
         ExpectFitsTheWindow(dialog, window);
         // Typed as a user does: selectFile() depends on how far the folder listing has loaded.
         auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
-        if (pick.path.isEmpty() || !name) return dialog.reject();
-        name->setText(pick.path);
+        if (path.isEmpty() || !name) return dialog.reject();
+        name->setText(path);
         static_cast<QDialog&>(dialog).accept();  // the file dialog's own, which checks the file exists
       });
-      pick.button ? window.SendFileButton()->click() : window.SendFileAction()->trigger();
+      button ? window.SendFileButton()->click() : window.SendFileAction()->trigger();
       EXPECT_TRUE(picker.Handled());
-      const std::u16string field = u"[File::" + pick.expected.toStdU16String() + u"]";
+      const std::u16string field = u"[File::" + expected.toStdU16String() + u"]";
       EXPECT_EQ(state.Screen.TxText(), field);
       EXPECT_TRUE(WaitUntil([&] { return window.TransmitField()->currentText().toStdU16String() == field; }));
     }
-    // While the field is locked there is no file to choose either.
+    // The model locks the field, and then there is no file to choose either.
     for (bool enabled : {false, true}) {
       state.Screen.SetTxEnabled(enabled);
       EXPECT_TRUE(WaitUntil([&] {
-        return window.SendFileButton()->isEnabled() == enabled &&
+        return window.TransmitField()->isEnabled() == enabled &&
+               window.SendFileButton()->isEnabled() == enabled &&
                window.SendFileAction()->isEnabled() == enabled;
       }));
     }

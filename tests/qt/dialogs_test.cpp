@@ -1,15 +1,11 @@
-// The About screen, the Program Options page and the relay pages.
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QRadioButton>
+// The Program Options page and the relay pages (the About screen: reference_screens_test).
+#include <string>
 #include <tuple>
 
+#include "app/window_placement.h"
 #include "config/program_options.h"
+#include "core/code_page.h"
 #include "tests/qt/gui_program.h"
-#include "ui/about_dialog.h"
 #include "ui/program_options_dialog.h"
 #include "ui/relay_dialogs.h"
 #include "ui/window_relay_dialog.h"
@@ -19,62 +15,54 @@ namespace {
 
 using namespace testing;
 
-TEST(Dialogs, AboutShowsTheReleaseLineAndTheAutomationWarning) {
-  TestApplication();
-  for (bool automation : {false, true}) {
-    AboutDialog dialog(u"Rel. 2.71.3089  (11.2008)", automation);
-    auto* release = dialog.findChild<QLabel*>("releaseLine");
-    ASSERT_NE(release, nullptr);
-    EXPECT_EQ(release->text(), "Rel. 2.71.3089  (11.2008)");
-    auto* warning = dialog.findChild<QLabel*>("automationWarning");
-    EXPECT_EQ(warning ? warning->text() : "none", automation ? "Warning: [ Automation Mode ]" : "none");
-  }
-}
-
-TEST(Dialogs, ProgramOptionsPageShowsAndReturnsTheFourValues) {
-  TestApplication();
-  ProgramOptionsDialog dialog({.MULTIinst = 1, .DisableIcon = 1, .Layout = app::WindowLayout::kDesktop});
-  EXPECT_EQ(dialog.LayoutField()->currentText(), "Desktop");
-  dialog.LayoutField()->setCurrentIndex(1);
-  const std::tuple<QCheckBox*, const char*, bool> boxes[] = {
-      {dialog.IgnoreDefaultConfig(), "Ignore loading Default Config", false},
-      {dialog.MultipleInstances(), "Allow running multiple instances", true},
-      {dialog.HardwareButtons(), "Acquire hardware buttons", false},
-      {dialog.DisableIcon(), "Disable icon on Start bar", true}};
-  for (const auto& [box, caption, checked] : boxes) {
-    EXPECT_EQ(box->text(), caption);
-    EXPECT_EQ(box->isChecked(), checked) << caption;
-  }
-  dialog.IgnoreDefaultConfig()->setChecked(true);
-  dialog.DisableIcon()->setChecked(false);
-  ProgramOptionValues chosen = dialog.Values();
-  EXPECT_EQ(std::tuple(chosen.DEFAULTcfg, chosen.MULTIinst, chosen.AcquireHWbuttons, chosen.DisableIcon),
-            std::tuple(1u, 1u, 0u, 0u));
-  EXPECT_EQ(chosen.Layout, app::WindowLayout::kCompact);
-}
-
-TEST(Dialogs, ProgramOptionsThroughTheMenuOkSavesAndCancelDoesNot) {
+TEST(Dialogs, ProgramOptionsShowTheOptionsAndTheLayoutOkSavesThemAndCancelDoesNot) {
   RunShown([&](MainWindowWidget& window, core::AppState& state) {
+    state.ProgramOptions.MULTIinst = 1;
+    state.ProgramOptions.DisableIcon = 1;
+    auto values = [](const core::ProgramOptionsKey& options) {
+      return std::tuple(options.DEFAULTcfg, options.MULTIinst, options.AcquireHWbuttons, options.DisableIcon);
+    };
     CancelThenOk<ProgramOptionsDialog>(
         window, core::cmd::kProgramOptions,
-        [](ProgramOptionsDialog& dialog) { dialog.MultipleInstances()->setChecked(true); },
+        [](ProgramOptionsDialog& dialog) {
+          const std::tuple<QCheckBox*, const char*, bool> boxes[] = {
+              {dialog.IgnoreDefaultConfig(), "Ignore loading Default Config", false},
+              {dialog.MultipleInstances(), "Allow running multiple instances", true},
+              {dialog.HardwareButtons(), "Acquire hardware buttons", false},
+              {dialog.DisableIcon(), "Disable icon on Start bar", true}};
+          for (const auto& [box, caption, checked] : boxes) {
+            EXPECT_EQ(box->text(), caption);
+            EXPECT_EQ(box->isChecked(), checked) << caption;
+          }
+          EXPECT_EQ(dialog.LayoutField()->currentText(), "Automatic");
+          dialog.LayoutField()->setCurrentIndex(dialog.LayoutField()->findText("Desktop"));
+          dialog.IgnoreDefaultConfig()->setChecked(true);
+          dialog.DisableIcon()->setChecked(false);
+        },
         [&](bool ok) {
           core::AppState saved;
           saved.RegistryFile = state.RegistryFile;
           ASSERT_EQ(config::LoadProgramOptions(saved), 0);
-          EXPECT_EQ(state.ProgramOptions.MULTIinst + saved.ProgramOptions.MULTIinst, ok ? 2u : 0u);
+          EXPECT_EQ(values(state.ProgramOptions),
+                    ok ? std::tuple(1u, 1u, 0u, 0u) : std::tuple(0u, 1u, 0u, 1u));
+          EXPECT_EQ(values(saved.ProgramOptions),
+                    ok ? std::tuple(1u, 1u, 0u, 0u) : std::tuple(0u, 0u, 0u, 0u));
+          // The layout is kept in the window file and counts from the next start.
+          EXPECT_EQ(app::LoadWindowPlacement(core::WideToUtf8(state.ConfigFolder)).Layout,
+                    ok ? app::WindowLayout::kDesktop : app::WindowLayout::kAutomatic);
         });
     EXPECT_TRUE(WaitUntil([&] { return window.StatusLine()->text() == "Program Options saved."; }));
   });
 }
 
-TEST(Dialogs, RelayPagesClampWhatIsTypedFollowTheEnableBoxAndCancelPutsTheSettingsBack) {
+TEST(Dialogs, RelayPagesClampWhatIsTypedFollowTheEnableBoxesAndCancelPutsTheSettingsBack) {
   TestApplication();
+  unsetenv("DISPLAY");
   core::AppState state;
   state.Data.IP = {u"10", u"0", u"0", u"1"};
   state.Data.RelayTCP_RemotePort = 5000;
   const core::DataSettings before = state.Data;
-  {
+  for (bool ok : {false, true}) {
     IpRelayDialog page(state);
     EXPECT_EQ(page.OctetField(0)->text(), "10");
     EXPECT_TRUE(page.TcpButton()->isChecked());
@@ -86,49 +74,27 @@ TEST(Dialogs, RelayPagesClampWhatIsTypedFollowTheEnableBoxAndCancelPutsTheSettin
       EXPECT_EQ(field->cursorPosition(), field->text().size());
     }
     page.UdpButton()->click();
-    EXPECT_EQ(state.Data.Relay_SocketType_UDP, 1);
-    page.accept();
-    EXPECT_EQ(state.Data.IP[1], u"255");
-    EXPECT_EQ(state.Data.RelayTCP_RemotePort, 65535);
+    EXPECT_EQ(state.Data.Relay_SocketType_UDP, 1) << "stored at once";
+    ok ? page.accept() : page.reject();
+    EXPECT_EQ(state.Data == before, !ok);
   }
-  state.Data = before;
-  {
-    IpRelayDialog page(state);
-    page.UdpButton()->click();
-    page.OctetField(3)->setText("9");
-    page.reject();
-    EXPECT_TRUE(state.Data == before);
-  }
+  EXPECT_EQ(std::pair(state.Data.IP[1], state.Data.RelayTCP_RemotePort),
+            std::pair(std::u16string(u"255"), 65535));
 
-  // The enable box governs the tcp/ip button, unless the relay is on.
-  RelayPageDialog page(state);
-  EXPECT_FALSE(page.TcpIpButton()->isEnabled());
-  page.NetworkEnableBox()->click();
-  EXPECT_EQ(state.Data.EnableTCPIPrelay, 1);
-  EXPECT_TRUE(page.TcpIpButton()->isEnabled());
-  page.reject();
-  EXPECT_EQ(state.Data.EnableTCPIPrelay, 0);
-  state.RelayActive = true;
-  state.Data.EnableTCPIPrelay = 1;
-  RelayPageDialog locked(state);
-  EXPECT_FALSE(locked.NetworkEnableBox()->isEnabled());
-  EXPECT_FALSE(locked.TcpIpButton()->isEnabled());
-  EXPECT_FALSE(locked.WindowEnableBox()->isEnabled());
-  EXPECT_FALSE(locked.WindowButton()->isEnabled());
-}
-
-TEST(Dialogs, WindowRelayPagesFollowTheEnableBoxSayWhyTheListIsEmptyAndCancelPutsBack) {
-  TestApplication();
-  unsetenv("DISPLAY");
-  core::AppState state;
-  {
+  // Each enable box governs its button; OK publishes the window relay's switch, Cancel puts both back.
+  for (bool ok : {false, true}) {
     RelayPageDialog page(state);
-    EXPECT_FALSE(page.WindowButton()->isEnabled());
+    EXPECT_FALSE(page.TcpIpButton()->isEnabled() || page.WindowButton()->isEnabled());
+    page.NetworkEnableBox()->click();
     page.WindowEnableBox()->click();
-    EXPECT_TRUE(page.WindowButton()->isEnabled());
-    page.accept();
-    EXPECT_EQ(state.PublishedWindowRelay.Load()->WindowRelayEnabled, 1);
+    EXPECT_EQ(state.Data.EnableTCPIPrelay, 1);
+    EXPECT_TRUE(page.TcpIpButton()->isEnabled() && page.WindowButton()->isEnabled());
+    ok ? page.accept() : page.reject();
+    EXPECT_EQ(std::pair(state.Data.EnableTCPIPrelay, state.PublishedWindowRelay.Load()->WindowRelayEnabled),
+              ok ? std::pair(1, 1) : std::pair(0, 0));
   }
+
+  // Without a display the selector page says why its list is empty; Cancel puts "Show Class names" back.
   state.Data.ShowClassNames = 1;
   for (bool ok : {false, true}) {
     WindowRelayDialog page(state);
@@ -141,6 +107,12 @@ TEST(Dialogs, WindowRelayPagesFollowTheEnableBoxSayWhyTheListIsEmptyAndCancelPut
     ok ? page.accept() : page.reject();
     EXPECT_EQ(state.Data.ShowClassNames, ok ? 0 : 1);
   }
+
+  // While RELAY is on, no relay control can be changed.
+  state.RelayActive = true;
+  RelayPageDialog locked(state);
+  EXPECT_FALSE(locked.NetworkEnableBox()->isEnabled() || locked.TcpIpButton()->isEnabled() ||
+               locked.WindowEnableBox()->isEnabled() || locked.WindowButton()->isEnabled());
 }
 
 }  // namespace

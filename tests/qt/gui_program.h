@@ -6,14 +6,9 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
-#include <QAction>
-#include <QApplication>
-#include <QDialogButtonBox>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QTimer>
+// The whole widget and test modules: the tests reach into most kinds of widget.
+#include <QtTest>
+#include <QtWidgets>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -28,14 +23,13 @@
 namespace wavetrace::ui::testing {
 
 inline QApplication& TestApplication() {
+  static int argc = 1;
+  static char* argv[] = {const_cast<char*>("wavetrace_qt_tests"), nullptr};
+  // Never destroyed: it must outlive every test and static.
   static QApplication* application = [] {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int argc = 1;
-    static char* argv[] = {const_cast<char*>("wavetrace_qt_tests"), nullptr};
-    // Never destroyed: it must outlive every test and static.
-    auto* created = new QApplication(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
-    return created;
+    return new QApplication(argc, argv);
   }();
   return *application;
 }
@@ -51,7 +45,7 @@ inline bool WaitUntil(const std::function<bool()>& condition, int timeoutMs = 50
 // the layout given, as --layout gives it.
 class GuiProgram {
  public:
-  explicit GuiProgram(app::WindowLayout layout = app::WindowLayout::kCompact) {
+  explicit GuiProgram(app::WindowLayout layout) {
     wavetrace::testing::WriteRegistry(home_.path().toStdString());
     setenv("WAVETRACE_HOME", home_.path().toLocal8Bit().constData(), 1);
     state_.Switches.Layout = static_cast<int32_t>(layout);
@@ -59,8 +53,8 @@ class GuiProgram {
   }
   ~GuiProgram() { unsetenv("WAVETRACE_HOME"); }
 
-  // The body runs inside the loop; the exit command follows it unless told not to.
-  int Run(const std::function<void()>& body, bool exitAfterBody = true) {
+  // The body runs inside the loop once the main window is up; the exit command follows it.
+  int Run(const std::function<void(MainWindowWidget&, core::AppState&)>& body) {
     state_.View = view_.get();
     state_.Screen.SetEventsEnabled(true);
     QObject scope;
@@ -77,8 +71,10 @@ class GuiProgram {
     boxGuard.start(100);
     int exitCode = app::RunProgram(state_, [&] {
       QTimer::singleShot(0, &scope, [&] {
-        body();
-        if (exitAfterBody) state_.Queue.PostCommand(core::cmd::kExit);
+        MainWindowWidget& window = view_->Window();
+        EXPECT_TRUE(WaitUntil([&] { return window.isVisible(); })) << "the main window is not shown";
+        if (window.isVisible()) body(window, state_);
+        state_.Queue.PostCommand(core::cmd::kExit);
       });
       QTimer::singleShot(20000, &scope, [this] {
         ADD_FAILURE() << "the program did not end in time";
@@ -90,9 +86,6 @@ class GuiProgram {
     return exitCode;
   }
 
-  core::AppState& State() { return state_; }
-  QtView& View() { return *view_; }
-
  private:
   QApplication& application_ = TestApplication();
   QTemporaryDir home_;
@@ -103,13 +96,7 @@ class GuiProgram {
 // A whole run that calls body once the main window is up; it must end with 0.
 inline void RunShown(const std::function<void(MainWindowWidget&, core::AppState&)>& body,
                      app::WindowLayout layout = app::WindowLayout::kCompact) {
-  GuiProgram program(layout);
-  MainWindowWidget& window = program.View().Window();
-  int exitCode = program.Run([&] {
-    ASSERT_TRUE(WaitUntil([&] { return window.isVisible(); }));
-    body(window, program.State());
-  });
-  EXPECT_EQ(exitCode, 0);
+  EXPECT_EQ(GuiProgram(layout).Run(body), 0);
 }
 
 // Calls act(dialog) once a modal dialog of type T is up; the dialog runs its
@@ -117,13 +104,13 @@ inline void RunShown(const std::function<void(MainWindowWidget&, core::AppState&
 template <typename T>
 class ModalHandler {
  public:
-  explicit ModalHandler(std::function<void(T&)> act) : act_(std::move(act)) {
-    QObject::connect(&timer_, &QTimer::timeout, [this] {
+  explicit ModalHandler(std::function<void(T&)> act) {
+    QObject::connect(&timer_, &QTimer::timeout, [this, act = std::move(act)] {
       auto* dialog = qobject_cast<T*>(QApplication::activeModalWidget());
       if (!dialog) return;
       timer_.stop();
       handled_ = true;
-      act_(*dialog);
+      act(*dialog);
     });
     timer_.start(10);
   }
@@ -131,7 +118,6 @@ class ModalHandler {
   [[nodiscard]] bool Handled() const { return handled_; }
 
  private:
-  std::function<void(T&)> act_;
   QTimer timer_;
   bool handled_ = false;
 };

@@ -1,13 +1,4 @@
 // The "Rx Options" sheet through the menu (RECORD's press and hold: log_dialogs_test).
-#include <QButtonGroup>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QSpinBox>
-#include <QTabWidget>
-
 #include "core/published_settings.h"
 #include "tests/qt/gui_program.h"
 #include "ui/receive_options_dialog.h"
@@ -54,14 +45,12 @@ TEST(ReceiveOptions, OpensWithTheSettingsStoresBoxesAtOnceCancelPutsBackOkApplie
         },
         [&](bool ok) {
           EXPECT_TRUE(core::SettingsArePublished(state));
-          if (!ok) {
-            EXPECT_TRUE(state.Data == before);
-            return;
-          }
-          EXPECT_EQ(std::tuple(state.Data.PostambleLengthRX, state.Data.SnR_count,
-                               state.Data.SnR[1].wcszSearchFor, state.Data.RxDelayReadThread),
-                    std::tuple(2, 1, std::u16string(u"cd"), 1234u));
-          EXPECT_EQ(state.Data.FilterNP, 1);
+          EXPECT_EQ(state.Data == before, !ok);
+          if (!ok) return;
+          EXPECT_EQ(
+              std::tuple(state.Data.PostambleLengthRX, state.Data.SnR_count, state.Data.SnR[1].wcszSearchFor,
+                         state.Data.RxDelayReadThread, state.Data.FilterNP),
+              std::tuple(2, 1, std::u16string(u"cd"), 1234u, 1));
         });
   });
 }

@@ -1,13 +1,10 @@
 // The reference screens on the screen; the test also runs under Xvfb
 // (CTest: ReferenceScreensUnderX), grabbing the real window there.
-#include <QDir>
-#include <QListWidget>
-#include <QScreen>
-#include <QSet>
-
 #include "app/reference_screens.h"
+#include "core/reporting.h"
 #include "tests/qt/gui_program.h"
 #include "ui/about_dialog.h"
+#include "ui/receive_view.h"
 #include "ui/reference_screens.h"
 
 namespace wavetrace::ui {
@@ -41,18 +38,29 @@ TEST(Screenshots, ReferenceScreens) {
     EXPECT_GT(colours.size(), 8) << name;
     EXPECT_TRUE(picture.save(QDir::current().filePath(QString::fromLatin1(name) + ".png"))) << name;
   }
+  // The About screen shows the release line, and the warning in automation mode only.
+  auto* release = about.findChild<QLabel*>("releaseLine");
+  auto* warning = about.findChild<QLabel*>("automationWarning");
+  ASSERT_TRUE(release && warning);
+  EXPECT_EQ(release->text() + " " + warning->text(),
+            "Rel. 2.71.3089  (11.2008) Warning: [ Automation Mode ]");
+  EXPECT_EQ(AboutDialog(u"", false).findChild<QLabel*>("automationWarning"), nullptr);
   EXPECT_EQ(chart.List()->count(), 256);
   EXPECT_TRUE(portrait.PicturesLoaded());
   EXPECT_EQ(std::pair(portrait.PictureShown(), landscape.PictureShown()),
             std::pair(app::PinoutPicture::kPortrait, app::PinoutPicture::kLandscape));
 }
 
-// The main window in each layout, kept as main_window_<layout>.png.
-TEST(Screenshots, MainWindowInEachLayout) {
+// The main window in each layout, kept as main_window_<layout>.png (on the X
+// server too, with its fonts). Both layouts: menus as wide as their widest
+// caption (with its shortcut) and a mnemonic on each; the desktop's receive
+// window 80 columns or more of a fixed-pitch font, the whole of a long status
+// message, the "paused" mark.
+TEST(Screenshots, MainWindowInEachLayoutFitsItsMenusAndTheDesktopShowsEightyColumnsAndWholeMessages) {
   for (auto [layout, name] : {std::pair{app::WindowLayout::kCompact, "main_window_compact"},
                               std::pair{app::WindowLayout::kDesktop, "main_window_desktop"}}) {
     RunShown(
-        [&, name = name](MainWindowWidget& window, core::AppState& state) {
+        [&, layout = layout, name = name](MainWindowWidget& window, core::AppState& state) {
           state.Screen.RxInsertAtCaret(
               u"\r\n$GPGGA,120000.00,4807.0380,N,01131.0000,E,1,08,0.9,545.4,M,46.9,M,,*67");
           ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
@@ -60,6 +68,34 @@ TEST(Screenshots, MainWindowInEachLayout) {
           const bool x11 = QGuiApplication::platformName() == QLatin1String("xcb");
           QImage picture = (x11 ? window.screen()->grabWindow(window.winId()) : window.grab()).toImage();
           EXPECT_TRUE(picture.save(QDir::current().filePath(QString::fromLatin1(name) + ".png"))) << name;
+          for (QAction* title : window.menuBar()->actions())
+            EXPECT_FALSE(QKeySequence::mnemonic(title->text()).isEmpty()) << title->text().toStdString();
+          // The menus and their submenus.
+          for (QMenu* menu : window.menuBar()->findChildren<QMenu*>()) {
+            for (QAction* item : menu->actions()) {
+              QString caption = QString(item->text()).remove('&') + item->shortcut().toString();
+              EXPECT_GT(menu->sizeHint().width(), menu->fontMetrics().horizontalAdvance(caption) + 20)
+                  << caption.toStdString();
+            }
+          }
+          const bool desktop = layout == app::WindowLayout::kDesktop;
+          ReceiveView* receive = window.Receive();
+          const QFontMetrics& fixed = receive->fontMetrics();
+          EXPECT_EQ(fixed.horizontalAdvance('i'), fixed.horizontalAdvance('M'));
+          EXPECT_GE(receive->VisibleColumns(), desktop ? 80 : 1);
+          window.Action(core::cmd::kPauseRxDisplay)->trigger();
+          EXPECT_TRUE(WaitUntil([&] { return window.PausedMark()->isVisible(); }));
+          if (!desktop) return;
+          const std::u16string message =
+              u"Error! " + std::u16string(40, u'y') + u" " + std::u16string(152, u'x');
+          core::ShowStatus(state, message);
+          QLabel* status = window.StatusLine();
+          EXPECT_TRUE(WaitUntil([&] {
+            return status->text().toStdU16String() == message &&
+                   status->height() >= status->heightForWidth(status->width()) &&
+                   status->height() > 2 * status->fontMetrics().lineSpacing();
+          }));
+          EXPECT_EQ(window.Button(core::cmd::kPlay)->y(), window.Button(core::cmd::kClearButton)->y());
         },
         layout);
   }

@@ -1,20 +1,7 @@
 // The Transmit Options sheet with its Configure Button page, and the file
 // picker of the transmit field.
-#include <QCheckBox>
-#include <QComboBox>
-#include <QFile>
-#include <QFileDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QRadioButton>
-#include <QSpinBox>
-#include <QToolButton>
-#include <string>
 #include <tuple>
 
-#include "app/transmit_options.h"
-#include "rx/postamble.h"
 #include "tests/qt/gui_program.h"
 #include "ui/transmit_options_dialog.h"
 
@@ -23,66 +10,17 @@ namespace {
 
 using namespace testing;
 
-TEST(TransmitOptions, PagesShowAndReturnTheValuesAndAddAppendsWhileTheFieldHasRoom) {
-  TestApplication();
-  TransmitOptionsDialog dialog(app::TransmitOptionValues{5, 250, u"[0D]", 1, 0});
-  ASSERT_NE(dialog.findChild<QTabWidget*>(), nullptr);
-  EXPECT_EQ(dialog.findChild<QTabWidget*>()->count(), 3);
-  EXPECT_EQ(std::tuple(dialog.RepeatCountField()->value(), dialog.RepeatDelayField()->value(),
-                       dialog.PostambleField()->text(), dialog.ClearReceiveBox()->isChecked(),
-                       dialog.WholeFileBox()->isChecked()),
-            std::tuple(5, 250, "[0D]", true, false));
-  dialog.RepeatCountField()->setValue(0);
-  dialog.RepeatDelayField()->setValue(1500);
-  dialog.ClearReceiveBox()->setChecked(false);
-  dialog.WholeFileBox()->setChecked(true);
-
-  // "Add..." offers every key by name; choosing one appends it.
-  QStringList names;
-  for (const rx::PostambleKey& key : rx::PostambleKeys())
-    names << QString::fromStdU16String(std::u16string(key.Name));
-  QStringList listed;
-  for (QAction* key : dialog.AddKeyButton()->menu()->actions()) listed << key->text();
-  EXPECT_EQ(listed, names);
-  auto choose = [&](const char* name) {
-    for (QAction* key : dialog.AddKeyButton()->menu()->actions())
-      if (key->text() == name) key->trigger();
-  };
-  choose("LineFeed");
-  choose("Tab");
-  EXPECT_EQ(dialog.PostambleField()->text(), "[0D][0A][09]");
-  // 12 characters and a 4-character key make the 16 the field takes; then
-  // not even one more character fits.
-  choose("Esc");
-  choose("Comma");
-  EXPECT_EQ(dialog.PostambleField()->text(), "[0D][0A][09][1B]");
-  app::TransmitOptionValues chosen = dialog.Values();
-  EXPECT_EQ(std::tuple(chosen.TxRepeatNum, chosen.TxRepeatDelay, chosen.PostambleKeysTX, chosen.TxClrRCVEtxt,
-                       chosen.TxSendWholeFile),
-            std::tuple(0u, 1500u, u"[0D][0A][09][1B]", 0, 1));
-}
-
-TEST(TransmitOptions, ThroughTheMenuCancelKeepsAndOkStores) {
-  RunShown([&](MainWindowWidget& window, core::AppState& state) {
-    CancelThenOk<TransmitOptionsDialog>(
-        window, core::cmd::kTransmitOptions,
-        [](TransmitOptionsDialog& dialog) {
-          dialog.RepeatDelayField()->setValue(1500);
-          dialog.PostambleField()->setText("[0D][0A]");
-        },
-        [&](bool ok) {
-          EXPECT_EQ(state.Data.TxRepeatDelay, ok ? 1500u : 0u);
-          EXPECT_EQ(state.Data.PostambleLengthTX, ok ? 2 : 0);
-        });
-  });
-}
-
-TEST(TransmitOptions, ConfigureButtonPageOpensOnHardwareOneAndWritesEachButton) {
+TEST(TransmitOptions, PagesShowTheSettingsAddAppendsWhileTheFieldHasRoomCancelKeepsAndOkStores) {
   RunShown([&](MainWindowWidget& window, core::AppState& state) {
     auto& data = state.Data;
+    data.TxRepeatNum = 5;
+    data.TxRepeatDelay = 250;
+    data.wcszPostambleKeysTX = u"[0D]";
+    data.TxClrRCVEtxt = 1;
     data.HardwareButtonData[0] = u"ATZ";
     data.SoftwareButtonData[0] = u"AT+GMR";
     data.SoftwareButtonCaption = {u"Reset", u"Version"};
+    const core::DataSettings before = data;
     state.Screen.SetTxHistory({u"AT&V"});
     const QString choices =
         state.Screen.IsMenuItemGrey(core::cmd::kScreenOff) ? "AT&V {PLAY}" : "AT&V {SCREEN_OFF} {PLAY}";
@@ -92,9 +30,26 @@ TEST(TransmitOptions, ConfigureButtonPageOpensOnHardwareOneAndWritesEachButton) 
                           dialog.ButtonCaptionField()->text(),
                           dialog.ButtonCaptionField()->isEnabled() ? "editable" : "grey"});
     };
-    testing::CancelThenOk<TransmitOptionsDialog>(
+    CancelThenOk<TransmitOptionsDialog>(
         window, core::cmd::kTransmitOptions,
         [&](TransmitOptionsDialog& dialog) {
+          EXPECT_EQ(std::tuple(dialog.RepeatCountField()->value(), dialog.RepeatDelayField()->value(),
+                               dialog.PostambleField()->text(), dialog.ClearReceiveBox()->isChecked(),
+                               dialog.WholeFileBox()->isChecked()),
+                    std::tuple(5, 250, "[0D]", true, false));
+          dialog.RepeatCountField()->setValue(0);
+          dialog.RepeatDelayField()->setValue(1500);
+          dialog.ClearReceiveBox()->setChecked(false);
+          dialog.WholeFileBox()->setChecked(true);
+          // "Add..." offers the keys by name. 12 characters and a 4-character key make the 16 the
+          // field takes; then not even one more character fits.
+          for (const char* name : {"LineFeed", "Tab", "Esc", "Comma"}) {
+            for (QAction* key : dialog.AddKeyButton()->menu()->actions())
+              if (key->text() == name) key->trigger();
+          }
+          EXPECT_EQ(dialog.PostambleField()->text(), "[0D][0A][09][1B]");
+
+          // The Configure Button page opens on hardware button 1 and writes each button.
           QComboBox* string = dialog.ButtonStringField();
           EXPECT_EQ(shown(dialog), QStringList({"hardware", " 1 / 4", "ATZ", "Reset", "grey"}));
           QStringList listed;
@@ -106,13 +61,18 @@ TEST(TransmitOptions, ConfigureButtonPageOpensOnHardwareOneAndWritesEachButton) 
           EXPECT_EQ(shown(dialog), QStringList({"software", " 2 / 6", "", "Version", "editable"}));
           string->setEditText(QStringLiteral("AT+CSQ"));
           dialog.ButtonCaptionField()->setText(QStringLiteral("Signal"));
-          dialog.ButtonNumberField()->setValue(1);
-          EXPECT_EQ(shown(dialog), QStringList({"software", " 1 / 6", "AT+GMR", "Reset", "editable"}));
         },
         [&](bool ok) {
-          EXPECT_EQ(data.HardwareButtonData[0], ok ? u"{PLAY}" : u"ATZ");
-          EXPECT_EQ(data.SoftwareButtonData[1], ok ? u"AT+CSQ" : u"");
-          EXPECT_EQ(data.SoftwareButtonCaption[1], ok ? u"Signal" : u"Version");
+          EXPECT_EQ(data == before, !ok);
+          if (!ok) return;
+          EXPECT_EQ(std::tuple(data.TxRepeatNum, data.TxRepeatDelay, data.PostambleLengthTX,
+                               data.TxClrRCVEtxt, data.TxSendWholeFile),
+                    std::tuple(0u, 1500u, 4, 0, 1));
+          // Each button kept its own string and caption.
+          EXPECT_EQ(std::tuple(data.HardwareButtonData[0], data.SoftwareButtonData[0],
+                               data.SoftwareButtonCaption[0], data.SoftwareButtonData[1],
+                               data.SoftwareButtonCaption[1]),
+                    std::tuple(u"{PLAY}", u"AT+GMR", u"Reset", u"AT+CSQ", u"Signal"));
         });
   });
 }
@@ -124,30 +84,28 @@ TEST(TransmitOptions, FilePickerPutsTheFileIntoTheTransmitField) {
   for (const QString& path : {first, second}) ASSERT_TRUE(QFile(path).open(QIODevice::WriteOnly));
   RunShown([&](MainWindowWidget& window, core::AppState& state) {
     // The button beside the field and the Edit menu's item; cancelling leaves the field as it is.
-    struct Pick {
-      QString path, expected;
-      bool button;
-    };
-    for (const auto& pick : {Pick{first, first, true}, Pick{"", first, false}, Pick{second, second, false}}) {
-      ModalHandler<QFileDialog> picker([&](QFileDialog& dialog) {
+    for (auto [path, expected, button] :
+         {std::tuple{first, first, true}, {QString(), first, false}, {second, second, false}}) {
+      ModalHandler<QFileDialog> picker([&, path = path](QFileDialog& dialog) {
         ExpectFitsTheWindow(dialog, window);
         // Typed as a user does: selectFile() depends on how far the folder listing has loaded.
         auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
-        if (pick.path.isEmpty() || !name) return dialog.reject();
-        name->setText(pick.path);
+        if (path.isEmpty() || !name) return dialog.reject();
+        name->setText(path);
         static_cast<QDialog&>(dialog).accept();  // the file dialog's own, which checks the file exists
       });
-      pick.button ? window.SendFileButton()->click() : window.SendFileAction()->trigger();
+      button ? window.SendFileButton()->click() : window.SendFileAction()->trigger();
       EXPECT_TRUE(picker.Handled());
-      const std::u16string field = u"[File::" + pick.expected.toStdU16String() + u"]";
+      const std::u16string field = u"[File::" + expected.toStdU16String() + u"]";
       EXPECT_EQ(state.Screen.TxText(), field);
       EXPECT_TRUE(WaitUntil([&] { return window.TransmitField()->currentText().toStdU16String() == field; }));
     }
-    // While the field is locked there is no file to choose either.
+    // The model locks the field, and then there is no file to choose either.
     for (bool enabled : {false, true}) {
       state.Screen.SetTxEnabled(enabled);
       EXPECT_TRUE(WaitUntil([&] {
-        return window.SendFileButton()->isEnabled() == enabled &&
+        return window.TransmitField()->isEnabled() == enabled &&
+               window.SendFileButton()->isEnabled() == enabled &&
                window.SendFileAction()->isEnabled() == enabled;
       }));
     }

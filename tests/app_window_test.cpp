@@ -18,8 +18,7 @@ using L = WindowLayout;
 
 TEST(WindowLayout, ByScreenSizeUnlessTheCommandLineOrTheStoredChoiceSaysAndTheFrameComesBackWhereItFits) {
   for (auto [width, height, stored, commandLine, expected] :
-       {std::tuple{320, 240, L::kAutomatic, L::kAutomatic, L::kCompact},
-        {800, 480, L::kAutomatic, L::kAutomatic, L::kCompact},
+       {std::tuple{800, 480, L::kAutomatic, L::kAutomatic, L::kCompact},
         {0, 0, L::kAutomatic, L::kAutomatic, L::kCompact},
         {800, 600, L::kAutomatic, L::kAutomatic, L::kDesktop},
         {1280, 1024, L::kCompact, L::kAutomatic, L::kCompact},

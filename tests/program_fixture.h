@@ -62,6 +62,12 @@ class StartedProgram {
   bool started_ = false;
 };
 
+// The program over a fresh folder of this release with the extra registry lines, not started yet.
+struct FreshProgram : TempFolder, StartedProgram {
+  explicit FreshProgram(const std::string& extra = "")
+      : StartedProgram((WriteRegistry(Path(), extra), Path())) {}
+};
+
 // A test body with the program started in a fresh folder of this release.
 class ProgramFixture : public ::testing::Test {
  protected:

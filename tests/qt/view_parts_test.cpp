@@ -39,8 +39,8 @@ TEST(ScreenFit, APanelGetsTheLayoutADesktopItsFontAndRoom) {
     double scale;
     QSize window;
   };
-  for (const auto& c : {Case{{320, 240}, 16, 1.0, {320, 240}}, Case{{480, 320}, 16, 1.0, {480, 320}},
-                        Case{{240, 320}, 0, 1.0, {240, 320}}, Case{{}, 16, 1.0, {240, 320}},
+  // A panel, no screen, then a desktop: scale from the font (clamped both ways), height share, width bound.
+  for (const auto& c : {Case{{320, 240}, 16, 1.0, {320, 240}}, Case{{}, 16, 1.0, {240, 320}},
                         Case{{1920, 1050}, 11, 1.0, {472, 630}}, Case{{1920, 1050}, 22, 2.0, {480, 640}},
                         Case{{3840, 2100}, 40, 2.5, {945, 1260}}, Case{{800, 570}, 9, 1.0, {256, 342}},
                         Case{{640, 480}, 33, 2.5, {360, 480}}}) {

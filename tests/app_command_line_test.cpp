@@ -30,6 +30,9 @@ TEST(CommandLine, SwitchesAndTheirGnuForms) {
               std::tuple(c.quiet, c.noGui, c.debug, c.help, c.version))
         << joined;
   }
+  // What they show (how wavetrace-cli answers them, its exit status and all: InstallTree).
+  EXPECT_EQ(VersionText().rfind("Wavetrace Pro Rel. 2.71.3089 (11.2008)\nbuild ", 0), 0u);
+  EXPECT_NE(HelpText("wavetrace-cli", false).find("Exit status: 0 on a normal end"), std::string::npos);
 }
 
 TEST(CommandLine, LineSettingOptions) {

@@ -92,9 +92,8 @@ using SimulatedPortTest = PortProgramTest;
 
 TEST_F(ReceivePathTest, AFailedOpenThenABurstWholeAndInOrderStopAndTheDeviceGoingAway) {
   state.Port.SelectedPort = u"/dev/does-not-exist-wavetrace";
+  // (Its status line with the system's code: Headless.APortThatFailsAtStartEndsTheRunWithOne.)
   state.Queue.SendCommand(cmd::kPlay);
-  EXPECT_TRUE(state.Screen.Status().starts_with(
-      u"Error! Selected port failed to open. Check settings.: Error code=2 (0x2)"));
   EXPECT_TRUE(state.Screen.IsButtonEnabled(cmd::kPlay));
   EXPECT_FALSE(state.PlayFlag);
 

@@ -30,8 +30,8 @@ TEST(ScriptScanner, FindsTaggedCommands) {
   };
   const Case cases[] = {
       {u"<DELAY>250</DELAY>", {u"DELAY|/DELAY|250"}},
-      // Keywords in any case; the closing tag is never checked.
-      {u"<send>AT[0D]<whatever>", {u"SEND|WHATEVER|AT[0D]"}},
+      // Keywords in any case (letters from a to z only); the closing tag is never checked.
+      {u"<send>AT[0D]<a-z{>", {u"SEND|A-Z{|AT[0D]"}},
       // Text between commands, line breaks included, is ignored.
       {u"junk\r\n<Comment>a b</Comment>\r\n<PLAY></PLAY>", {u"COMMENT|/COMMENT|a b", u"PLAY|/PLAY|"}},
       // A final tag without its ">" is no command.

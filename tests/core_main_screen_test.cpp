@@ -60,22 +60,18 @@ TEST(ReceiveWindow, AViewThatFallsFarBehindGetsOneReset) {
 
 TEST(ScreenModel, ButtonsMenusAndTransmitField) {
   MainScreen screen;
-  int notified = 0;
-  screen.SetListener([&] { ++notified; });
-  // Without a view no events are kept and nobody is told.
+  // Without a view no events are kept.
   screen.SetStatus(u"x");
   screen.RxInsertAtCaret(u"y");
-  EXPECT_EQ(notified, 0);
   EXPECT_TRUE(screen.TakeEvents().empty());
   screen.SetEventsEnabled(true);
-  EXPECT_TRUE(screen.IsButtonEnabled(6001) && !screen.IsMenuItemGrey(221));
   screen.EnableButton(6001, false);
   screen.SetButtonPressed(6003, true);
   screen.GreyMenuItem(221, true);
   screen.CheckMenuItem(8102, true);
-  // Every change is told; changes in a row collapse into one re-read for the view (which then shows
-  // them: MainWindow.StartUpShowsTheWelcomeTextTitleStatusAndTheModelsControls).
-  EXPECT_EQ(notified, 4);
+  // Changes in a row collapse into one re-read for the view (which then shows them:
+  // MainWindow.StartUpShowsTheWelcomeTextTitleStatusAndTheModelsControls; that every change is told:
+  // Headless.AReconnectingRunWaitsIdleForItsDeviceAndTakesItBackUntilStop).
   EXPECT_EQ(screen.TakeEvents().size(), 1u);
 
   screen.SetTxHistory({u"AT", u"ATZ"});

@@ -129,7 +129,7 @@ int TransmitFile(core::AppState& state, const core::TxSettings& settings, const 
     return written;
   };
   int result = 0;
-  for (uint32_t i = 0; i < plan.ChunkCount && result == 0 && StillSending(state); ++i) {
+  for (uint32_t i = 0; i < plan.ChunkCount && StillSending(state); ++i) {
     result = sendPiece(plan.ChunkSize, u"Error reading file. ");
     if (result != 0) break;
     ShowProgress(state, FileProgressPercent(i, plan.ChunkCount));

@@ -37,15 +37,21 @@ inline std::string MixedBytes(size_t bytes) {
   return data;
 }
 
-// A fresh folder for one run of the program, holding raw.cfg.txt: the views
-// off, so the program passes the bytes on as they come. Empty on failure.
-inline std::string RawConfigHome() {
+// A fresh folder for one run of the program and, in it, a configuration with
+// the views off, so the program passes the bytes on as they come.
+struct RawConfig {
+  std::string Home;    // empty on failure
+  std::string Config;  // the configuration file inside Home
+};
+
+inline RawConfig RawConfigHome() {
   std::string home = (std::filesystem::temp_directory_path() / "wavetrace-bench-XXXXXX").string();
   if (!mkdtemp(home.data())) return {};
-  std::ofstream(home + "/raw.cfg.txt", std::ios::binary)
+  const std::string config = home + "/raw.cfg.txt";
+  std::ofstream(config, std::ios::binary)
       << "[Wavetrace Pro]\r\nConfigFile=1\r\n[DATA_h]\r\nmodeASCII=0\r\nmodeBINARY=0\r\n"
       << std::string(64, ';') << "\r\n";
-  return home;
+  return {home, config};
 }
 
 // In a forked child: cat copies the pty's slave, in raw mode, to its output.

@@ -50,9 +50,8 @@ struct Run {
 
 Run Measure(bool cli, const std::string& data) {
   wavetrace::platform::PtyPair line;
-  const std::string home = wavetrace::bench::RawConfigHome();
+  const auto [home, config] = wavetrace::bench::RawConfigHome();
   if (home.empty()) return {0, 0, 0, data.size()};
-  const std::string config = home + "/raw.cfg.txt";
   const std::string logPath = home + "/run.log.txt";
   int err[2];
   if (pipe2(err, O_CLOEXEC) != 0) return {0, 0, 0, data.size()};

@@ -35,7 +35,7 @@ struct Run {
 // fast as it takes them and times until the last one is out of the reader.
 Run Measure(bool cli, const std::string& data) {
   wavetrace::platform::PtyPair line;
-  const std::string home = wavetrace::bench::RawConfigHome();
+  const auto [home, config] = wavetrace::bench::RawConfigHome();
   if (home.empty()) return {0, data.size()};
   int out[2];
   int err[2];
@@ -46,7 +46,6 @@ Run Measure(bool cli, const std::string& data) {
     dup2(err[1], 2);
     if (!cli) wavetrace::bench::ExecCatOfRawLine(line.SlavePath());
     setenv("WAVETRACE_HOME", home.c_str(), 1);
-    std::string config = home + "/raw.cfg.txt";
     execl(WAVETRACE_CLI_PATH, "wavetrace-cli", "--port", line.SlavePath().c_str(), "--config", config.c_str(),
           static_cast<char*>(nullptr));
     _exit(127);

@@ -10,7 +10,6 @@
 #include <QtTest>
 #include <QtWidgets>
 #include <functional>
-#include <memory>
 #include <utility>
 
 #include "app/program.h"
@@ -39,64 +38,51 @@ inline bool WaitUntil(const std::function<bool()>& condition, int timeoutMs = 50
   return QTest::qWaitFor(condition, timeoutMs);
 }
 
-// The program's start-up, message loop and shutdown with the Qt view, as
-// main() runs them, in a configuration folder of its own that already records
-// this release, so that no version warning waits for a user. The window has
-// the layout given, as --layout gives it.
-class GuiProgram {
- public:
-  explicit GuiProgram(app::WindowLayout layout) {
-    wavetrace::testing::WriteRegistry(home_.path().toStdString());
-    setenv("WAVETRACE_HOME", home_.path().toLocal8Bit().constData(), 1);
-    state_.Switches.Layout = static_cast<int32_t>(layout);
-    view_ = std::make_unique<QtView>(state_);
-  }
-  ~GuiProgram() { unsetenv("WAVETRACE_HOME"); }
-
-  // The body runs inside the loop once the main window is up; the exit command follows it.
-  int Run(const std::function<void(MainWindowWidget&, core::AppState&)>& body) {
-    state_.View = view_.get();
-    state_.Screen.SetEventsEnabled(true);
-    QObject scope;
-    // A message box nobody expected would wait for a user forever: it fails
-    // the test and is closed.
-    QTimer boxGuard;
-    QObject::connect(&boxGuard, &QTimer::timeout, [] {
-      if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
-        ADD_FAILURE() << "unexpected box: " << box->windowTitle().toStdString() << ": "
-                      << box->text().toStdString();
-        box->done(QMessageBox::Ok);
-      }
-    });
-    boxGuard.start(100);
-    int exitCode = app::RunProgram(state_, [&] {
-      QTimer::singleShot(0, &scope, [&] {
-        MainWindowWidget& window = view_->Window();
-        EXPECT_TRUE(WaitUntil([&] { return window.isVisible(); })) << "the main window is not shown";
-        if (window.isVisible()) body(window, state_);
-        state_.Queue.PostCommand(core::cmd::kExit);
-      });
-      QTimer::singleShot(20000, &scope, [this] {
-        ADD_FAILURE() << "the program did not end in time";
-        state_.Queue.PostCommand(core::cmd::kExit);
-      });
-      return view_->RunMessageLoop();
-    });
-    state_.View = nullptr;
-    return exitCode;
-  }
-
- private:
-  QApplication& application_ = TestApplication();
-  QTemporaryDir home_;
-  core::AppState state_;
-  std::unique_ptr<QtView> view_;
-};
-
-// A whole run that calls body once the main window is up; it must end with 0.
+// A whole run of the program with the Qt view, its start-up, message loop and
+// shutdown as main() runs them, in a configuration folder of its own that
+// already records this release, so that no version warning waits for a user.
+// The window has the layout given, as --layout gives it. body runs inside the
+// loop once the main window is up; the exit command follows it, and the run
+// must end with 0.
 inline void RunShown(const std::function<void(MainWindowWidget&, core::AppState&)>& body,
                      app::WindowLayout layout = app::WindowLayout::kCompact) {
-  EXPECT_EQ(GuiProgram(layout).Run(body), 0);
+  TestApplication();
+  QTemporaryDir home;
+  wavetrace::testing::WriteRegistry(home.path().toStdString());
+  setenv("WAVETRACE_HOME", home.path().toLocal8Bit().constData(), 1);
+  core::AppState state;
+  state.Switches.Layout = static_cast<int32_t>(layout);
+  QtView view(state);
+  state.View = &view;
+  state.Screen.SetEventsEnabled(true);
+  QObject scope;
+  // A message box nobody expected would wait for a user forever: it fails
+  // the test and is closed.
+  QTimer boxGuard;
+  QObject::connect(&boxGuard, &QTimer::timeout, [] {
+    if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+      ADD_FAILURE() << "unexpected box: " << box->windowTitle().toStdString() << ": "
+                    << box->text().toStdString();
+      box->done(QMessageBox::Ok);
+    }
+  });
+  boxGuard.start(100);
+  const int exitCode = app::RunProgram(state, [&] {
+    QTimer::singleShot(0, &scope, [&] {
+      MainWindowWidget& window = view.Window();
+      EXPECT_TRUE(WaitUntil([&] { return window.isVisible(); })) << "the main window is not shown";
+      if (window.isVisible()) body(window, state);
+      state.Queue.PostCommand(core::cmd::kExit);
+    });
+    QTimer::singleShot(20000, &scope, [&] {
+      ADD_FAILURE() << "the program did not end in time";
+      state.Queue.PostCommand(core::cmd::kExit);
+    });
+    return view.RunMessageLoop();
+  });
+  EXPECT_EQ(exitCode, 0);
+  state.View = nullptr;
+  unsetenv("WAVETRACE_HOME");
 }
 
 // Calls act(dialog) once a modal dialog of type T is up; the dialog runs its

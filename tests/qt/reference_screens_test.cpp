@@ -12,6 +12,17 @@ namespace {
 
 using namespace testing;
 
+// The shown window's picture, from the X server when there is one, kept in
+// the build folder as name.png.
+QImage SavedPicture(QWidget& window, const char* name) {
+  EXPECT_TRUE(QTest::qWaitForWindowExposed(&window)) << name;
+  QTest::qWait(100);
+  const bool x11 = QGuiApplication::platformName() == QLatin1String("xcb");
+  QImage picture = (x11 ? window.screen()->grabWindow(window.winId()) : window.grab()).toImage();
+  EXPECT_TRUE(picture.save(QDir::current().filePath(QString::fromLatin1(name) + ".png"))) << name;
+  return picture;
+}
+
 // Each reference screen once on the screen, its picture kept in the build
 // folder; a screen that shows nothing has a single colour.
 TEST(Screenshots, ReferenceScreens) {
@@ -27,16 +38,12 @@ TEST(Screenshots, ReferenceScreens) {
   for (auto [dialog, size, name] : screens) {
     dialog->setFixedSize(size);
     dialog->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog));
-    QTest::qWait(50);
-    const bool x11 = QGuiApplication::platformName() == QLatin1String("xcb");
-    QImage picture = (x11 ? dialog->screen()->grabWindow(dialog->winId()) : dialog->grab()).toImage();
+    QImage picture = SavedPicture(*dialog, name);
     dialog->hide();
     QSet<QRgb> colours;
     for (int y = 0; y < picture.height(); y += 3)
       for (int x = 0; x < picture.width(); x += 3) colours.insert(picture.pixel(x, y));
     EXPECT_GT(colours.size(), 8) << name;
-    EXPECT_TRUE(picture.save(QDir::current().filePath(QString::fromLatin1(name) + ".png"))) << name;
   }
   // The About screen shows the release line, and the warning in automation mode only.
   auto* release = about.findChild<QLabel*>("releaseLine");
@@ -63,11 +70,7 @@ TEST(Screenshots, MainWindowInEachLayoutFitsItsMenusAndTheDesktopShowsEightyColu
         [&, layout = layout, name = name](MainWindowWidget& window, core::AppState& state) {
           state.Screen.RxInsertAtCaret(
               u"\r\n$GPGGA,120000.00,4807.0380,N,01131.0000,E,1,08,0.9,545.4,M,46.9,M,,*67");
-          ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-          QTest::qWait(100);
-          const bool x11 = QGuiApplication::platformName() == QLatin1String("xcb");
-          QImage picture = (x11 ? window.screen()->grabWindow(window.winId()) : window.grab()).toImage();
-          EXPECT_TRUE(picture.save(QDir::current().filePath(QString::fromLatin1(name) + ".png"))) << name;
+          SavedPicture(window, name);
           for (QAction* title : window.menuBar()->actions())
             EXPECT_FALSE(QKeySequence::mnemonic(title->text()).isEmpty()) << title->text().toStdString();
           // The menus and their submenus.

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "core/allocation.h"
 #include "rx/log_cache.h"
 #include "rx/receive_window.h"
@@ -60,25 +62,23 @@ TEST_F(ReceiveWindowTest, OverflowMovesBytesNotCharacters) {
 }
 
 TEST_F(ReceiveWindowTest, RefreshArithmetic) {
-  struct Case {
-    int32_t shown, waiting, shownAfter, droppedFromFront;
-  };
-  const Case cases[] = {
+  // Shown and waiting characters, then shown afterwards and dropped from the front.
+  const std::array<int32_t, 4> cases[] = {
       {0, 100, 100, 0},           {16000, 384, 16384, 0},     {10000, 7000, 8808, 8192},
       {16000, 9000, 16000, 9000}, {5000, 16384, 16384, 5000},
   };
-  for (const auto& c : cases) {
+  for (auto [shown, waiting, shownAfter, dropped] : cases) {
     state.Screen.RxClear();
-    std::u16string shownText = Pattern(static_cast<size_t>(c.shown), u'a');
+    std::u16string shownText = Pattern(static_cast<size_t>(shown), u'a');
     state.Screen.RxInsertAtCaret(shownText);
-    state.Screen.SetShownCount(c.shown);
-    std::u16string waiting = Pattern(static_cast<size_t>(c.waiting), u'A');
-    Append(waiting);
+    state.Screen.SetShownCount(shown);
+    std::u16string waitingText = Pattern(static_cast<size_t>(waiting), u'A');
+    Append(waitingText);
     RefreshReceiveWindow(state, core::RxSettingsOf(state));
-    EXPECT_EQ(state.Screen.ShownCount(), c.shownAfter) << c.shown << "+" << c.waiting;
+    EXPECT_EQ(state.Screen.ShownCount(), shownAfter) << shown << "+" << waiting;
     std::u16string expected =
-        c.waiting >= 16384 ? waiting : shownText.substr(static_cast<size_t>(c.droppedFromFront)) + waiting;
-    EXPECT_EQ(state.Screen.RxText(), expected) << c.shown << "+" << c.waiting;
+        waiting >= 16384 ? waitingText : shownText.substr(static_cast<size_t>(dropped)) + waitingText;
+    EXPECT_EQ(state.Screen.RxText(), expected) << shown << "+" << waiting;
     EXPECT_TRUE(WaitingText(state).empty());
     EXPECT_TRUE(state.Screen.RxRedraw());
   }

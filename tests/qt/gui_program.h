@@ -88,24 +88,20 @@ inline void RunShown(const std::function<void(MainWindowWidget&, core::AppState&
 // Calls act(dialog) once a modal dialog of type T is up; the dialog runs its
 // own loop, so the test reaches it from a timer.
 template <typename T>
-class ModalHandler {
- public:
+struct ModalHandler {
   explicit ModalHandler(std::function<void(T&)> act) {
-    QObject::connect(&timer_, &QTimer::timeout, [this, act = std::move(act)] {
+    QObject::connect(&timer, &QTimer::timeout, [this, act = std::move(act)] {
       auto* dialog = qobject_cast<T*>(QApplication::activeModalWidget());
       if (!dialog) return;
-      timer_.stop();
-      handled_ = true;
+      timer.stop();
+      handled = true;
       act(*dialog);
     });
-    timer_.start(10);
+    timer.start(10);
   }
 
-  [[nodiscard]] bool Handled() const { return handled_; }
-
- private:
-  QTimer timer_;
-  bool handled_ = false;
+  QTimer timer;
+  bool handled = false;
 };
 
 // Presses the dialog's OK or Cancel button, as a tap does.
@@ -133,7 +129,7 @@ void CancelThenOk(MainWindowWidget& window, int command, const std::function<voi
       Click(dialog, ok ? QDialogButtonBox::Ok : QDialogButtonBox::Cancel);
     });
     window.Action(command)->trigger();
-    ASSERT_TRUE(WaitUntil([&] { return handler.Handled() && !QApplication::activeModalWidget(); }));
+    ASSERT_TRUE(WaitUntil([&] { return handler.handled && !QApplication::activeModalWidget(); }));
     check(ok);
   }
 }

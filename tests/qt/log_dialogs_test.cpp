@@ -55,7 +55,7 @@ TEST(LogDialogs, LoggingPageShowsTheSettingsCancelPutsThemBackOkStoresThem) {
     });
     QContextMenuEvent hold(QContextMenuEvent::Mouse, QPoint(1, 1), QPoint(1, 1));
     QApplication::sendEvent(view.Window().Button(core::cmd::kRecord), &hold);
-    EXPECT_TRUE(handler.Handled());
+    EXPECT_TRUE(handler.handled);
     EXPECT_EQ(state.Log == before, !ok) << "Cancel undoes the advanced sheet's OK too";
     EXPECT_TRUE(core::SettingsArePublished(state));
   }

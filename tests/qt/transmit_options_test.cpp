@@ -95,7 +95,7 @@ TEST(TransmitOptions, FilePickerPutsTheFileIntoTheTransmitField) {
         static_cast<QDialog&>(dialog).accept();  // the file dialog's own, which checks the file exists
       });
       button ? window.SendFileButton()->click() : window.SendFileAction()->trigger();
-      EXPECT_TRUE(picker.Handled());
+      EXPECT_TRUE(picker.handled);
       const std::u16string field = u"[File::" + expected.toStdU16String() + u"]";
       EXPECT_EQ(state.Screen.TxText(), field);
       EXPECT_TRUE(WaitUntil([&] { return window.TransmitField()->currentText().toStdU16String() == field; }));

@@ -1,9 +1,10 @@
 // The Qt view over the real start-up: what the main window shows and what
-// its menu items, buttons and fields do.
+// its menu items, buttons and fields do; PLAY and STOP on a pseudo-terminal.
 #include <fstream>
 #include <thread>
 
 #include "automation/port_scan.h"
+#include "platform/pty.h"
 #include "tests/qt/gui_program.h"
 #include "ui/receive_view.h"
 
@@ -16,6 +17,20 @@ namespace cmd = core::cmd;
 // Waits until the receive window shows the model's text.
 bool ShowsModelText(MainWindowWidget& window, core::AppState& state) {
   return WaitUntil([&] { return window.Receive()->ModelText() == state.Screen.RxText(); });
+}
+
+// Waits until the window shows the port open or closed (the line commands
+// follow it) with a status line that starts with status (null: any).
+bool ShowsPort(const MainWindowWidget& window, bool opened, const char* status) {
+  return WaitUntil(
+      [&] {
+        return window.Button(cmd::kPlay)->isEnabled() != opened &&
+               window.Button(cmd::kStop)->isEnabled() == opened &&
+               window.Action(cmd::kCommProperties)->isEnabled() != opened &&
+               window.Action(cmd::kToggleRts)->isEnabled() == opened &&
+               window.StatusLine()->text().startsWith(status);
+      },
+      10000);
 }
 
 TEST(MainWindow, StartUpShowsTheTitleAndTheModelsControls) {
@@ -39,7 +54,7 @@ TEST(MainWindow, StartUpShowsTheTitleAndTheModelsControls) {
     }
 
     // A button the model presses later shows pressed, and released again (later grey and enabled
-    // states: port_connection_test).
+    // states: PortConnection).
     for (bool pressed : {true, false}) {
       screen.SetButtonPressed(cmd::kRepeat, pressed);
       EXPECT_TRUE(WaitUntil([&] { return window.Button(cmd::kRepeat)->isChecked() == pressed; }));
@@ -73,11 +88,6 @@ TEST(MainWindow, ReceiveWindowShowsTheWelcomeTextAndFollowsEditsWithoutReloading
     std::thread([&] { screen.RxInsertAtCaret(u"\r\nline A\r\nline B"); }).join();
     EXPECT_TRUE(ShowsModelText(window, state));
     EXPECT_EQ(receive->textCursor().selectedText(), "Welcome");
-
-    // A replacement in the middle (a clear: ButtonsFieldsClipboardAndFullscreenTalkToTheModel).
-    screen.RxSetSelection(4, 11);
-    screen.RxReplaceSelection(u"Hello");
-    EXPECT_TRUE(ShowsModelText(window, state));
 
     // At the end the view follows new lines; scrolled back it stays put.
     for (int i = 0; i < 200; ++i) screen.RxInsertAtCaret(u"received line\r\n");
@@ -151,15 +161,6 @@ TEST(MainWindow, ButtonsFieldsClipboardAndFullscreenTalkToTheModel) {
   });
 }
 
-TEST(MainWindow, ClosingTheWindowIsTheExitCommand) {
-  RunShown([&](MainWindowWidget& window, core::AppState& state) {
-    window.close();
-    // The close was refused: the shutdown, not the window, ends the run.
-    EXPECT_TRUE(window.isVisible());
-    EXPECT_TRUE(WaitUntil([&] { return state.ShuttingDown.load(); }));
-  });
-}
-
 TEST(MainWindow, StripsShowWhatTheModelSaysAndPostTheirControls) {
   RunShown([&](MainWindowWidget& window, core::AppState& state) {
     PsmStrip* psm = window.PortScanStrip();
@@ -191,7 +192,7 @@ TEST(MainWindow, StripsShowWhatTheModelSaysAndPostTheirControls) {
   });
 }
 
-TEST(MainWindow, RunScriptOffersTheConfigurationFolderAndRunsTheChosenScript) {
+TEST(MainWindow, RunScriptRunsTheChosenScriptFromTheConfigurationFolderAndClosingIsTheExitCommand) {
   RunShown([&](MainWindowWidget& window, core::AppState& state) {
     const QString folder = QString::fromStdU16String(state.ConfigFolder);
     const QString script = folder + QStringLiteral("/hello.txt");
@@ -205,6 +206,42 @@ TEST(MainWindow, RunScriptOffersTheConfigurationFolderAndRunsTheChosenScript) {
     window.Action(cmd::kRunScript)->trigger();
     EXPECT_TRUE(WaitUntil(
         [&] { return window.Receive()->ModelText().find(u"said by the script") != std::u16string::npos; }));
+
+    // Closing the window is the Exit command: the close is refused, the shutdown ends the run.
+    window.close();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_TRUE(WaitUntil([&] { return state.ShuttingDown.load(); }));
+  });
+}
+
+TEST(PortConnection, PlayOpensAndReceivesTheLineStatusStripShowsThePortAndStopCloses) {
+  platform::PtyPair pty;
+  ASSERT_TRUE(pty.Valid());
+  RunShown([&](MainWindowWidget& window, core::AppState& state) {
+    ASSERT_TRUE(WaitUntil([&] { return !window.Receive()->ModelText().empty(); }));
+    ASSERT_TRUE(ShowsPort(window, false, nullptr));  // with any status line
+    LineStatusStrip* lines = window.LineStatus();
+    window.Action(cmd::kLineStatus)->trigger();
+    EXPECT_TRUE(
+        WaitUntil([&] { return lines->isVisible() && lines->Text() == "Line status: no port open"; }));
+    state.Port.SelectedPort = QString::fromStdString(pty.SlavePath()).toStdU16String();
+    state.Port.SelectedBaud = 9600;
+    window.Button(cmd::kPlay)->click();
+    EXPECT_TRUE(ShowsPort(window, true, "Port opened!  Send/Receive active..."))
+        << window.StatusLine()->text().toStdString();
+    ASSERT_TRUE(pty.Write("hello"));
+    EXPECT_TRUE(WaitUntil(
+        [&] { return window.Receive()->ModelText().find(u"hello") != std::u16string::npos; }, 10000));
+    // The strip reads the open port (a pseudo-terminal has neither lines nor counters); RTS by hand.
+    EXPECT_TRUE(
+        WaitUntil([&] { return lines->Text() == "Line status: modem lines n/a; error counters n/a"; }));
+    window.Action(cmd::kToggleRts)->trigger();
+    EXPECT_TRUE(WaitUntil([&] { return window.Action(cmd::kToggleRts)->isChecked(); }));
+    window.Action(cmd::kLineStatus)->trigger();
+    EXPECT_TRUE(WaitUntil([&] { return !lines->isVisible(); }));
+    window.Button(cmd::kStop)->click();
+    EXPECT_TRUE(ShowsPort(window, false, "Port closed!  Send/Receive deactivated."))
+        << window.StatusLine()->text().toStdString();
   });
 }
 

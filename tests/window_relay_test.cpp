@@ -17,8 +17,7 @@ namespace wavetrace::relay {
 namespace {
 
 // Posts as "code/flags/count", key events as "+vk" (press) and "-vk".
-class RecordingKeys : public platform::KeySink {
- public:
+struct RecordingKeys : platform::KeySink {
   bool PostKey(char16_t ch, uint32_t flags, int count) override {
     Add(std::to_string(ch) + "/" + std::to_string(flags) + "/" + std::to_string(count));
     return !refuse;

@@ -59,7 +59,7 @@ TEST(ReceiveOptions, OpensWithTheSettingsStoresBoxesAtOnceCancelPutsBackOkApplie
   });
 }
 
-TEST(LogDialogs, LoggingPageShowsTheSettingsCancelPutsThemBackOkStoresThem) {
+TEST(LogDialogs, LoggingPageAndAdvancedSheetShowTheSettingsCancelPutsThemBackOkStoresThem) {
   TestApplication();
   core::AppState state;
   QtView view(state);
@@ -116,17 +116,14 @@ TEST(LogDialogs, LoggingPageShowsTheSettingsCancelPutsThemBackOkStoresThem) {
   state.RecordFlag = true;
   LoggingPage page(state);
   EXPECT_FALSE(page.PathField()->isEnabled() || page.TimestampBox()->isEnabled());
-}
 
-TEST(LogDialogs, AdvancedSheetShowsTheSettingsCancelPutsThemBackOkStoresThem) {
-  TestApplication();
-  core::AppState state;
+  // The advanced sheet by itself.
   state.Log.RecordALL = 0;
   state.Log.RecordDuration = 4;
   state.Log.Delimiter = {'|', 0};
   state.Log.DateFormat = 3;
   state.Log.TimeFormat = 8;
-  const core::LogSettings before = state.Log;
+  const core::LogSettings sheetOpened = state.Log;
   for (bool ok : {false, true}) {
     AdvancedLoggingDialog sheet(state);
     EXPECT_EQ(std::tuple(sheet.RecordAllBox()->isChecked(), sheet.RecordPartialGroup()->isEnabled(),
@@ -151,7 +148,7 @@ TEST(LogDialogs, AdvancedSheetShowsTheSettingsCancelPutsThemBackOkStoresThem) {
     sheet.DateFormats()->button(1)->click();
     EXPECT_EQ(state.Log.DateFormat, 1);
     ok ? sheet.accept() : sheet.reject();
-    EXPECT_EQ(state.Log == before, !ok);
+    EXPECT_EQ(state.Log == sheetOpened, !ok);
   }
   EXPECT_EQ(std::tuple(state.Log.Delimiter[0], state.Log.TSremoveCRLF, state.Log.RecordInterval,
                        state.Log.RecordALL, state.Log.DateFormat),

@@ -18,7 +18,6 @@ using namespace testing;
 // chosen; the rest of the line setting is as a fresh block has it.
 struct PortTable {
   PortTable() {
-    port.PortPresent.fill(0);
     port.PortPresent[1] = port.PortPresent[3] = 1;
     for (auto [slot, name] :
          {std::pair{1, u"FT232R USB UART"}, {3, u"Bluetooth"}, {5, u"Unplugged"}, {10, u"Loopback"}})

@@ -117,12 +117,11 @@ TEST(LogDialogs, LoggingPageAndAdvancedSheetShowTheSettingsCancelPutsThemBackOkS
   LoggingPage page(state);
   EXPECT_FALSE(page.PathField()->isEnabled() || page.TimestampBox()->isEnabled());
 
-  // The advanced sheet by itself.
+  // The advanced sheet by itself (the time format is the 8 the Logging page's run stored).
   state.Log.RecordALL = 0;
   state.Log.RecordDuration = 4;
   state.Log.Delimiter = {'|', 0};
   state.Log.DateFormat = 3;
-  state.Log.TimeFormat = 8;
   const core::LogSettings sheetOpened = state.Log;
   for (bool ok : {false, true}) {
     AdvancedLoggingDialog sheet(state);

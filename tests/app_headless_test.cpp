@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
-#include <fstream>
-#include <functional>
 #include <thread>
 
 #include "cli_child.h"
@@ -83,12 +81,8 @@ TEST(Headless, StandardOutputCarriesEveryReceivedByteInOrder) {
     std::function<void(Child&)> end;  // right after the last pause; none: SIGTERM once all is out
   };
   const Case cases[] = {
-      {"mixed bytes as fast as the line takes them",
-       {"--baud", "115200", "--config", raw},
-       MixedBytes(kStreamBytes),
-       1 << 16,
-       0,
-       nullptr},
+      // As fast as the line takes them.
+      {"mixed bytes", {"--baud", "115200", "--config", raw}, MixedBytes(kStreamBytes), 1 << 16, 0, nullptr},
       {"text lines at 1 MB/s", {"--baud", "115200"}, CrLfLines(2'000'000), 10'000, 10, nullptr},
       // SIGINT takes the same way out: QuietKeepsTheWelcomeAndTheStatusLineOut.
       {"SIGTERM", {}, letters, 4000, 10, [](Child& child) { child.Signal(SIGTERM); }},

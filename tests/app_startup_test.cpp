@@ -1,14 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <thread>
 #include <tuple>
 
 #include "app/help.h"
-#include "app/main_window.h"
-#include "app/startup.h"
 #include "app/tray_notification.h"
-#include "core/code_page.h"
 #include "core/messages.h"
 #include "platform/files.h"
 #include "platform/instance_lock.h"
@@ -31,9 +26,9 @@ std::u16string BoxTexts(StartedProgram& program) {
   return texts;
 }
 
+// Every start of the other tests is on Linux 6.1.
 TEST(StartUp, OnlyLinuxIsSupportedAndAnotherSystemGetsOneBoxAndNothingElse) {
-  for (const platform::OsInfo& os : {platform::OsInfo{true, "Linux", 6, 1}, {true, "Linux", 2, 6}})
-    EXPECT_TRUE(IsSupportedPlatform(os)) << os.Major;
+  EXPECT_TRUE(IsSupportedPlatform({true, "Linux", 2, 6}));
   for (const platform::OsInfo& os :
        {platform::OsInfo{true, "FreeBSD", 14, 0}, {true, "linux", 6, 1}, {false, "Linux", 6, 1}})
     EXPECT_FALSE(IsSupportedPlatform(os)) << os.Valid << os.SystemName;
@@ -177,8 +172,7 @@ TEST(StartUp, LoadsTheDefaultConfigurationThenTheOneAskedFor) {
   // A configuration asked for that is missing is reported; the default stays current.
   struct Case {
     std::string options, config, current;
-    int base, checked;
-    int ascii, binary;
+    int base, checked, ascii, binary;
   };
   const std::string ignoreDefault = "DEFAULTcfg=dword:00000001\n";
   for (const auto& c : {Case{"", "", "/Default.cfg.txt", 2, cmd::kBinary, 0, 1},

@@ -170,31 +170,28 @@ TEST(StartUp, LoadsTheDefaultConfigurationThenTheOneAskedFor) {
                                         << std::string(64, ';') << "\r\n";
   }
   // A configuration asked for that is missing is reported; the default stays current.
-  struct Case {
-    std::string options, config, current;
-    int base, checked, ascii, binary;
-  };
+  using Case = std::tuple<std::string, std::string, std::string, int, int, int, int>;
   const std::string ignoreDefault = "DEFAULTcfg=dword:00000001\n";
-  for (const auto& c : {Case{"", "", "/Default.cfg.txt", 2, cmd::kBinary, 0, 1},
-                        Case{ignoreDefault, "", "/Default.cfg.txt", 16, cmd::kHex, 1, 0},
-                        Case{"", "/night.cfg.txt", "/night.cfg.txt", 8, cmd::kOctal, 0, 1},
-                        Case{ignoreDefault, "/night.cfg.txt", "/night.cfg.txt", 8, cmd::kOctal, 1, 0},
-                        Case{ignoreDefault, "/plain.cfg.txt", "/plain.cfg.txt", 16, cmd::kHex, 0, 0},
-                        Case{"", "/gone.cfg.txt", "/Default.cfg.txt", 2, cmd::kBinary, 0, 1}}) {
-    SCOPED_TRACE(c.options + c.config);
-    WriteRegistry(folder.Path(), c.options);
+  for (const auto& [options, config, current, base, checked, ascii, binary] :
+       {Case{"", "", "/Default.cfg.txt", 2, cmd::kBinary, 0, 1},
+        Case{ignoreDefault, "", "/Default.cfg.txt", 16, cmd::kHex, 1, 0},
+        Case{"", "/night.cfg.txt", "/night.cfg.txt", 8, cmd::kOctal, 0, 1},
+        Case{ignoreDefault, "/night.cfg.txt", "/night.cfg.txt", 8, cmd::kOctal, 1, 0},
+        Case{ignoreDefault, "/plain.cfg.txt", "/plain.cfg.txt", 16, cmd::kHex, 0, 0},
+        Case{"", "/gone.cfg.txt", "/Default.cfg.txt", 2, cmd::kBinary, 0, 1}}) {
+    SCOPED_TRACE(options + config);
+    WriteRegistry(folder.Path(), options);
     StartedProgram start(folder.Path());
     AppState& s = start.state;
-    if (!c.config.empty()) s.Switches.ConfigPath = core::Utf8ToWide(folder.Path() + c.config);
+    if (!config.empty()) s.Switches.ConfigPath = core::Utf8ToWide(folder.Path() + config);
     ASSERT_EQ(start.Start(), 0);
-    EXPECT_EQ(std::tuple(s.Data.Base, s.Data.modeASCII, s.Data.modeBINARY),
-              std::tuple(c.base, c.ascii, c.binary));
-    EXPECT_TRUE(s.Screen.IsMenuItemChecked(c.checked));
+    EXPECT_EQ(std::tuple(s.Data.Base, s.Data.modeASCII, s.Data.modeBINARY), std::tuple(base, ascii, binary));
+    EXPECT_TRUE(s.Screen.IsMenuItemChecked(checked));
     // A button is greyed only while its view is the only one on.
-    EXPECT_EQ(s.Screen.IsButtonEnabled(cmd::kAsciiButton), !(c.ascii && !c.binary));
-    EXPECT_EQ(s.Screen.IsButtonEnabled(cmd::kBinaryButton), !(c.binary && !c.ascii));
-    EXPECT_EQ(s.CurrentConfigPath, core::Utf8ToWide(folder.Path() + c.current));
-    const bool gone = c.config == "/gone.cfg.txt";
+    EXPECT_EQ(s.Screen.IsButtonEnabled(cmd::kAsciiButton), !(ascii && !binary));
+    EXPECT_EQ(s.Screen.IsButtonEnabled(cmd::kBinaryButton), !(binary && !ascii));
+    EXPECT_EQ(s.CurrentConfigPath, core::Utf8ToWide(folder.Path() + current));
+    const bool gone = config == "/gone.cfg.txt";
     EXPECT_EQ(s.Screen.Status().rfind(u"Config file not found [", 0) == 0, gone);
     EXPECT_EQ(s.Screen.Status().find(u"Error code=2 (0x2)") != std::u16string::npos, gone);
   }

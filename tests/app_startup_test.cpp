@@ -234,7 +234,7 @@ TEST(Instances, SeveralAllowedGetNumberedTitlesUntilAllThirtyAreTaken) {
 }
 
 // Clearing the send history: MainWindow.ButtonsFieldsClipboardAndFullscreenTalkToTheModel.
-TEST_F(StartUpTest, RadixViewModePauseAndClearCommands) {
+TEST_F(StartUpTest, RadixViewModePauseClearAndScreenCommands) {
   auto& screen = state.Screen;
   auto send = [&](int command) { state.Queue.SendCommand(command); };
   const std::pair<int, int> radixes[] = {
@@ -262,32 +262,30 @@ TEST_F(StartUpTest, RadixViewModePauseAndClearCommands) {
     EXPECT_EQ(state.Data.PauseRxDisplay, paused);
     EXPECT_EQ(screen.IsMenuItemChecked(cmd::kPauseRxDisplay), paused == 1);
   }
-}
 
-TEST_F(StartUpTest, EveryScreenCommandReachesItsScreenAndAScreenNotShownIsReported) {
+  // Every screen command reaches its screen; a screen not shown is reported.
   const std::pair<int, std::string> table[] = {{cmd::kReceiveOptions, "receive options 0"},
                                                {cmd::kAsciiChart, "chart A"},
                                                {cmd::kCommPinouts, "pinouts"},
                                                {cmd::kHelp, "manual " + ManualPath()},
                                                {cmd::kFullscreen, ""},
                                                {cmd::kAsciiChart, "chart B"}};  // the other variant
-  for (const auto& [command, screen] : table) {
+  for (const auto& [command, shown] : table) {
     view.screens.clear();
-    EXPECT_FALSE(state.Screen.IsMenuItemGrey(command)) << command;
-    state.Queue.SendCommand(command);
-    EXPECT_EQ(view.screens, screen.empty() ? std::vector<std::string>{} : std::vector{screen}) << command;
+    EXPECT_FALSE(screen.IsMenuItemGrey(command)) << command;
+    send(command);
+    EXPECT_EQ(view.screens, shown.empty() ? std::vector<std::string>{} : std::vector{shown}) << command;
   }
   EXPECT_TRUE(ManualPath().ends_with("/docs/manual/index.html")) << ManualPath();
 
   view.screensShown = false;
-  for (int command : {cmd::kReceiveOptions, cmd::kAsciiChart, cmd::kCommPinouts, cmd::kHelp})
-    state.Queue.SendCommand(command);
+  for (int command : {cmd::kReceiveOptions, cmd::kAsciiChart, cmd::kCommPinouts, cmd::kHelp}) send(command);
   std::vector<std::u16string> boxes;
   for (const auto& box : view.Boxes()) boxes.push_back(box.text.substr(0, box.text.find(u':')));
   EXPECT_EQ(boxes,
             (std::vector<std::u16string>{u"Creating Receive Options dialog.", u"Creating ASCII Chart Dialog.",
                                          u"Creating Pinouts Dialog."}));
-  EXPECT_EQ(state.Screen.Status().rfind(u"The manual is /", 0), 0u);
+  EXPECT_EQ(screen.Status().rfind(u"The manual is /", 0), 0u);
 }
 
 }  // namespace

@@ -62,21 +62,15 @@ TEST(ButtonPage, ShowsAndWritesTheChosenButtonWithinItsRangeAndLimits) {
   EXPECT_EQ(values.SoftwareButtonCaption[1], u"Caption 1");
 }
 
-ReceiveOptionsSheet ReadySheet(core::AppState& state) {
-  ReceiveOptionsSheet sheet(state);
-  for (int page = 0; page < kRxOptionsPageCount; ++page) sheet.SetPageReady(static_cast<RxOptionsPage>(page));
-  return sheet;
-}
-
 // Storing at once, Cancel after edits and OK's compacting of the rules: the
 // Qt test ReceiveOptions.OpensWithTheSettingsStoresBoxesAtOnceCancelPutsBackOkApplies.
-TEST(ReceiveOptionsSheet, APageNotReadyStoresNothingAndCancelGoesBackToTheLastApply) {
+TEST(ReceiveOptionsSheet, APageNotReadyStoresNothingCancelGoesBackToTheLastApplyAndTheDelayField) {
   core::AppState state;
   state.Log.LOGtimestamp = 1;
-  ReceiveOptionsSheet filling(state);
-  filling.StoreSwitch(RxSwitch::kFilterNP, true);  // its page is not ready: ignored
+  ReceiveOptionsSheet sheet(state);
+  sheet.StoreSwitch(RxSwitch::kFilterNP, true);  // its page is not ready: ignored
   EXPECT_EQ(state.Data.FilterNP, 0);
-  ReceiveOptionsSheet sheet = ReadySheet(state);
+  for (int page = 0; page < kRxOptionsPageCount; ++page) sheet.SetPageReady(static_cast<RxOptionsPage>(page));
   sheet.StoreSwitch(RxSwitch::kNonChars, true);
   EXPECT_TRUE(sheet.AddRule({}));
   sheet.Apply(u"[0D][0A]", {u"a", u"b", 0, 0, 1});
@@ -87,11 +81,8 @@ TEST(ReceiveOptionsSheet, APageNotReadyStoresNothingAndCancelGoesBackToTheLastAp
                        state.Data.SnR_count, state.Data.SnR[1].wcszSearchFor, state.Data.SnR[1].SearchLength),
             std::tuple(1, 0, 1, 1, std::u16string(u"a"), 1));
   EXPECT_TRUE(core::SettingsArePublished(state));
-}
 
-TEST(ReceiveOptionsSheet, DelayFieldAndItsUpDown) {
-  core::AppState state;
-  ReceiveOptionsSheet sheet = ReadySheet(state);
+  // The delay field, and its up-down.
   const std::tuple<std::u16string_view, uint32_t, std::optional<std::u16string>> edits[] = {
       {u"9999", 9999, {}}, {u"", 0, {}}, {u"12x", 12, {}}, {u"10000", 0, u"0"}};
   for (const auto& [text, stored, rewrite] : edits) {

@@ -40,24 +40,20 @@ TEST(WindowLayout, ByScreenSizeUnlessTheCommandLineOrTheStoredChoiceSaysAndTheFr
 }
 
 // A window whose communication properties choose answer (empty: cancelled).
-class PagesFrontEnd : public testing::RecordingFrontEnd {
- public:
-  explicit PagesFrontEnd(core::AppState& state) : state_(state) {}
+struct PagesFrontEnd : testing::RecordingFrontEnd {
   [[nodiscard]] bool HasOptionPages() const override { return hasPages; }
   void ShowCommProperties() override {
-    statusWhileShown = state_.Screen.Status();
-    state_.Port.SelectedPort = answer;
+    statusWhileShown = state.Screen.Status();
+    state.Port.SelectedPort = answer;
   }
+  core::AppState state;
   bool hasPages = true;
   std::u16string answer, statusWhileShown;
-
- private:
-  core::AppState& state_;
 };
 
 TEST(FirstRun, PlayWithoutAPortAsksForOneThenOpensTheOneChosenUnlessNobodyIsThere) {
-  core::AppState state;
-  PagesFrontEnd view(state);
+  PagesFrontEnd view;
+  core::AppState& state = view.state;
   state.View = &view;
   auto play = [&](int64_t source = 0) {
     MainWindowProc(state, core::MakeMessage(core::kWmCommand, core::cmd::kPlay, source));

@@ -228,9 +228,7 @@ TEST(Headless, APortThatFailsAtStartEndsTheRunWithOne) {
   size_t opening = err.find("Opening port...");
   size_t box = err.find("ConfigurePort::GetCommState: Error code=25 (0x19)" + words);
   size_t failed = err.find("Error! Selected port failed to open. Check settings.");
-  EXPECT_LT(opening, box) << err;
-  EXPECT_LT(box, failed) << err;
-  EXPECT_NE(failed, npos) << err;
+  EXPECT_TRUE(opening < box && box < failed && failed != npos) << err;
   // The system's text once per message: the box's line and the status line.
   EXPECT_EQ(Count(err, words), 2u) << err;
 }

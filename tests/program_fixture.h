@@ -37,8 +37,6 @@ class StartedProgram {
     if (!state.ShuttingDown) app::Shutdown(state);
     app::AfterMessageLoop(state);
   }
-  StartedProgram(const StartedProgram&) = delete;
-  StartedProgram& operator=(const StartedProgram&) = delete;
 
   int Start(const platform::OsInfo& os = {true, "Linux", 6, 1}) {
     started_ = true;

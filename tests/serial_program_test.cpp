@@ -85,7 +85,8 @@ using SimulatedPortTest = PortProgramTest;
 
 TEST_F(ReceivePathTest, AFailedOpenThenABurstWholeAndInOrderStopWhileDataFlowsAndTheDeviceGoingAway) {
   state.Port.SelectedPort = u"/dev/does-not-exist-wavetrace";
-  // (Its status line with the system's code: Headless.APortThatFailsAtStartEndsTheRunWithOne.)
+  // (Its status line with the system's code:
+  // Headless.AnUnknownOptionEndsWithTwoWithoutStartingAPortThatFailsAtStartWithOne.)
   state.Queue.SendCommand(cmd::kPlay);
   EXPECT_TRUE(state.Screen.IsButtonEnabled(cmd::kPlay));
   EXPECT_FALSE(state.PlayFlag);

@@ -51,7 +51,7 @@ struct PagesFrontEnd : testing::RecordingFrontEnd {
   std::u16string answer, statusWhileShown;
 };
 
-TEST(FirstRun, PlayWithoutAPortAsksForOneThenOpensTheOneChosenUnlessNobodyIsThere) {
+TEST(FirstRun, PlayWithoutAPortAsksForOneTheOnlyPortListedIsPreselectedAndDataBeginsOnANewLine) {
   PagesFrontEnd view;
   core::AppState& state = view.state;
   state.View = &view;
@@ -73,9 +73,8 @@ TEST(FirstRun, PlayWithoutAPortAsksForOneThenOpensTheOneChosenUnlessNobodyIsTher
     play(headless ? 0 : core::kFromCommandLine);
     EXPECT_EQ(state.Screen.Status().rfind(failed, 0), 0u) << headless;
   }
-}
 
-TEST(FirstRun, TheOnlyPortListedIsPreselectedAndDataBeginsOnANewLine) {
+  // The only port listed is preselected.
   core::PortSettings port;
   std::array<std::string, core::kPortSlots> paths{};
   port.PortPresent[10] = 1;  // the simulated device
@@ -83,7 +82,7 @@ TEST(FirstRun, TheOnlyPortListedIsPreselectedAndDataBeginsOnANewLine) {
   paths[3] = "/dev/ttyUSB0";
   EXPECT_EQ(PreselectedSlot(port, paths), -1);
 
-  core::AppState state;
+  // Data begins on a new line after the welcome text.
   state.FirstPaintState = 2;
   OnFirstPaint(state);
   const std::u16string welcome = state.Screen.RxText();

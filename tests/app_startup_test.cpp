@@ -37,8 +37,7 @@ TEST(StartUp, OnlyLinuxIsSupportedAndAnotherSystemGetsOneBoxAndNothingElse) {
   EXPECT_EQ(start.Start({true, "FreeBSD", 14, 0}), -1);
   EXPECT_EQ(BoxTexts(start),
             u"O/S not supported: This program requires the Pocket PC 2003 or later Operating System.\n");
-  EXPECT_TRUE(start.state.g_RxWindowBuf.Empty());
-  EXPECT_FALSE(start.state.RxThread);
+  EXPECT_TRUE(start.state.g_RxWindowBuf.Empty() && !start.state.RxThread);
   EXPECT_FALSE(platform::FileExists(folder.Path() + "/registry.txt"));
 }
 
@@ -78,8 +77,8 @@ TEST(StartUp, AnUnusableConfigurationFolderIsReportedOnce) {
   start.Start();  // ends for want of an instance lock, as before
   const std::u16string boxes = BoxTexts(start);
   const std::u16string report = u"Error opening Program Options registry key: ";
-  EXPECT_EQ(boxes.find(report), boxes.rfind(report)) << "once";
-  EXPECT_NE(boxes.find(report), std::u16string::npos);
+  EXPECT_TRUE(boxes.find(report) != std::u16string::npos && boxes.find(report) == boxes.rfind(report))
+      << "once";
   EXPECT_EQ(start.state.ProgramOptions.MULTIinst, 0u);
 }
 

@@ -87,38 +87,89 @@ class StartUpTest : public testing::ProgramFixture {};
 // The title: MainWindow.StartUpShowsTheWelcomeTextTitleStatusAndTheModelsControls; the current
 // configuration and radix without a default file: StartUp.LoadsTheDefaultConfigurationThenTheOneAskedFor;
 // "Shutting down...": Headless.ATerminalGetsTheWelcomeAndUtf8BothWays.
-TEST_F(StartUpTest, NormalStartShowsTheClosedStateAndExitEndsEveryThread) {
-  auto& s = state;
-  EXPECT_EQ(std::pair(s.g_RxWindowBuf.Size(), s.DataLogCache.Size()),
+TEST_F(StartUpTest, NormalStartShowsTheClosedStateTakesTheCommandsAndExitEndsEveryThread) {
+  auto& screen = state.Screen;
+  auto send = [&](int command) { state.Queue.SendCommand(command); };
+  EXPECT_EQ(std::pair(state.g_RxWindowBuf.Size(), state.DataLogCache.Size()),
             std::pair(size_t{16384}, size_t{65535}));
-  ASSERT_TRUE(s.RxThread && s.TxThread && s.RxWndUpdate && s.LogIntervalThread);
-  EXPECT_TRUE(s.Screen.RxText().empty());
+  ASSERT_TRUE(state.RxThread && state.TxThread && state.RxWndUpdate && state.LogIntervalThread);
+  EXPECT_TRUE(screen.RxText().empty());
   // Writes the welcome text (its words: Headless.ATerminalGetsTheWelcomeAndUtf8BothWays); a later paint
   // does not again.
-  OnFirstPaint(s);
-  const std::u16string welcome = s.Screen.RxText();
-  OnFirstPaint(s);
-  EXPECT_EQ(s.Screen.RxText(), welcome);
-  EXPECT_FALSE(s.Screen.IsButtonEnabled(cmd::kSend) || s.Screen.IsButtonEnabled(cmd::kStop));
-  EXPECT_FALSE(s.Screen.IsMenuItemGrey(cmd::kAbout) || s.Screen.IsMenuItemGrey(cmd::kExit) ||
-               s.Screen.IsMenuItemGrey(cmd::kConfigLoad) || s.Screen.IsMenuItemGrey(cmd::kRunScript));
-  EXPECT_TRUE(s.Screen.TrayState() == 1 && s.Screen.WindowShown());
-  s.Queue.SendCommand(cmd::kAbout);
+  OnFirstPaint(state);
+  const std::u16string welcome = screen.RxText();
+  OnFirstPaint(state);
+  EXPECT_EQ(screen.RxText(), welcome);
+  EXPECT_FALSE(screen.IsButtonEnabled(cmd::kSend) || screen.IsButtonEnabled(cmd::kStop));
+  EXPECT_FALSE(screen.IsMenuItemGrey(cmd::kAbout) || screen.IsMenuItemGrey(cmd::kExit) ||
+               screen.IsMenuItemGrey(cmd::kConfigLoad) || screen.IsMenuItemGrey(cmd::kRunScript));
+  EXPECT_TRUE(screen.TrayState() == 1 && screen.WindowShown());
+  send(cmd::kAbout);
   EXPECT_EQ(view.about, u"Rel. 2.71.3089  (11.2008)");
+
+  // The radix, view, pause and clear commands.
+  const std::pair<int, int> radixes[] = {
+      {cmd::kDecimal, 10}, {cmd::kHex, 16}, {cmd::kHex, 16}, {cmd::kOctal, 8}, {cmd::kBinary, 2}};
+  for (auto [command, base] : radixes) {
+    send(command);
+    EXPECT_EQ(state.Data.Base, base);
+    for (int item : {cmd::kDecimal, cmd::kHex, cmd::kOctal, cmd::kBinary})
+      EXPECT_EQ(screen.IsMenuItemChecked(item), item == command) << command;
+  }
+  for (int binary : {1, 0}) {
+    send(binary ? cmd::kBinaryButton : cmd::kAsciiButton);
+    EXPECT_EQ(state.Data.modeASCII + 2 * state.Data.modeBINARY, binary ? 2 : 1);
+    EXPECT_EQ(screen.IsButtonEnabled(cmd::kBinaryButton), !binary);
+    EXPECT_EQ(screen.IsButtonEnabled(cmd::kAsciiButton), !!binary);
+  }
+  for (int clear : {cmd::kClearReceiveWindow, cmd::kClearButton}) {
+    screen.RxInsertAtCaret(u"data");
+    screen.SetShownCount(4);
+    send(clear);
+    EXPECT_TRUE(screen.RxText().empty() && screen.ShownCount() == 0) << clear;
+  }
+  for (int paused : {1, 0}) {
+    send(cmd::kPauseRxDisplay);
+    EXPECT_EQ(state.Data.PauseRxDisplay, paused);
+    EXPECT_EQ(screen.IsMenuItemChecked(cmd::kPauseRxDisplay), paused == 1);
+  }
+
+  // Every screen command reaches its screen; a screen not shown is reported.
+  const std::pair<int, std::string> table[] = {{cmd::kReceiveOptions, "receive options 0"},
+                                               {cmd::kAsciiChart, "chart A"},
+                                               {cmd::kCommPinouts, "pinouts"},
+                                               {cmd::kHelp, "manual " + ManualPath()},
+                                               {cmd::kFullscreen, ""},
+                                               {cmd::kAsciiChart, "chart B"}};  // the other variant
+  for (const auto& [command, shown] : table) {
+    view.screens.clear();
+    EXPECT_FALSE(screen.IsMenuItemGrey(command)) << command;
+    send(command);
+    EXPECT_EQ(view.screens, shown.empty() ? std::vector<std::string>{} : std::vector{shown}) << command;
+  }
+  EXPECT_TRUE(ManualPath().ends_with("/docs/manual/index.html")) << ManualPath();
+
+  view.screensShown = false;
+  for (int command : {cmd::kReceiveOptions, cmd::kAsciiChart, cmd::kCommPinouts, cmd::kHelp}) send(command);
+  std::vector<std::u16string> boxes;
+  for (const auto& box : view.Boxes()) boxes.push_back(box.text.substr(0, box.text.find(u':')));
+  EXPECT_EQ(boxes,
+            (std::vector<std::u16string>{u"Creating Receive Options dialog.", u"Creating ASCII Chart Dialog.",
+                                         u"Creating Pinouts Dialog."}));
+  EXPECT_EQ(screen.Status().rfind(u"The manual is /", 0), 0u);
 
   // Give the parked threads time to park: shutdown must wake them anyway.
   std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  s.Queue.PostCommand(cmd::kExit);
-  EXPECT_EQ(s.Queue.RunLoop(), 0);
-  EXPECT_FALSE(s.RxThread || s.TxThread || s.RxWndUpdate || s.LogIntervalThread);
-  EXPECT_TRUE(s.ShuttingDown && s.g_RxWindowBuf.Empty() && s.DataLogCache.Empty());
-  EXPECT_TRUE(s.Screen.TrayState() == 0 && s.Queue.NextTimerDelayMs() == -1);
+  state.Queue.PostCommand(cmd::kExit);
+  EXPECT_EQ(state.Queue.RunLoop(), 0);
+  EXPECT_FALSE(state.RxThread || state.TxThread || state.RxWndUpdate || state.LogIntervalThread);
+  EXPECT_TRUE(state.ShuttingDown && state.g_RxWindowBuf.Empty() && state.DataLogCache.Empty());
+  EXPECT_TRUE(screen.TrayState() == 0 && state.Queue.NextTimerDelayMs() == -1);
 }
 
 TEST(StartUp, WithoutADisplayScreenOffIsGreyAndDisableIconKeepsTheNotificationOff) {
   FreshProgram start("DisableIcon=dword:00000001\n");
-  const char* display = std::getenv("DISPLAY");
-  std::string saved = display ? display : "";
+  const std::string saved = std::getenv("DISPLAY") ? std::getenv("DISPLAY") : "";
   unsetenv("DISPLAY");
   int result = start.Start();
   if (!saved.empty()) setenv("DISPLAY", saved.c_str(), 1);
@@ -233,59 +284,6 @@ TEST(Instances, SeveralAllowedGetNumberedTitlesUntilAllThirtyAreTaken) {
 }
 
 // Clearing the send history: MainWindow.ButtonsFieldsClipboardAndFullscreenTalkToTheModel.
-TEST_F(StartUpTest, RadixViewModePauseClearAndScreenCommands) {
-  auto& screen = state.Screen;
-  auto send = [&](int command) { state.Queue.SendCommand(command); };
-  const std::pair<int, int> radixes[] = {
-      {cmd::kDecimal, 10}, {cmd::kHex, 16}, {cmd::kHex, 16}, {cmd::kOctal, 8}, {cmd::kBinary, 2}};
-  for (auto [command, base] : radixes) {
-    send(command);
-    EXPECT_EQ(state.Data.Base, base);
-    for (int item : {cmd::kDecimal, cmd::kHex, cmd::kOctal, cmd::kBinary})
-      EXPECT_EQ(screen.IsMenuItemChecked(item), item == command) << command;
-  }
-  for (int binary : {1, 0}) {
-    send(binary ? cmd::kBinaryButton : cmd::kAsciiButton);
-    EXPECT_EQ(state.Data.modeASCII + 2 * state.Data.modeBINARY, binary ? 2 : 1);
-    EXPECT_EQ(screen.IsButtonEnabled(cmd::kBinaryButton), !binary);
-    EXPECT_EQ(screen.IsButtonEnabled(cmd::kAsciiButton), !!binary);
-  }
-  for (int clear : {cmd::kClearReceiveWindow, cmd::kClearButton}) {
-    screen.RxInsertAtCaret(u"data");
-    screen.SetShownCount(4);
-    send(clear);
-    EXPECT_TRUE(screen.RxText().empty() && screen.ShownCount() == 0) << clear;
-  }
-  for (int paused : {1, 0}) {
-    send(cmd::kPauseRxDisplay);
-    EXPECT_EQ(state.Data.PauseRxDisplay, paused);
-    EXPECT_EQ(screen.IsMenuItemChecked(cmd::kPauseRxDisplay), paused == 1);
-  }
-
-  // Every screen command reaches its screen; a screen not shown is reported.
-  const std::pair<int, std::string> table[] = {{cmd::kReceiveOptions, "receive options 0"},
-                                               {cmd::kAsciiChart, "chart A"},
-                                               {cmd::kCommPinouts, "pinouts"},
-                                               {cmd::kHelp, "manual " + ManualPath()},
-                                               {cmd::kFullscreen, ""},
-                                               {cmd::kAsciiChart, "chart B"}};  // the other variant
-  for (const auto& [command, shown] : table) {
-    view.screens.clear();
-    EXPECT_FALSE(screen.IsMenuItemGrey(command)) << command;
-    send(command);
-    EXPECT_EQ(view.screens, shown.empty() ? std::vector<std::string>{} : std::vector{shown}) << command;
-  }
-  EXPECT_TRUE(ManualPath().ends_with("/docs/manual/index.html")) << ManualPath();
-
-  view.screensShown = false;
-  for (int command : {cmd::kReceiveOptions, cmd::kAsciiChart, cmd::kCommPinouts, cmd::kHelp}) send(command);
-  std::vector<std::u16string> boxes;
-  for (const auto& box : view.Boxes()) boxes.push_back(box.text.substr(0, box.text.find(u':')));
-  EXPECT_EQ(boxes,
-            (std::vector<std::u16string>{u"Creating Receive Options dialog.", u"Creating ASCII Chart Dialog.",
-                                         u"Creating Pinouts Dialog."}));
-  EXPECT_EQ(screen.Status().rfind(u"The manual is /", 0), 0u);
-}
 
 }  // namespace
 }  // namespace wavetrace::app

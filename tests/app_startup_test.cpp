@@ -43,28 +43,21 @@ TEST(StartUp, OnlyLinuxIsSupportedAndAnotherSystemGetsOneBoxAndNothingElse) {
 
 TEST(StartUp, TheVersionWarningAndTheRecordedRelease) {
   // A store without a release (none at all, or a hand-written one) warns once
-  // and records this release; another release (empty: a registry of 2.70)
-  // warns on every start.
-  using Case = std::pair<const char*, uint32_t>;
-  for (const auto& [store, multi] : {Case{nullptr, 0}, Case{"MULTIinst=dword:00000001\n", 1}, Case{"", 0}}) {
+  // and records this release; another release (2.70) warns on every start.
+  const std::string key = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\n";
+  using Case = std::tuple<std::string, uint32_t, std::u16string>;  // the store ("": none), MULTIinst, release
+  for (const auto& [store, multi, release] :
+       {Case{"", 0, u"0.0"}, Case{key + "MULTIinst=dword:00000001\n", 1, u"0.0"},
+        Case{key + "MajorVersion=dword:00000002\nMinorVersion=dword:00000046\n", 0, u"2.70"}}) {
     TempFolder folder;
-    const bool otherRelease = store && !*store;
-    if (otherRelease) {
-      WriteRegistry(folder.Path(), "", 70);
-    } else if (store) {
-      std::ofstream(folder.Path() + "/registry.txt")
-          << "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\n"
-          << store;
-    }
+    if (!store.empty()) std::ofstream(folder.Path() + "/registry.txt") << store;
     for (int run = 0; run < 2; ++run) {
       StartedProgram start(folder.Path());
       ASSERT_EQ(start.Start(), 0);
       const std::u16string warning =
-          std::u16string(u"Warning: Version mismatch: Expected: 2.71 \r\nReceived: Rel. \"") +
-          (otherRelease ? u"2.70" : u"0.0") +
+          u"Warning: Version mismatch: Expected: 2.71 \r\nReceived: Rel. \"" + release +
           u"\" \r\nSome features may not function properly.  You have been warned.  :)\n";
-      EXPECT_EQ(BoxTexts(start), run == 1 && !otherRelease ? u"" : warning)
-          << (store ? store : "(none)") << run;
+      EXPECT_EQ(BoxTexts(start), run == 1 && release == u"0.0" ? u"" : warning) << store << run;
       EXPECT_EQ(start.state.ProgramOptions.MULTIinst, multi);
     }
   }

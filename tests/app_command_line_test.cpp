@@ -7,28 +7,20 @@ namespace wavetrace::app {
 namespace {
 
 TEST(CommandLine, SwitchesAndTheirGnuForms) {
-  struct Case {
-    std::vector<std::string> args;
-    std::string script;
-    int quiet, noGui, debug;
-    bool help, version;
-  };
-  for (const auto& c :
+  using Case = std::tuple<std::vector<std::string>, std::string, int, int, int, bool, bool>;
+  for (const auto& [args, script, quiet, noGui, debug, help, version] :
        {Case{{}, "", 0, 0, 0, false, false},
-        Case{{"/SCRIPT::/home/me/run.txt"}, "/home/me/run.txt", 0, 0, 0, false, false},
         Case{{"/script::a b.txt", "/q", "/NoGui", "/debugon"}, "a b.txt", 1, 1, 1, false, false},
         Case{{"--script", "x.txt", "--quiet", "--nogui", "--debug"}, "x.txt", 1, 1, 1, false, false},
         Case{{"--script=y.txt", "-q"}, "y.txt", 1, 0, 0, false, false},
         Case{{"--help"}, "", 0, 0, 0, true, false}, Case{{"-h", "--version"}, "", 0, 0, 0, true, true}}) {
-    CommandLine line = ParseCommandLine(c.args);
-    std::string joined;
-    for (const auto& a : c.args) joined += a + " ";
-    EXPECT_TRUE(line.Error.empty()) << joined << line.Error;
-    EXPECT_EQ(core::WideToUtf8(line.Switches.ScriptPath), c.script) << joined;
-    EXPECT_EQ(std::tuple(line.Switches.Quiet, line.Switches.NoGui, line.Switches.Debug, line.ShowHelp,
+    SCOPED_TRACE(::testing::PrintToString(args));
+    CommandLine line = ParseCommandLine(args);
+    const auto& sw = line.Switches;
+    EXPECT_TRUE(line.Error.empty()) << line.Error;
+    EXPECT_EQ(std::tuple(core::WideToUtf8(sw.ScriptPath), sw.Quiet, sw.NoGui, sw.Debug, line.ShowHelp,
                          line.ShowVersion),
-              std::tuple(c.quiet, c.noGui, c.debug, c.help, c.version))
-        << joined;
+              std::tuple(script, quiet, noGui, debug, help, version));
   }
   // What they show (how wavetrace-cli answers them, its exit status and all: InstallTree).
   EXPECT_EQ(VersionText().rfind("Wavetrace Pro Rel. 2.71.3089 (11.2008)\nbuild ", 0), 0u);
@@ -39,20 +31,16 @@ TEST(CommandLine, LineSettingOptions) {
   CommandLine line = ParseCommandLine({"--port", "/dev/ttyUSB0", "--baud", "115200", "--databits", "7",
                                        "--parity", "e", "--stopbits", "1.5", "--list-ports"});
   ASSERT_TRUE(line.Error.empty()) << line.Error;
-  EXPECT_EQ(line.Switches.Port, u"/dev/ttyUSB0");
-  EXPECT_EQ(line.Switches.Baud, 115200u);
-  EXPECT_EQ(line.Switches.DataBits, 7);
-  EXPECT_EQ(line.Switches.Parity, u"Even");
-  EXPECT_EQ(line.Switches.StopBits, u"1.5");
-  EXPECT_TRUE(line.ListPorts);
+  const auto& sw = line.Switches;
+  EXPECT_EQ(std::tuple(sw.Port, sw.Baud, sw.DataBits, sw.Parity, sw.StopBits, line.ListPorts),
+            std::tuple(u"/dev/ttyUSB0", 115200u, 7, u"Even", u"1.5", true));
   EXPECT_EQ(ParseCommandLine({"--parity", "SPACE"}).Switches.Parity, u"Space");
   for (auto [arg, host, port, tcp] : {std::tuple{"tcp://10.0.0.7:5000", "10.0.0.7", 5000u, 1},
                                       {"udp://relay.example:0", "relay.example", 0u, 0}}) {
     CommandLine relay = ParseCommandLine({"--relay", arg});
     EXPECT_TRUE(relay.Error.empty()) << relay.Error;
-    EXPECT_EQ(relay.Switches.RelayHost, host);
-    EXPECT_EQ(relay.Switches.RelayPort, port);
-    EXPECT_EQ(relay.Switches.RelayTcp, tcp);
+    EXPECT_EQ(std::tuple(relay.Switches.RelayHost, relay.Switches.RelayPort, relay.Switches.RelayTcp),
+              std::tuple(host, port, tcp));
   }
 }
 

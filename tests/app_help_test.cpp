@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <tuple>
 
 #include "app/help.h"
 #include "core/build_info.h"
@@ -17,20 +18,16 @@ TEST(Help, FindsTheManualInstalledOrInABuildFolder) {
   // usr/share/doc/wavetrace-pro/manual/index.html as installed by default.
   const std::string installed =
       (std::filesystem::path("usr/bin") / core::kManualFromBinDir / kManualPage).lexically_normal().string();
-  struct Case {
-    std::string page, executableFolder;
-    bool found;
-  } cases[] = {{installed, "usr/bin", true},
-               {"build/docs/manual/index.html", "build", true},
-               {"build/docs/manual/other.html", "build", false},
-               {installed, "opt/bin", false}};
-  for (const Case& c : cases) {
+  using Case = std::tuple<std::string, std::string, bool>;
+  for (const auto& [page, executableFolder, found] :
+       {Case{installed, "usr/bin", true}, Case{"build/docs/manual/index.html", "build", true},
+        Case{"build/docs/manual/other.html", "build", false}, Case{installed, "opt/bin", false}}) {
     testing::TempFolder root;
-    std::filesystem::create_directories(std::filesystem::path(root.Path() + "/" + c.page).parent_path());
-    std::filesystem::create_directories(root.Path() + "/" + c.executableFolder);
-    std::ofstream(root.Path() + "/" + c.page) << "<html></html>";
-    EXPECT_EQ(FindManual(root.Path() + "/" + c.executableFolder, ""), c.found ? root.Path() + "/" + c.page : "")
-        << c.page << " from " << c.executableFolder;
+    std::filesystem::create_directories(std::filesystem::path(root.Path() + "/" + page).parent_path());
+    std::filesystem::create_directories(root.Path() + "/" + executableFolder);
+    std::ofstream(root.Path() + "/" + page) << "<html></html>";
+    EXPECT_EQ(FindManual(root.Path() + "/" + executableFolder, ""), found ? root.Path() + "/" + page : "")
+        << page << " from " << executableFolder;
   }
 }
 

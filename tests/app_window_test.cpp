@@ -40,24 +40,20 @@ TEST(WindowLayout, ByScreenSizeUnlessTheCommandLineOrTheStoredChoiceSaysAndTheFr
 }
 
 // A window whose communication properties choose answer (empty: cancelled).
-class PagesFrontEnd : public testing::RecordingFrontEnd {
- public:
-  explicit PagesFrontEnd(core::AppState& state) : state_(state) {}
+struct PagesFrontEnd : testing::RecordingFrontEnd {
   [[nodiscard]] bool HasOptionPages() const override { return hasPages; }
   void ShowCommProperties() override {
-    statusWhileShown = state_.Screen.Status();
-    state_.Port.SelectedPort = answer;
+    statusWhileShown = state.Screen.Status();
+    state.Port.SelectedPort = answer;
   }
+  core::AppState state;
   bool hasPages = true;
   std::u16string answer, statusWhileShown;
-
- private:
-  core::AppState& state_;
 };
 
-TEST(FirstRun, PlayWithoutAPortAsksForOneThenOpensTheOneChosenUnlessNobodyIsThere) {
-  core::AppState state;
-  PagesFrontEnd view(state);
+TEST(FirstRun, PlayWithoutAPortAsksForOneTheOnlyPortListedIsPreselectedAndDataBeginsOnANewLine) {
+  PagesFrontEnd view;
+  core::AppState& state = view.state;
   state.View = &view;
   auto play = [&](int64_t source = 0) {
     MainWindowProc(state, core::MakeMessage(core::kWmCommand, core::cmd::kPlay, source));
@@ -77,9 +73,8 @@ TEST(FirstRun, PlayWithoutAPortAsksForOneThenOpensTheOneChosenUnlessNobodyIsTher
     play(headless ? 0 : core::kFromCommandLine);
     EXPECT_EQ(state.Screen.Status().rfind(failed, 0), 0u) << headless;
   }
-}
 
-TEST(FirstRun, TheOnlyPortListedIsPreselectedAndDataBeginsOnANewLine) {
+  // The only port listed is preselected.
   core::PortSettings port;
   std::array<std::string, core::kPortSlots> paths{};
   port.PortPresent[10] = 1;  // the simulated device
@@ -87,7 +82,7 @@ TEST(FirstRun, TheOnlyPortListedIsPreselectedAndDataBeginsOnANewLine) {
   paths[3] = "/dev/ttyUSB0";
   EXPECT_EQ(PreselectedSlot(port, paths), -1);
 
-  core::AppState state;
+  // Data begins on a new line after the welcome text.
   state.FirstPaintState = 2;
   OnFirstPaint(state);
   const std::u16string welcome = state.Screen.RxText();

@@ -99,11 +99,10 @@ class Child {
   long CpuTicks() const {
     std::ifstream stat("/proc/" + std::to_string(pid_) + "/stat");
     std::string field;
-    long ticks = 0;
-    for (int i = 1; i <= 15 && stat >> field; ++i) {
-      if (i >= 14) ticks += std::atol(field.c_str());
-    }
-    return ticks;
+    for (int i = 1; i < 14; ++i) stat >> field;  // the fields before utime and stime
+    long user = 0, kernel = 0;
+    stat >> user >> kernel;
+    return user + kernel;
   }
   void Type(const std::string& text) { (void)!write(in_, text.data(), text.size()); }
   void CloseInput() { close(std::exchange(in_, -1)); }

@@ -16,11 +16,11 @@
 namespace wavetrace::testing {
 
 // The program's registry key in a configuration folder: this release (no
-// version warning) unless minor says otherwise, then the extra lines.
-inline void WriteRegistry(const std::string& folder, const std::string& extra = "", int minor = 71) {
+// version warning), then the extra lines.
+inline void WriteRegistry(const std::string& folder, const std::string& extra = "") {
   std::ofstream(folder + "/registry.txt")
       << "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\nMajorVersion=dword:00000002\n"
-      << "MinorVersion=dword:000000" << std::hex << (minor < 16 ? "0" : "") << minor << "\n"
+      << "MinorVersion=dword:00000047\n"
       << extra;
 }
 
@@ -37,8 +37,6 @@ class StartedProgram {
     if (!state.ShuttingDown) app::Shutdown(state);
     app::AfterMessageLoop(state);
   }
-  StartedProgram(const StartedProgram&) = delete;
-  StartedProgram& operator=(const StartedProgram&) = delete;
 
   int Start(const platform::OsInfo& os = {true, "Linux", 6, 1}) {
     started_ = true;

@@ -3,16 +3,11 @@
 // postamble, repeat runs, the history, files, the device going away.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <functional>
-
 #include "app/transmit_options.h"
 #include "cli_child.h"
-#include "core/code_page.h"
 #include "core/messages.h"
 #include "platform/pty.h"
 #include "program_fixture.h"
-#include "serial/file_transmit.h"
 #include "serial/port.h"
 #include "serial/simulated_device.h"
 #include "serial/tx_thread.h"
@@ -23,15 +18,13 @@ namespace {
 using namespace std::chrono_literals;
 namespace cmd = core::cmd;
 
-TEST(TransmitArithmetic, RepeatPausesAndFileChunks) {
-  for (auto [delay, steps, single] :
-       {std::tuple{250u, 2, 0}, {100u, 1, 0}, {99u, 0, 99}, {50u, 0, 50}, {0u, 0, 0}, {1050u, 10, 0}}) {
+// The step boundary of the repeat pause (its other rows, shared with a script's DELAY:
+// ScriptRunner.DelaysInWholeStepsAboveOneHundredMilliseconds; the file chunks: TransmitTest's files).
+TEST(TransmitArithmetic, ARepeatPauseOfAHundredMillisecondsIsOneStep) {
+  for (auto [delay, steps, single] : {std::tuple{100u, 1, 0}, {99u, 0, 99}}) {
     RepeatPause p = RepeatPauseOf(delay);
     EXPECT_EQ(std::pair(p.Steps, p.SingleSleepMs), std::pair(steps, single)) << delay;
   }
-  // A fifth of a second of line time a chunk (the plans: TransmitTest.Files).
-  EXPECT_EQ(std::tuple(FileChunkSize(115200), FileChunkSize(49), FileChunkSize(50)),
-            std::tuple(2304u, 0u, 1u));
 }
 
 class PortProgramTest : public testing::ProgramFixture {
@@ -90,17 +83,18 @@ using ReceivePathTest = PortProgramTest;
 using TransmitTest = PortProgramTest;
 using SimulatedPortTest = PortProgramTest;
 
-TEST_F(ReceivePathTest, AFailedOpenThenABurstWholeAndInOrderStopAndTheDeviceGoingAway) {
+TEST_F(ReceivePathTest, AFailedOpenThenABurstWholeAndInOrderStopWhileDataFlowsAndTheDeviceGoingAway) {
   state.Port.SelectedPort = u"/dev/does-not-exist-wavetrace";
-  // (Its status line with the system's code: Headless.APortThatFailsAtStartEndsTheRunWithOne.)
+  // (Its status line with the system's code:
+  // Headless.AnUnknownOptionEndsWithTwoWithoutStartingAPortThatFailsAtStartWithOne.)
   state.Queue.SendCommand(cmd::kPlay);
   EXPECT_TRUE(state.Screen.IsButtonEnabled(cmd::kPlay));
   EXPECT_FALSE(state.PlayFlag);
 
   // The thread was never resumed: a good port opens after that, and no other program can take it meanwhile.
+  // (PLAY and STOP's buttons: PortConnection in the Qt tests.)
   ASSERT_TRUE(Play(pty));
-  EXPECT_FALSE(state.Screen.IsButtonEnabled(cmd::kPlay));
-  EXPECT_TRUE(state.Screen.IsButtonEnabled(cmd::kStop) && state.Screen.IsMenuItemGrey(cmd::kConfigLoad));
+  EXPECT_TRUE(state.Screen.IsMenuItemGrey(cmd::kConfigLoad));
   EXPECT_EQ(state.Screen.TrayState(), 2);
   EXPECT_FALSE(Free(pty));
   std::string burst;
@@ -109,8 +103,23 @@ TEST_F(ReceivePathTest, AFailedOpenThenABurstWholeAndInOrderStopAndTheDeviceGoin
   EXPECT_TRUE(PumpUntil([&] { return state.Screen.RxText().size() >= burst.size(); }));
   EXPECT_EQ(core::WideToBytes(state.Screen.RxText()), burst);
 
-  // (STOP's status line and buttons: PortConnection in the Qt tests.)
+  // STOP while data flows; nothing more arrives once closed. (STOP's status line and buttons:
+  // PortConnection in the Qt tests.)
+  std::atomic<bool> sending{true};
+  std::thread device([&] {
+    while (sending) {
+      pty.Write(std::string(512, 'x'));
+      std::this_thread::sleep_for(1ms);
+    }
+  });
+  std::this_thread::sleep_for(100ms);
   EXPECT_TRUE(Stop());
+  sending = false;
+  device.join();
+  program.PumpUntil([] { return false; }, 450ms);
+  const size_t shown = state.Screen.RxText().size();
+  program.PumpUntil([] { return false; }, 450ms);
+  EXPECT_EQ(state.Screen.RxText().size(), shown);
   EXPECT_TRUE(state.Screen.IsMenuItemGrey(cmd::kConfigLoad));  // stays grey
   EXPECT_EQ(state.Screen.TrayState(), 1);
   EXPECT_TRUE(Free(pty));
@@ -126,29 +135,7 @@ TEST_F(ReceivePathTest, AFailedOpenThenABurstWholeAndInOrderStopAndTheDeviceGoin
   EXPECT_TRUE(PumpUntil([&] { return state.Screen.RxText().find(u"back") != std::u16string::npos; }));
 }
 
-TEST_F(ReceivePathTest, StopWhileDataFlows) {
-  ASSERT_TRUE(Play(pty));
-  std::atomic<bool> sending{true};
-  std::thread device([&] {
-    while (sending) {
-      pty.Write(std::string(512, 'x'));
-      std::this_thread::sleep_for(1ms);
-    }
-  });
-  std::this_thread::sleep_for(100ms);
-  EXPECT_TRUE(Stop());
-  sending = false;
-  device.join();
-  // Nothing more arrives once closed.
-  std::this_thread::sleep_for(450ms);
-  state.Queue.DispatchPending();
-  auto shown = state.Screen.RxText().size();
-  std::this_thread::sleep_for(450ms);
-  state.Queue.DispatchPending();
-  EXPECT_EQ(state.Screen.RxText().size(), shown);
-}
-
-TEST_F(TransmitTest, EscapesThePostambleAndTheHistoryOfThree) {
+TEST_F(TransmitTest, EscapesThePostambleTheHistoryOfThreeRepeatRunsFilesAndStop) {
   ASSERT_TRUE(Play(pty));
   SetOptions([](auto& o) { o.PostambleKeysTX = u"[0A]"; });
   ASSERT_TRUE(Send(u"AT[0D][00]x"));
@@ -165,10 +152,10 @@ TEST_F(TransmitTest, EscapesThePostambleAndTheHistoryOfThree) {
 
   for (const char16_t* text : {u"one", u"two", u"two", u"three", u"four"}) ASSERT_TRUE(Send(text));
   EXPECT_EQ(state.Screen.TxHistory(), (std::vector<std::u16string>{u"two", u"three", u"four"}));
-}
+  EXPECT_EQ(pty.Read(24, 2000), "one\ntwo\ntwo\nthree\nfour\n");
 
-TEST_F(TransmitTest, RepeatRunsAndStop) {
-  ASSERT_TRUE(Play(pty));
+  // Repeat runs (without the postamble from here on).
+  SetOptions([](auto& o) { o.PostambleKeysTX.clear(); });
   SetOptions([](auto& o) { o.TxRepeatNum = 3, o.TxRepeatDelay = 50; });
   state.Queue.SendCommand(cmd::kRepeat);
   EXPECT_EQ(state.Screen.Status(), u"REPEAT Send activated.");
@@ -197,10 +184,8 @@ TEST_F(TransmitTest, RepeatRunsAndStop) {
   ASSERT_TRUE(Send(u"again"));
   EXPECT_EQ(pty.Read(5, 2000), "again");
   EXPECT_EQ(state.Screen.Status().find(u"Error"), std::u16string::npos);
-}
 
-TEST_F(TransmitTest, Files) {
-  ASSERT_TRUE(Play(pty));
+  // Files.
   state.Screen.SetEventsEnabled(true);
   auto shown = [&](const std::u16string& prefix) {
     std::vector<std::u16string> texts;
@@ -235,10 +220,8 @@ TEST_F(TransmitTest, Files) {
   auto history = state.Screen.TxHistory();
   EXPECT_EQ(history.size(), 3u);
   EXPECT_EQ(history.back(), empty);
-}
 
-TEST_F(TransmitTest, StopDuringAFileEndsItQuietly) {
-  ASSERT_TRUE(Play(pty));
+  // STOP during a file ends it quietly.
   Send(File("long.bin", std::string(192 * 40, 'x')), false);  // some ten seconds at 9600 baud
   EXPECT_EQ(pty.Read(192 * 2, 3000).size(), 192u * 2);
   EXPECT_TRUE(Stop());
@@ -248,7 +231,7 @@ TEST_F(TransmitTest, StopDuringAFileEndsItQuietly) {
 
 // The simulated device on VSP0 (found there by discovery: see
 // DiscoveryTest.KindsOfDevicesAndTheirNames), at its 4800,8,N,1.
-TEST_F(SimulatedPortTest, ReadExactlyWithItsSettingEchoesAndAFileIsPacedByTheLine) {
+TEST_F(SimulatedPortTest, ReadExactlyWithItsSettingEchoesPacesAFileAndSurvivesManyOpens) {
   EXPECT_EQ(state.Simulated.SimulatedSentenceMs, 200);
   ASSERT_TRUE(Play(u"VSP0:", 4800));
   std::u16string expected = core::BytesToWide(SimulatedSentences(0) + SimulatedSentences(1));
@@ -266,14 +249,14 @@ TEST_F(SimulatedPortTest, ReadExactlyWithItsSettingEchoesAndAFileIsPacedByTheLin
   // The transfer ended only once the line had carried the file.
   EXPECT_TRUE(CurrentPort(state)->DrainOutput(0));
   EXPECT_TRUE(PumpUntil([&] { return Count("OK\r\n") == 48; }));
-}
 
-// (That another line setting reads garbage: UartModel and HeadlessScan.)
-TEST_F(SimulatedPortTest, SurvivesManyOpensAndClosesAndAnExitWhileOpen) {
+  // It survives many opens and closes, and an exit while open at another line setting (that this reads
+  // garbage: UartModel and HeadlessScan).
   for (int i = 0; i < 20; ++i) {
-    ASSERT_TRUE(Play(u"VSP0:", 4800)) << i;
     ASSERT_TRUE(Stop()) << i;
+    ASSERT_TRUE(Play(u"VSP0:", 4800)) << i;
   }
+  ASSERT_TRUE(Stop());
   ASSERT_TRUE(Play(u"VSP0:", 9600));
 }
 

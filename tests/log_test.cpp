@@ -66,26 +66,6 @@ TEST(LogNamesTest, AutomaticNamesFollowTheDateFormat) {
   }
 }
 
-TEST(LogNamesTest, SplitLogPath) {
-  std::u16string docs = DocumentsDir();
-  ASSERT_EQ(docs.back(), u'/');
-  struct Case {
-    std::u16string path, dir, file;
-  };
-  const Case cases[] = {
-      {u"/var/log/run.csv", u"/var/log/", u"run.csv"},
-      {u"run.csv", docs, u"run.csv"},
-      {u"/a/b/c/", u"/a/b/c/", u""},  // an automatic name follows
-  };
-  for (const Case& c : cases) {
-    core::LogSettings log;
-    SplitLogPath(log, c.path);
-    EXPECT_EQ(log.wszLogDir, c.dir);
-    EXPECT_TRUE(c.file.empty() ? log.wszLogFile.ends_with(u".log.txt") : log.wszLogFile == c.file)
-        << core::WideToUtf8(log.wszLogFile);
-  }
-}
-
 TEST(LogNamesTest, SizeTextsUseDecimalUnits) {
   const std::pair<uint64_t, const char16_t*> cases[] = {
       {0, u"[Starting Size: 0 Bytes]"},         {9999, u"[Starting Size: 9999 Bytes]"},
@@ -169,10 +149,15 @@ TEST(LoggingPageTest, PathFieldAutoNameAndTheStampsCancelKeeps) {
   // The field holds 127 characters; what is typed beyond them is not read.
   std::u16string longPath = u"/" + std::u16string(130, u'd') + u"/run.txt";
   EXPECT_EQ(StoreLogPath(state, longPath), longPath.substr(0, kLogPathFieldChars));
-  // "AutoName" keeps the typed folder and names the file by the date.
-  std::u16string named = AutoNameLogPath(state, u"/srv/logs/old.txt");
-  EXPECT_EQ(named, u"/srv/logs/" + state.Log.wszLogFile);
-  EXPECT_TRUE(named.ends_with(u".log.txt"));
+  // A bare name goes to the documents folder (a folder and a name: tests/qt/log_dialogs_test).
+  EXPECT_EQ(StoreLogPath(state, u"run.csv"), DocumentsDir() + u"run.csv");
+  // A folder alone, and any path by "AutoName", keep the folder and name the file by the date.
+  for (auto [store, typed] :
+       {std::pair{&StoreLogPath, u"/srv/logs/"}, {&AutoNameLogPath, u"/srv/logs/old.txt"}}) {
+    std::u16string named = store(state, typed);
+    EXPECT_EQ(named, u"/srv/logs/" + state.Log.wszLogFile);
+    EXPECT_TRUE(named.ends_with(u".log.txt")) << core::WideToUtf8(named);
+  }
   EXPECT_TRUE(core::SettingsArePublished(state));
   // Cancel leaves the stamps the threads keep.
   state.Log.CurrentTimeStamp[0] = '7';

@@ -71,7 +71,10 @@ class RecordingHost : public ScriptHost {
   void ScriptEnded() override { Log(u"ENDED"); }
 
   void Log(std::u16string entry) { events.push_back(core::WideToUtf8(entry) + "@" + std::to_string(now)); }
+  // Runs a script without the debug echo.
+  ScriptEnd Run(std::u16string_view script) { return RunScript(script, state, false, *this); }
 
+  std::atomic<int32_t> state{kScriptRunning};
   int now = 0;
   std::vector<int> waits;
   std::vector<std::string> events;
@@ -80,13 +83,11 @@ class RecordingHost : public ScriptHost {
 
 TEST(ScriptRunner, CarriesOutCommandsInOrderAndEndsWithTheBanner) {
   RecordingHost host;
-  std::atomic<int32_t> state{kScriptRunning};
-  ScriptEnd end = RunScript(
+  ScriptEnd end = host.Run(
       u"<COMMENT>hi</COMMENT><COMMENT></COMMENT><CONFIG>/a.cfg</CONFIG><SEND>AT</SEND><PLAY></PLAY>"
-      u"<BEEP>x</BEEP><CONFIG></CONFIG><SEND></SEND><STOP>ignored</STOP>",
-      state, false, host);
+      u"<BEEP>x</BEEP><CONFIG></CONFIG><SEND></SEND><STOP>ignored</STOP>");
   EXPECT_EQ(end, ScriptEnd::kEndOfText);
-  EXPECT_EQ(state, kScriptEnded);
+  EXPECT_EQ(host.state, kScriptEnded);
   // Each command is followed by one 100 ms poll (BEEP, and CONFIG and SEND without
   // an argument, do nothing else); ten empty scans end it. With --debug each command
   // found is shown first: HeadlessScript.LoadsOpensSendsStopsAndExits.
@@ -118,9 +119,7 @@ TEST(ScriptRunner, DelaysInWholeStepsAboveOneHundredMilliseconds) {
   for (const Case& c : cases) {
     SCOPED_TRACE(core::WideToUtf8(c.delay));
     RecordingHost host;
-    std::atomic<int32_t> state{kScriptRunning};
-    RunScript(u"<DELAY>" + std::u16string(c.delay) + u"</DELAY><EXITPROGRAM></EXITPROGRAM>", state, false,
-              host);
+    host.Run(u"<DELAY>" + std::u16string(c.delay) + u"</DELAY><EXITPROGRAM></EXITPROGRAM>");
     std::vector<int> waits = c.waits;
     waits.push_back(kScriptPollMs);
     EXPECT_EQ(host.waits, waits);
@@ -130,13 +129,11 @@ TEST(ScriptRunner, DelaysInWholeStepsAboveOneHundredMilliseconds) {
 
 TEST(ScriptRunner, HoldingCutsADelayShortAndResumesWithTheNextCommand) {
   RecordingHost host;
-  std::atomic<int32_t> state{kScriptRunning};
   host.onSleep = [&](int now) {
-    if (now == 300) state = 2;  // held during the delay
-    if (now == 800) state = kScriptRunning;
+    if (now == 300) host.state = 2;  // held during the delay
+    if (now == 800) host.state = kScriptRunning;
   };
-  ScriptEnd end =
-      RunScript(u"<DELAY>5000</DELAY><SEND>next</SEND><EXITPROGRAM></EXITPROGRAM>", state, false, host);
+  ScriptEnd end = host.Run(u"<DELAY>5000</DELAY><SEND>next</SEND><EXITPROGRAM></EXITPROGRAM>");
   EXPECT_EQ(end, ScriptEnd::kExitProgram);
   // Three steps of the delay, then polls while held; no banner.
   EXPECT_EQ(host.events, (std::vector<std::string>{"SEND:next@800", "EXIT@900"}));

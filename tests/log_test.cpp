@@ -202,9 +202,8 @@ TEST(LoggingPageTest, DelimiterPageStoresItsStagedValues) {
     std::optional<uint8_t> staged;
     uint8_t stored;
   };
-  const Case cases[] = {
-      {',', 0, '\t', '\t'}, {' ', 3, ',', ','}, {'|', {}, {}, '|'},  // no radio checked: the delimiter stays
-  };
+  // The last row: no radio checked, the delimiter stays.
+  const Case cases[] = {{',', 0, '\t', '\t'}, {' ', 3, ',', ','}, {'|', {}, {}, '|'}};
   for (const Case& c : cases) {
     core::AppState state;
     state.Log.Delimiter = {c.delimiter, 0};

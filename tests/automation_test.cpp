@@ -190,9 +190,8 @@ TEST_F(ProgramAutomation, TokensRunOnlyFromHardwareButtons) {
   state.Port.SelectedPort = u"VSP0:";
   state.Data.HardwareButtonData[0] = u"{PLAY}";
   state.Data.SoftwareButtonData[0] = u"{PLAY}";
-  auto press = [&](int key) { state.Queue.Send(core::MakeMessage(core::kWmStripCommand, key)); };
-  int firstSoftware = core::strip::kSoftwareStrip + core::strip::kFirstSoftwareButton;
-  press(firstSoftware);
+  state.Queue.Send(core::MakeMessage(core::kWmStripCommand,
+                                     core::strip::kSoftwareStrip + core::strip::kFirstSoftwareButton));
   EXPECT_EQ(state.Screen.TxText(), u"{PLAY}");
   EXPECT_FALSE(state.PlayFlag);
   state.Queue.Send(core::MakeMessage(core::kWmHotKey, 197));  // application key 5: nothing

@@ -30,8 +30,7 @@ TEST(LogRecordTest, ReceiveAndTransmitLayouts) {
     const char* name;
     RecordFormat format;
     StampPair stamps;
-    std::string received;
-    std::string transmitted;
+    std::string received, transmitted;
   };
   const Case cases[] = {
       // Only hh:mm:ss continues a line.

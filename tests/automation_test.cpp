@@ -211,20 +211,15 @@ TEST_F(ProgramAutomation, StopDuringAScanRestoresTheLineSetting) {
   state.Port.Parity = u"Even";
   state.Psm = {1, 1, 1, 1, 1, 1, 0};
   core::PublishSettings(state);
-  auto strip = [&](int control) {
-    state.Queue.Send(core::MakeMessage(core::kWmStripCommand, core::strip::kPsmStrip + control));
-  };
-  strip(core::strip::kPsmStart);
-  EXPECT_FALSE(state.Screen.IsButtonEnabled(core::strip::kPsmStrip + core::strip::kPsmStart));
+  const int start = core::strip::kPsmStrip + core::strip::kPsmStart;
+  state.Queue.Send(core::MakeMessage(core::kWmStripCommand, start));
+  EXPECT_FALSE(state.Screen.IsButtonEnabled(start));
   // The first combination is the current setting (PortScanTable), the second has Mark parity.
   ASSERT_TRUE(PumpUntil([&] { return state.PortOpen && state.Port.SelectedBaud == 1200; }));
   ASSERT_TRUE(PumpUntil([&] { return state.Port.Parity == u"Mark"; }));
-  strip(core::strip::kPsmStop);
+  state.Queue.Send(core::MakeMessage(core::kWmStripCommand, core::strip::kPsmStrip + core::strip::kPsmStop));
   // START comes back once the thread has put the setting back and stopped.
-  ASSERT_TRUE(PumpUntil([&] {
-    return state.PsmThread->HasEnded() &&
-           state.Screen.IsButtonEnabled(core::strip::kPsmStrip + core::strip::kPsmStart);
-  }));
+  ASSERT_TRUE(PumpUntil([&] { return state.PsmThread->HasEnded() && state.Screen.IsButtonEnabled(start); }));
   EXPECT_EQ(state.PsmOutcome, kScanStopped);
   EXPECT_FALSE(state.PortOpen);
   EXPECT_EQ(state.Port.SelectedBaud, 1200u);

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "app/connection.h"
+#include "core/decimal_text.h"
 #include "core/messages.h"
 #include "loopback_server.h"
 #include "relay/network_relay.h"
@@ -158,10 +159,8 @@ TEST(RelaySocket, UdpListenerQueuesLinesAndAnswersWithEachEnding) {
 struct RelayedState {
   explicit RelayedState(uint16_t port, bool tcp = true, bool enabled = true) {
     state.View = &view;
-    state.Data.IP = {u"127", u"0", u"0", u"1"};
-    state.Data.RelayTCP_RemotePort = port;
-    state.Data.Relay_SocketType_TCP = tcp ? 1 : 0;
-    state.Data.Relay_SocketType_UDP = tcp ? 0 : 1;
+    // As the IP Relay page stores them.
+    StoreIpRelayFields({{u"127", u"0", u"0", u"1"}, core::DecimalText(port), tcp}, state.Data);
     state.Data.EnableTCPIPrelay = enabled ? 1 : 0;
     InstallNetworkRelay(state);
   }

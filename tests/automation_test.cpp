@@ -9,7 +9,6 @@
 #include <tuple>
 #include <vector>
 
-#include "automation/function_buttons.h"
 #include "automation/port_scan.h"
 #include "automation/port_scan_table.h"
 #include "automation/script_runner.h"
@@ -29,7 +28,6 @@ TEST(ScriptScanner, FindsTaggedCommands) {
     std::vector<std::u16string> found;  // keyword|closing|argument of each command found
   };
   const Case cases[] = {
-      {u"<DELAY>250</DELAY>", {u"DELAY|/DELAY|250"}},
       // Keywords in any case (letters from a to z only); the closing tag is never checked.
       {u"<send>AT[0D]<a-z{>", {u"SEND|A-Z{|AT[0D]"}},
       // Text between commands, line breaks included, is ignored.
@@ -73,7 +71,10 @@ class RecordingHost : public ScriptHost {
   void ScriptEnded() override { Log(u"ENDED"); }
 
   void Log(std::u16string entry) { events.push_back(core::WideToUtf8(entry) + "@" + std::to_string(now)); }
+  // Runs a script without the debug echo.
+  ScriptEnd Run(std::u16string_view script) { return RunScript(script, state, false, *this); }
 
+  std::atomic<int32_t> state{kScriptRunning};
   int now = 0;
   std::vector<int> waits;
   std::vector<std::string> events;
@@ -82,37 +83,27 @@ class RecordingHost : public ScriptHost {
 
 TEST(ScriptRunner, CarriesOutCommandsInOrderAndEndsWithTheBanner) {
   RecordingHost host;
-  std::atomic<int32_t> state{kScriptRunning};
-  ScriptEnd end = RunScript(
+  ScriptEnd end = host.Run(
       u"<COMMENT>hi</COMMENT><COMMENT></COMMENT><CONFIG>/a.cfg</CONFIG><SEND>AT</SEND><PLAY></PLAY>"
-      u"<BEEP>x</BEEP><CONFIG></CONFIG><SEND></SEND><DELAY></DELAY><STOP>ignored</STOP>",
-      state, true, host);
+      u"<BEEP>x</BEEP><CONFIG></CONFIG><SEND></SEND><STOP>ignored</STOP>");
   EXPECT_EQ(end, ScriptEnd::kEndOfText);
-  EXPECT_EQ(state, kScriptEnded);
-  // Each command is followed by one 100 ms poll; ten empty scans end it.
+  EXPECT_EQ(host.state, kScriptEnded);
+  // Each command is followed by one 100 ms poll (BEEP, and CONFIG and SEND without
+  // an argument, do nothing else); ten empty scans end it. With --debug each command
+  // found is shown first: HeadlessScript.LoadsOpensSendsStopsAndExits.
   const std::vector<std::string> expected = {
-      "W:\r\nFound pair:\r\n <COMMENT></COMMENT>@0",
       "W:\r\nhi\r\n@0",
-      "W:\r\nFound pair:\r\n <COMMENT></COMMENT>@100",
       "W:\r\n@100",
-      "W:\r\nFound pair:\r\n <CONFIG></CONFIG>@200",
       "CONFIG:/a.cfg@200",
-      "W:\r\nFound pair:\r\n <SEND></SEND>@300",
       "SEND:AT@300",
-      "W:\r\nFound pair:\r\n <PLAY></PLAY>@400",
       "PLAY@400",
-      "W:\r\nFound pair:\r\n <BEEP></BEEP>@500",
-      "W:\r\nFound pair:\r\n <CONFIG></CONFIG>@600",
-      "W:\r\nFound pair:\r\n <SEND></SEND>@700",
-      "W:\r\nFound pair:\r\n <DELAY></DELAY>@800",
-      "W:\r\nFound pair:\r\n <STOP></STOP>@900",
-      "STOP@900",
-      "W:\r\n@1900",
-      "W: ============================\r\n@1900",
-      "W: Script Automation mode:[END]\r\n\r\n@1900",
-      "ENDED@1900",
+      "STOP@800",
+      "W:\r\n@1800",
+      "W: ============================\r\n@1800",
+      "W: Script Automation mode:[END]\r\n\r\n@1800",
+      "ENDED@1800",
       // The last command runs once more after the banner.
-      "STOP@1900",
+      "STOP@1800",
   };
   EXPECT_EQ(host.events, expected);
 }
@@ -124,13 +115,11 @@ TEST(ScriptRunner, DelaysInWholeStepsAboveOneHundredMilliseconds) {
   };
   // The number is read as the C library reads one: blanks, a sign, digits.
   const Case cases[] = {
-      {u" 1050ms", std::vector<int>(10, 100)}, {u"99", {99}}, {u"100", {100}}, {u"abc", {}}, {u"-5", {}}};
+      {u" 1050ms", std::vector<int>(10, 100)}, {u"99", {99}}, {u"", {}}, {u"abc", {}}, {u"-5", {}}};
   for (const Case& c : cases) {
     SCOPED_TRACE(core::WideToUtf8(c.delay));
     RecordingHost host;
-    std::atomic<int32_t> state{kScriptRunning};
-    RunScript(u"<DELAY>" + std::u16string(c.delay) + u"</DELAY><EXITPROGRAM></EXITPROGRAM>", state, false,
-              host);
+    host.Run(u"<DELAY>" + std::u16string(c.delay) + u"</DELAY><EXITPROGRAM></EXITPROGRAM>");
     std::vector<int> waits = c.waits;
     waits.push_back(kScriptPollMs);
     EXPECT_EQ(host.waits, waits);
@@ -140,13 +129,11 @@ TEST(ScriptRunner, DelaysInWholeStepsAboveOneHundredMilliseconds) {
 
 TEST(ScriptRunner, HoldingCutsADelayShortAndResumesWithTheNextCommand) {
   RecordingHost host;
-  std::atomic<int32_t> state{kScriptRunning};
   host.onSleep = [&](int now) {
-    if (now == 300) state = 2;  // held during the delay
-    if (now == 800) state = kScriptRunning;
+    if (now == 300) host.state = 2;  // held during the delay
+    if (now == 800) host.state = kScriptRunning;
   };
-  ScriptEnd end =
-      RunScript(u"<DELAY>5000</DELAY><SEND>next</SEND><EXITPROGRAM></EXITPROGRAM>", state, false, host);
+  ScriptEnd end = host.Run(u"<DELAY>5000</DELAY><SEND>next</SEND><EXITPROGRAM></EXITPROGRAM>");
   EXPECT_EQ(end, ScriptEnd::kExitProgram);
   // Three steps of the delay, then polls while held; no banner.
   EXPECT_EQ(host.events, (std::vector<std::string>{"SEND:next@800", "EXIT@900"}));
@@ -161,16 +148,14 @@ TEST(PortScanTable, StartsAtTheCurrentSettingAndStepsInLockstep) {
     size_t total;
     std::vector<ScanEntry> first;  // the first entries
   };
+  // Data bits, parity and stop bits step together, each wrapping on its own.
+  const std::vector<ScanEntry> lockstep = {{9600, 8, u"None", u"1"},
+                                           {9600, 7, u"Odd", u"1.5"},
+                                           {9600, 6, u"Even", u"2"},
+                                           {9600, 5, u"Mark", u"1"},
+                                           {9600, 8, u"Space", u"1.5"}};
   const Case cases[] = {
-      {9600,
-       {true, true, true, true},
-       0,
-       360,
-       {{9600, 8, u"None", u"1"},
-        {9600, 7, u"Odd", u"1.5"},
-        {9600, 6, u"Even", u"2"},
-        {9600, 5, u"Mark", u"1"},
-        {9600, 8, u"Space", u"1.5"}}},
+      {9600, {true, true, true, true}, 0, 360, lockstep},
       {115200, {true, false, false, false}, 0, 1, {{115200, 8, u"None", u"1"}}},
       // Six baud steps share four entries: none per rate, all stay empty.
       {9600, {false, true, false, false}, 0, 4, {{}, {}, {}, {}}},
@@ -205,9 +190,8 @@ TEST_F(ProgramAutomation, TokensRunOnlyFromHardwareButtons) {
   state.Port.SelectedPort = u"VSP0:";
   state.Data.HardwareButtonData[0] = u"{PLAY}";
   state.Data.SoftwareButtonData[0] = u"{PLAY}";
-  auto press = [&](int key) { state.Queue.Send(core::MakeMessage(core::kWmStripCommand, key)); };
-  int firstSoftware = core::strip::kSoftwareStrip + core::strip::kFirstSoftwareButton;
-  press(firstSoftware);
+  state.Queue.Send(core::MakeMessage(core::kWmStripCommand,
+                                     core::strip::kSoftwareStrip + core::strip::kFirstSoftwareButton));
   EXPECT_EQ(state.Screen.TxText(), u"{PLAY}");
   EXPECT_FALSE(state.PlayFlag);
   state.Queue.Send(core::MakeMessage(core::kWmHotKey, 197));  // application key 5: nothing
@@ -227,20 +211,15 @@ TEST_F(ProgramAutomation, StopDuringAScanRestoresTheLineSetting) {
   state.Port.Parity = u"Even";
   state.Psm = {1, 1, 1, 1, 1, 1, 0};
   core::PublishSettings(state);
-  auto strip = [&](int control) {
-    state.Queue.Send(core::MakeMessage(core::kWmStripCommand, core::strip::kPsmStrip + control));
-  };
-  strip(core::strip::kPsmStart);
-  EXPECT_FALSE(state.Screen.IsButtonEnabled(core::strip::kPsmStrip + core::strip::kPsmStart));
+  const int start = core::strip::kPsmStrip + core::strip::kPsmStart;
+  state.Queue.Send(core::MakeMessage(core::kWmStripCommand, start));
+  EXPECT_FALSE(state.Screen.IsButtonEnabled(start));
   // The first combination is the current setting (PortScanTable), the second has Mark parity.
   ASSERT_TRUE(PumpUntil([&] { return state.PortOpen && state.Port.SelectedBaud == 1200; }));
   ASSERT_TRUE(PumpUntil([&] { return state.Port.Parity == u"Mark"; }));
-  strip(core::strip::kPsmStop);
+  state.Queue.Send(core::MakeMessage(core::kWmStripCommand, core::strip::kPsmStrip + core::strip::kPsmStop));
   // START comes back once the thread has put the setting back and stopped.
-  ASSERT_TRUE(PumpUntil([&] {
-    return state.PsmThread->HasEnded() &&
-           state.Screen.IsButtonEnabled(core::strip::kPsmStrip + core::strip::kPsmStart);
-  }));
+  ASSERT_TRUE(PumpUntil([&] { return state.PsmThread->HasEnded() && state.Screen.IsButtonEnabled(start); }));
   EXPECT_EQ(state.PsmOutcome, kScanStopped);
   EXPECT_FALSE(state.PortOpen);
   EXPECT_EQ(state.Port.SelectedBaud, 1200u);
@@ -268,10 +247,11 @@ TEST(HeadlessScript, LoadsOpensSendsStopsAndExits) {
       << "<COMMENT>start</COMMENT>\r\n<CONFIG>" << scripts.Path()
       << "/port.cfg.txt</CONFIG>\r\n<PLAY></PLAY>\r\n<SEND>one[0D][0A]</SEND>\r\n<send>two[0D][0A]</send>\r\n"
          "<DELAY>300</DELAY>\r\n<STOP></STOP>\r\n<EXITPROGRAM></EXITPROGRAM>\r\n<SEND>never</SEND>";
-  CliRun run("", {"--script", scripts.Path() + "/run.txt"});
+  CliRun run("", {"--script", scripts.Path() + "/run.txt", "--debug"});
   EXPECT_EQ(device.Read(12, 20000), "one\r\ntwo\r\n");
   EXPECT_EQ(run.WaitForExit(20000), 0) << run.Err();
-  EXPECT_NE(run.Out().find("\r\nstart\r\n"), std::string::npos);
+  EXPECT_NE(run.Out().find("\r\nFound pair:\r\n <COMMENT></COMMENT>\r\nstart\r\n"), std::string::npos)
+      << run.Out();
   EXPECT_EQ(run.Out().find("[END]"), std::string::npos);  // EXITPROGRAM: no end banner
 }
 
@@ -279,11 +259,11 @@ TEST(HeadlessScript, UnreadableScriptsEndTheRunAndExitAfterScriptEndsAtTheBanner
   testing::TempFolder scripts;
   std::ofstream(scripts.Path() + "/empty.txt");
   std::ofstream(scripts.Path() + "/note.txt") << "<COMMENT>note</COMMENT>";
-  for (std::string script : {"/missing.txt", "/empty.txt"}) {
-    CliRun run("", {"--script", scripts.Path() + script});
-    EXPECT_EQ(run.WaitForExit(), 1) << script;
-    EXPECT_NE(run.Err().find("init failed... aborting."), std::string::npos) << run.Err();
-  }
+  // A missing one takes the same path: StartUp.AutomationModeAndAScriptThatCannotBeRead.
+  CliRun empty("", {"--script", scripts.Path() + "/empty.txt"});
+  EXPECT_EQ(empty.WaitForExit(), 1);
+  EXPECT_EQ(empty.Err(), "Script file automation: init failed... aborting. [" + scripts.Path() +
+                             "/empty.txt]: the file is empty\n");
   CliRun run("", {"--exit-after-script", "/SCRIPT::" + scripts.Path() + "/note.txt"});
   EXPECT_EQ(run.WaitForExit(20000), 0) << run.Err();
   // The banner and what follows it: ScriptRunner.CarriesOutCommandsInOrderAndEndsWithTheBanner.
@@ -297,18 +277,13 @@ TEST(HeadlessScan, FindsTheSimulatedDevicesSetting) {
   EXPECT_NE(run.Out().find("PSM started.\r\n(Total combinations = 9)\r\nScan interval = 1 sec.\r\n"),
             std::string::npos);
   // Readable sentences under the device's own setting, and only there.
-  auto section = [&](const std::string& heading) {
-    size_t at = run.Out().find(heading);
-    if (at == std::string::npos) return std::string("(missing)");
-    size_t next = run.Out().find("\r\n[VSP0:", at + heading.size());
-    return run.Out().substr(at, next == std::string::npos ? std::string::npos : next - at);
-  };
-  EXPECT_NE(section("[VSP0:,4800,8,N,1]").find("$GPGGA,"), std::string::npos);
-  for (const char* other : {"[VSP0:,2400,8,N,1]", "[VSP0:,9600,8,N,1]", "[VSP0:,115200,8,N,1]"}) {
-    std::string text = section(other);
-    EXPECT_NE(text, "(missing)");
-    EXPECT_EQ(text.find("$GP"), std::string::npos) << other;
-  }
+  const std::string& out = run.Out();
+  const size_t own = out.find("[VSP0:,4800,8,N,1]");
+  const size_t next = out.find("\r\n[VSP0:", own);
+  EXPECT_LT(out.find("$GPGGA,", own), next) << out;
+  EXPECT_TRUE(out.find("$GP") > own && out.rfind("$GP") < next) << out;
+  for (const char* other : {"[VSP0:,2400,8,N,1]", "[VSP0:,9600,8,N,1]", "[VSP0:,115200,8,N,1]"})
+    EXPECT_NE(out.find(other), std::string::npos) << other;
 }
 
 }  // namespace

@@ -5,39 +5,31 @@
 #include <condition_variable>
 #include <mutex>
 #include <string>
-#include <thread>
 
-#include "platform/socket.h"
+#include "relay/relay_socket.h"
 
 namespace wavetrace::testing {
 
-// A TCP or UDP server on 127.0.0.1 at an ephemeral port that keeps what it
-// receives. TCP: one connection is accepted; the server closes it after
-// closeAfter bytes (the rest of the stream is not read). Reply answers it.
-class LoopbackServer {
+// A TCP or UDP server on 127.0.0.1 at an ephemeral port, on the relay socket's
+// server side, that keeps what it receives. TCP: each accepted connection is
+// read on the accepting worker until it ends, or until closeAfter bytes have
+// come in all (the rest of the stream is then not read). Reply answers it.
+class LoopbackServer : public relay::RelaySocket {
  public:
-  explicit LoopbackServer(platform::SocketKind kind, size_t closeAfter = SIZE_MAX)
-      : tcp_(kind == platform::SocketKind::kStream), closeAfter_(closeAfter) {
-    platform::OpenSocket(kind, fd_);
-    platform::BindTo(fd_, {platform::kLoopbackAddress, 0});
-    platform::LocalEndpoint(fd_, local_);
-    if (tcp_) platform::ListenOn(fd_, 4);
-    thread_ = std::thread([this] { Serve(); });
+  explicit LoopbackServer(platform::SocketKind kind, size_t closeAfter = SIZE_MAX) : closeAfter_(closeAfter) {
+    Create(kind == platform::SocketKind::kStream ? kTcp : kUdp, kBufferBytes);
+    Listen(0, 4, platform::kLoopbackAddress);
   }
-  ~LoopbackServer() {
-    platform::ShutdownSocket(fd_);
+  ~LoopbackServer() override {
     {
       std::lock_guard lock(mutex_);
+      stopping_ = true;
       if (connection_ != platform::kNoSocket) platform::ShutdownSocket(connection_);
     }
-    thread_.join();
-    if (connection_ != platform::kNoSocket) platform::CloseSocket(connection_);
-    platform::CloseSocket(fd_);
+    StopWorkers();
   }
-  LoopbackServer(const LoopbackServer&) = delete;
-  LoopbackServer& operator=(const LoopbackServer&) = delete;
 
-  [[nodiscard]] uint16_t Port() const { return local_.Port; }
+  [[nodiscard]] uint16_t Port() const { return LocalEndpoint().Port; }
   [[nodiscard]] std::string Received() {
     std::lock_guard lock(mutex_);
     return received_;
@@ -55,53 +47,53 @@ class LoopbackServer {
                        ignored);
   }
 
- private:
-  void Serve() {
-    int from = fd_;
-    if (tcp_) {
-      platform::Ipv4Endpoint peer;
-      int connection = platform::kNoSocket;
-      if (!platform::AcceptFrom(fd_, connection, peer)) return;
+ protected:
+  // UDP: each datagram is kept instead of queued.
+  int OnReceive(const uint8_t* data, long length) override {
+    Keep(data, length);
+    return 1;
+  }
+  int OnAccept(int connection) override {
+    {
       std::lock_guard lock(mutex_);
-      connection_ = from = connection;
+      if (stopping_) return 0;
+      connection_ = connection;
     }
-    uint8_t buffer[65536];
-    for (;;) {
-      platform::SysResult failure;
-      long n = platform::ReceiveSome(from, buffer, sizeof buffer, nullptr, failure);
-      if (n <= 0) break;  // the client ended, or the server is being taken down
-      std::lock_guard lock(mutex_);
-      received_.append(reinterpret_cast<const char*>(buffer), static_cast<size_t>(n));
-      arrived_.notify_all();
-      if (received_.size() >= closeAfter_) {
-        // Closed with data unread: the client's next sends are refused.
-        platform::CloseSocket(connection_);
-        connection_ = platform::kNoSocket;
-        break;
-      }
+    uint8_t buffer[kBufferBytes];
+    platform::SysResult failure;
+    long n = 0;
+    while ((n = platform::ReceiveSome(connection, buffer, sizeof buffer, nullptr, failure)) > 0) {
+      if (!Keep(buffer, n)) break;
     }
+    // Closed with data unread: the client's next sends are refused.
+    std::lock_guard lock(mutex_);
+    platform::CloseSocket(connection);
+    connection_ = platform::kNoSocket;
+    return 1;
   }
 
-  bool tcp_;
+ private:
+  static constexpr int32_t kBufferBytes = 65536;
+
+  // Appends; false once closeAfter bytes have come.
+  bool Keep(const uint8_t* data, long length) {
+    std::lock_guard lock(mutex_);
+    received_.append(reinterpret_cast<const char*>(data), static_cast<size_t>(length));
+    arrived_.notify_all();
+    return received_.size() < closeAfter_;
+  }
+
   size_t closeAfter_;
-  int fd_ = platform::kNoSocket;
+  bool stopping_ = false;
   int connection_ = platform::kNoSocket;
-  platform::Ipv4Endpoint local_;
   std::mutex mutex_;
   std::condition_variable arrived_;
   std::string received_;
-  std::thread thread_;
 };
 
-// A TCP port on 127.0.0.1 that nothing listens on.
+// A TCP port on 127.0.0.1 that nothing listens on (any longer).
 inline uint16_t ClosedPort() {
-  int fd = platform::kNoSocket;
-  platform::Ipv4Endpoint local;
-  platform::OpenSocket(platform::SocketKind::kStream, fd);
-  platform::BindTo(fd, {platform::kLoopbackAddress, 0});
-  platform::LocalEndpoint(fd, local);
-  platform::CloseSocket(fd);
-  return local.Port;
+  return LoopbackServer(platform::SocketKind::kStream).Port();
 }
 
 }  // namespace wavetrace::testing

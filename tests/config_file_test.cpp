@@ -47,13 +47,11 @@ TEST_F(IniStoreTest, LoadingTrimsAndSplitsLines) {
   // File, section, key, value found. A last line is not trimmed, and one that starts blank is dropped.
   using Case = std::array<std::string, 4>;
   for (const auto& [file, section, key, value] :
-       {Case{"[S]\nKey = Value  \n", "S", "Key", "Value"}, Case{"[S]\r\nKey=Value\r\n", "S", "Key", "Value"},
-        Case{"[S]\nFlag\n", "S", "Flag", ""}, Case{"[S]\n  Key=1\n", "S", "  Key", "1"},
-        Case{"[S]\nKey=\t x y \t\n", "S", "Key", "x y"}, Case{"[S]\nKey=a=b\n", "S", "Key", "a=b"},
-        Case{"[ S ]\nK=v\n", " S ", "K", "v"}, Case{"[S] trailing\nK=v\n", "S", "K", "v"},
-        Case{"[S\nK=v\n", "S", "K", "v"}, Case{"top=1\n[S]\nK=v\n", "", "top", "1"},
-        Case{"[S]\nK=first\nK=second\n", "S", "K", "second"}, Case{"[s]\nk=v\n", "S", "k", "<missing>"},
-        Case{"[S]\n; note=1\nK=v\n", "S", "; note", "<missing>"},
+       {Case{"[S]\nKey \t= \t x y \t\n", "S", "Key", "x y"}, Case{"[S]\r\nFlag\r\n", "S", "Flag", ""},
+        Case{"[S]\n  Key=1\n", "S", "  Key", "1"}, Case{"[S]\nKey=a=b\n", "S", "Key", "a=b"},
+        Case{"[ S ] trailing\nK=v\n", " S ", "K", "v"}, Case{"[S\nK=v\n", "S", "K", "v"},
+        Case{"top=1\n[S]\nK=v\n", "", "top", "1"}, Case{"[S]\nK=first\nK=second\n", "S", "K", "second"},
+        Case{"[s]\nk=v\n", "S", "k", "<missing>"}, Case{"[S]\n; note=1\nK=v\n", "S", "; note", "<missing>"},
         Case{"[S]\nKey=Value  \r", "S", "Key", "Value  \r"}, Case{"[S]\n \tK=v", "S", " \tK", "<missing>"}}) {
     Open(file);
     EXPECT_EQ(Get(section, key), value) << file;
@@ -86,8 +84,6 @@ TEST_F(IniStoreTest, OverlongValuesAreCutInTheStoreAndCompositeKeysAreBounded) {
   std::string section(200, 's');
   EXPECT_EQ(store->Set(section, std::string(54, 'k'), "v"), 0);  // 254 characters: fits
   EXPECT_EQ(store->Set(section, std::string(55, 'k'), "v"), -1);
-  EXPECT_EQ(Get(section, std::string(54, 'k')), "v");
-  EXPECT_EQ(Get(section, std::string(55, 'k')), "<missing>");
   // The zero between section and key keeps "ab"+"c" apart from "a"+"bc".
   store->Set("ab", "c", "1");
   EXPECT_EQ(Get("a", "bc"), "<missing>");
@@ -276,19 +272,16 @@ TEST_F(ConfigFileTest, EverySettingSurvivesTheRoundTripInTheFileLayout) {
 
 TEST_F(ConfigFileTest, RefusedFilesChangeNothing) {
   const std::string tail = "\r\n[DATA_h]\r\nBase=2\r\n" + std::string(64, ';');
-  using Case = std::pair<std::string, std::u16string>;  // the file, the status (# stands for the path)
-  AppState before;
-  ASSERT_EQ(ConfigLoad(before, Write("all.cfg.txt", kEverything)), 0);
-  for (const auto& [contents, status] :
-       {Case{std::string(63, 'x'), u"Invalid config file [#].  Size too small."},
-        Case{"[Wavetrace Pro]\r\nConfigFile=2" + tail, u"Invalid config file [#]"}}) {
-    AppState s;
-    ASSERT_EQ(ConfigLoad(s, Path("all.cfg.txt")), 0);
+  using Case = std::pair<std::string, std::u16string>;  // the file, the status after its path
+  AppState s;
+  ASSERT_EQ(ConfigLoad(state, Write("all.cfg.txt", kEverything)), 0);
+  ASSERT_EQ(ConfigLoad(s, Path("all.cfg.txt")), 0);
+  for (const auto& [contents, status] : {Case{std::string(63, 'x'), u"].  Size too small."},
+                                         Case{"[Wavetrace Pro]\r\nConfigFile=2" + tail, u"]"}}) {
     std::u16string path = Write("refused.cfg.txt", contents);
     EXPECT_EQ(ConfigLoad(s, path), 1) << contents;
-    std::u16string expected = status;
-    EXPECT_EQ(s.Screen.Status(), expected.replace(expected.find(u'#'), 1, path)) << contents;
-    EXPECT_TRUE(s.Port == before.Port && s.Data == before.Data && s.Log == before.Log) << contents;
+    EXPECT_EQ(s.Screen.Status(), u"Invalid config file [" + path + status) << contents;
+    EXPECT_TRUE(s.Port == state.Port && s.Data == state.Data && s.Log == state.Log) << contents;
   }
   // A missing file: 1 and no message.
   state.Screen.SetStatus(u"unchanged");
@@ -327,14 +320,11 @@ TEST_F(ConfigFileTest, PostambleRulesAndDelimiterQuirks) {
   const std::string postamble = "[POSTAMBLE]\r\nPostambleLengthRX=9\r\n";
   EXPECT_EQ(data(postamble + "wcszPostambleKeysRX=[0D][00]\r\n").PostambleLengthRX, 2);
   EXPECT_EQ(data(postamble).PostambleLengthRX, 0);
-  // A count larger than the rules there are.
-  const std::string rules =
-      "[SnR]\r\nSnR_count=7\r\n[SnR_01]\r\nwcszSearchFor=a\r\n[SnR_02]\r\nwcszSearchFor=b\r\n";
-  EXPECT_EQ(data(rules).SnR_count, 2);
+  // A count larger than the two rules the table holds.
+  EXPECT_EQ(data("[SnR]\r\nSnR_count=7\r\n").SnR_count, 2);
   // The first character decides, letters in upper case only.
   using Delimiter = std::pair<std::string, uint8_t>;
-  for (const auto& [text, delimiter] :
-       {Delimiter{"X", ','}, Delimiter{"T", '\t'}, Delimiter{"semi", ','}, Delimiter{"Semi", ' '}})
+  for (const auto& [text, delimiter] : {Delimiter{"T", '\t'}, Delimiter{"semi", ','}, Delimiter{"Semi", ' '}})
     EXPECT_EQ(Load("[DataLog]\r\nDelimiter=" + text + "\r\n")->Log.Delimiter[0], delimiter) << text;
   // A delimiter outside the four leaves no line at all.
   state.Log.Delimiter = {'|', 0};

@@ -23,7 +23,6 @@
 
 using namespace std::chrono_literals;
 using namespace std::string_literals;
-using enum wavetrace::platform::Parity;
 using enum wavetrace::platform::StopBits;
 
 namespace wavetrace::platform {
@@ -54,18 +53,24 @@ TermiosRecord Map(const LineSettings& settings) {
   return record;
 }
 
-TEST(TermiosMapping, CharacterFormatRawModeAndFlowControl) {
-  struct Case {
-    LineSettings settings;
-    tcflag_t flags;  // size, parity and stop bits
-  };
-  for (const auto& c :
-       {Case{{.DataBits = 8}, CS8}, Case{{.DataBits = 7, .ParityMode = kEven}, CS7 | PARENB},
-        Case{{.DataBits = 7, .ParityMode = kOdd, .Stop = kTwo}, CS7 | PARENB | PARODD | CSTOPB},
-        Case{{.DataBits = 6, .ParityMode = kMark}, CS6 | PARENB | PARODD | CMSPAR},
-        Case{{.DataBits = 5, .ParityMode = kSpace, .Stop = kOneAndHalf}, CS5 | PARENB | CMSPAR | CSTOPB}}) {
-    tcflag_t cflag = Map(c.settings).Tio.c_cflag;
-    EXPECT_EQ(cflag & (CSIZE | PARENB | PARODD | CMSPAR | CSTOPB), c.flags) << c.settings.DataBits;
+TEST(TermiosMapping, TheSettingsTextsMakeTheCharacterFormatInRawModeWithFlowControl) {
+  // Data bits, the parity and stop bits texts (others read as None and 1), the stop bits and flags they make.
+  using Case = std::tuple<uint8_t, std::u16string, std::u16string, StopBits, tcflag_t>;
+  core::PortSettings port;
+  for (const auto& [bits, parity, stop, stopBits, flags] :
+       {Case{8, u"None", u"1", kOne, CS8}, Case{7, u"Even", u"1", kOne, CS7 | PARENB},
+        Case{7, u"Odd", u"2", kTwo, CS7 | PARENB | PARODD | CSTOPB},
+        Case{6, u"Mark", u"1", kOne, CS6 | PARENB | PARODD | CMSPAR},
+        Case{5, u"Space", u"1.5", kOneAndHalf, CS5 | PARENB | CMSPAR | CSTOPB},
+        Case{8, u"odd", u"3", kOne, CS8}}) {
+    port.SelectedDataBits = bits;
+    port.Parity = parity;
+    port.StopBits = stop;
+    const LineSettings line = serial::LineSettingsOf(port);
+    const tcflag_t cflag = Map(line).Tio.c_cflag;
+    EXPECT_EQ(std::pair(line.Stop, cflag & (CSIZE | PARENB | PARODD | CMSPAR | CSTOPB)),
+              std::pair(stopBits, flags))
+        << core::WideToUtf8(parity + u"," + stop);
     EXPECT_EQ(cflag & (CREAD | CLOCAL), static_cast<tcflag_t>(CREAD | CLOCAL));
   }
   TermiosRecord r = Map(LineSettings{});
@@ -73,7 +78,10 @@ TEST(TermiosMapping, CharacterFormatRawModeAndFlowControl) {
   EXPECT_EQ((r.Tio.c_oflag & OPOST) | (r.Tio.c_lflag & (ECHO | ICANON | ISIG)) | (r.Tio.c_cflag & CRTSCTS),
             0u);
   EXPECT_EQ(r.Tio.c_cc[VMIN] + r.Tio.c_cc[VTIME], 0);
-  r = Map({.XonXoff = true, .CtsFlow = true});
+  port.XON = port.CtsFlow = 1;
+  port.RTS = 2;  // only 1 means on
+  EXPECT_FALSE(serial::LineSettingsOf(port).Rts);
+  r = Map(serial::LineSettingsOf(port));
   EXPECT_EQ(r.Tio.c_iflag & (IXON | IXOFF), static_cast<tcflag_t>(IXON | IXOFF));
   EXPECT_NE(r.Tio.c_cflag & CRTSCTS, 0u);
   EXPECT_EQ(std::pair(r.Tio.c_cc[VSTART], r.Tio.c_cc[VSTOP]), std::pair(cc_t{17}, cc_t{19}));
@@ -98,43 +106,36 @@ TEST(TermiosMapping, StandardAndCustomRatesAndImpossibleRequests) {
   }
 }
 
-// A port on a pty at a custom rate with both modem lines on, which a pty takes.
-// (That a second opener is refused as busy, reads and writes of bursts, and
-// that STOP or the device going away ends the receive thread's wait, are
-// shown through the program in serial_program_test.cpp.)
-class PtyPortTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    ASSERT_TRUE(pty.Valid());
-    SysResult opened;
-    port = OpenTermiosPort(pty.SlavePath(), opened);
-    ASSERT_TRUE(port) << opened.Errno;
-    std::string error;
-    ASSERT_TRUE(port->Configure({.Baud = 31250, .Rts = true, .Dtr = true}, error)) << error;
-  }
-  int Write(const std::string& bytes, int timeoutMs = 1000) {
-    SysResult failure;
-    return port->Write(reinterpret_cast<const uint8_t*>(bytes.data()), static_cast<int>(bytes.size()),
-                       timeoutMs, failure);
-  }
-  PtyPair pty;
-  std::unique_ptr<SerialPort> port;
-};
-
 // A pty has no output queue that drains at a line rate (TIOCOUTQ reads 0,
 // TCOFLUSH does not reach bytes already at the far side, and its close never
 // waits for the line), so pacing and throwing output away are shown on the
-// simulated device. What a pty does show: a write held up by a far side that
-// does not read ends when the port closes, so a close never waits for it.
-TEST_F(PtyPortTest, AClosingPortEndsAHeldWriteAndDrainsReturnAtOnce) {
-  ASSERT_EQ(Write("AT\r"), 3);
+// simulated device. What a pty does show, on a port at a custom rate with both
+// modem lines on (which a pty takes): a write held up by a far side that does
+// not read ends when the port closes, so a close never waits for it. (That a
+// second opener is refused as busy, reads and writes of bursts, and that STOP
+// or the device going away ends the receive thread's wait, are shown through
+// the program in serial_program_test.cpp.)
+TEST(PtyPort, AClosingPortEndsAHeldWriteAndDrainsReturnAtOnce) {
+  PtyPair pty;
+  ASSERT_TRUE(pty.Valid());
+  SysResult opened;
+  std::unique_ptr<SerialPort> port = OpenTermiosPort(pty.SlavePath(), opened);
+  ASSERT_TRUE(port) << opened.Errno;
+  std::string error;
+  ASSERT_TRUE(port->Configure({.Baud = 31250, .Rts = true, .Dtr = true}, error)) << error;
+  auto write = [&](const std::string& bytes, int timeoutMs) {
+    SysResult failure;
+    return port->Write(reinterpret_cast<const uint8_t*>(bytes.data()), static_cast<int>(bytes.size()),
+                       timeoutMs, failure);
+  };
+  ASSERT_EQ(write("AT\r", 1000), 3);
   EXPECT_TRUE(port->DrainOutput(1000));
 
   const std::string big(4 << 20, 'x');  // far more than a pty holds
   constexpr int kWriteTimeoutMs = 20000;
   std::atomic<int> written{-2};
   auto start = std::chrono::steady_clock::now();
-  std::thread writer([&] { written = Write(big, kWriteTimeoutMs); });
+  std::thread writer([&] { written = write(big, kWriteTimeoutMs); });
   std::this_thread::sleep_for(100ms);
   port->Close();
   writer.join();
@@ -149,25 +150,6 @@ TEST_F(PtyPortTest, AClosingPortEndsAHeldWriteAndDrainsReturnAtOnce) {
 
 namespace wavetrace::serial {
 namespace {
-
-TEST(PortSettings, LineSettingFromTheSettingsTexts) {
-  using Case = std::tuple<std::u16string, std::u16string, platform::Parity, platform::StopBits>;
-  core::PortSettings port;
-  for (const auto& [parity, stop, expectedParity, expectedStop] :
-       {Case{u"None", u"1", kNone, kOne}, Case{u"Odd", u"1.5", kOdd, kOneAndHalf},
-        Case{u"Even", u"2", kEven, kTwo}, Case{u"Mark", u"1", kMark, kOne},
-        Case{u"Space", u"1", kSpace, kOne}, Case{u"odd", u"3", kNone, kOne}}) {
-    port.Parity = parity;
-    port.StopBits = stop;
-    platform::LineSettings line = LineSettingsOf(port);
-    EXPECT_EQ(std::pair(line.ParityMode, line.Stop), std::pair(expectedParity, expectedStop))
-        << core::WideToUtf8(parity + u"," + stop);
-  }
-  port.XON = 1;
-  port.RTS = 2;  // only 1 means on
-  EXPECT_TRUE(LineSettingsOf(port).XonXoff);
-  EXPECT_FALSE(LineSettingsOf(port).Rts);
-}
 
 TEST(PortNames, SelectedPortResolution) {
   core::AppState state;

@@ -34,8 +34,7 @@ TEST(LineSettingText, ParsedAndFormatted) {
   for (const auto& [text, formatted] :
        {Case{"9600,7,E,1", "9600,7,E,1"}, Case{"4800,8,n,1", "4800,8,N,1"},
         Case{"300,5,M,1.5", "300,5,M,1.5"}, Case{"115200,8,S,2", "115200,8,S,2"}, Case{"9600,9,N,1", ""},
-        Case{"9600,8,X,1", ""}, Case{"0,8,N,1", ""}, Case{"9600,8,N,3", ""}, Case{"9600", ""},
-        Case{"", ""}}) {
+        Case{"9600,8,X,1", ""}, Case{"0,8,N,1", ""}, Case{"9600,8,N,3", ""}, Case{"9600", ""}}) {
     LineSettings line;
     EXPECT_EQ(ParseLineSetting(text, line) ? FormatLineSetting(line) : "", formatted) << text;
   }
@@ -219,7 +218,6 @@ TEST(ConfigurePort, OnAPtyWhatCannotBeOpenedAndARefusedLineSetting) {
   EXPECT_EQ(std::pair(state.WriteTotalTimeoutMultiplier, state.WriteTotalTimeoutConstant),
             std::pair(97u, 2849u));
   ClosePort(state);
-  EXPECT_FALSE(state.PortOpen || CurrentPort(state));
   EXPECT_EQ(state.Screen.Status(), u"Port closed.");
 
   // A name that stands for no device (see PortNames) has no system code; a
@@ -257,24 +255,14 @@ platform::LineSettings Line(const std::string& text) {
 TEST(UartModel, MatchingSettingsPassBytesAndMismatchesGarbleThem) {
   const std::string text = SimulatedSentences(0);
   const platform::LineSettings device = Line("4800,8,N,1");
-  // Equal settings read the sentences as sent: SimulatedPortTest.ReadExactlyWithItsSettingAndEchoes.
-  // 7,E,1 gives parity errors on some characters; another rate: at the end.
-  for (const char* receiver :
-       {"2400,8,N,1", "4800,7,N,1", "4800,8,E,1", "4800,8,O,1", "4800,8,N,2", "4800,7,E,1"}) {
-    std::string read = TranscodeUart(text, device, Line(receiver));
-    EXPECT_NE(read, text) << receiver;
-    EXPECT_EQ(read, TranscodeUart(text, device, Line(receiver))) << receiver << ": not deterministic";
-  }
+  // Equal settings read the sentences as sent:
+  // SimulatedPortTest.ReadExactlyWithItsSettingEchoesAndAFileIsPacedByTheLine. A slower rate, fewer data
+  // bits, a parity and more stop bits garble them; a faster rate: at the end.
+  for (const char* receiver : {"2400,8,N,1", "4800,7,N,1", "4800,8,E,1", "4800,8,N,2"})
+    EXPECT_NE(TranscodeUart(text, device, Line(receiver)), text) << receiver;
   // Other framings carry their own bytes, as many bits of each as the line has.
-  EXPECT_EQ(TranscodeUart("AT\r", Line("1200,7,E,2"), Line("1200,7,E,2")), "AT\r");
-  using Bits = std::pair<const char*, const char*>;
-  for (auto [bits, expected] : {Bits{"5", "\x1F\x01\x14"}, Bits{"6", "\x3F\x01\x14"},
-                                Bits{"7", "\x7F\x41\x54"}, Bits{"8", "\xFF\xC1\x54"}}) {
-    for (const char* parity : {",N,1", ",O,1"}) {
-      const platform::LineSettings narrow = Line("4800," + std::string(bits) + parity);
-      EXPECT_EQ(TranscodeUart("\xFF\xC1\x54", narrow, narrow), expected) << bits << parity;
-    }
-  }
+  for (auto [setting, expected] : {std::pair{"4800,5,O,1", "\x1F\x01\x14"}, {"4800,8,E,2", "\xFF\xC1\x54"}})
+    EXPECT_EQ(TranscodeUart("\xFF\xC1\x54", Line(setting), Line(setting)), expected) << setting;
   // A receiver twice as fast sees each frame as a byte and a bit more (so it garbles too).
   EXPECT_GT(TranscodeUart(text, device, Line("9600,8,N,1")).size(), text.size());
 }
@@ -287,32 +275,19 @@ TEST(SimulatedDevice, OutputLeavesAtTheLineRateAndCanBeThrownAway) {
   auto port = OpenSimulatedDevice(profile);
   std::string error;
   ASSERT_TRUE(port->Configure(profile.SimulatedSetting, error).Ok()) << error;
-  // A second of line time: "AT", 478 bytes and a CR.
+  // A second of line time: "AT", 478 bytes and a CR. Queued at once, and still on its way; thrown away,
+  // it never reaches the device: no answer comes. (Left alone, it arrives whole once the line has
+  // carried it: SimulatedPortTest.ReadExactlyWithItsSettingEchoesAndAFileIsPacedByTheLine.)
   const std::string command = "AT" + std::string(478, 'x') + "\r";
   platform::SysResult failure;
-  auto write = [&] {
-    return port->Write(reinterpret_cast<const uint8_t*>(command.data()), 481, 1000, failure);
-  };
-  auto readFor = [&](std::chrono::milliseconds span) {
-    std::string text;
-    uint8_t buffer[512];
-    for (auto end = std::chrono::steady_clock::now() + span; std::chrono::steady_clock::now() < end;) {
-      text.append(reinterpret_cast<char*>(buffer),
-                  static_cast<size_t>(std::max(port->Read(buffer, 512, failure), 0)));
-      std::this_thread::sleep_for(10ms);
-    }
-    return text;
-  };
-  // Queued at once, and still on its way; thrown away, it never reaches the device: no answer comes.
-  ASSERT_EQ(write(), 481);
+  ASSERT_EQ(port->Write(reinterpret_cast<const uint8_t*>(command.data()), 481, 1000, failure), 481);
   EXPECT_FALSE(port->DrainOutput(50));
   port->DiscardOutput();
   EXPECT_TRUE(port->DrainOutput(0));
-  EXPECT_EQ(readFor(1500ms).find("OK"), std::string::npos);
-  // Left alone, it arrives whole once the line has carried it.
-  ASSERT_EQ(write(), 481);
-  EXPECT_TRUE(port->DrainOutput(5000));
-  EXPECT_NE(readFor(300ms).find("OK\r\n"), std::string::npos);
+  std::this_thread::sleep_for(1500ms);
+  std::string read(4096, '\0');
+  read.resize(static_cast<size_t>(port->Read(reinterpret_cast<uint8_t*>(read.data()), 4096, failure)));
+  EXPECT_EQ(read.find("OK"), std::string::npos);
   port->Close();
   EXPECT_FALSE(port->DrainOutput(0));
 }
@@ -338,12 +313,10 @@ TEST(CommProperties, SlotNamesTheCustomRateAndPortListLines) {
   for (int slot = 0; slot < core::kPortSlots; ++slot)
     EXPECT_EQ(core::PortSlotOfName(core::PortSlotName(slot)), slot);
   core::PortSettings port;
-  SetBaud(port, 115200);
-  EXPECT_EQ(std::pair(port.SelectedBaud, port.CustomBaud_01), std::pair(115200u, 0u));
   SetBaud(port, 31250);
   EXPECT_EQ(std::pair(port.CustomBaud_01, port.CustomBauds_count), std::pair(31250u, 1));
   SetBaud(port, 9600);  // a standard rate leaves the custom one in its slot
-  EXPECT_EQ(port.CustomBaud_01, 31250u);
+  EXPECT_EQ(std::pair(port.SelectedBaud, port.CustomBaud_01), std::pair(9600u, 31250u));
   // Lines with a name and a device path are shown in qt/comm_properties_test.cpp.
   EXPECT_EQ(PortListLine(10, u"Simulated device", serial::kSimulatedDevicePath),
             u"VSP0:  Simulated device  (simulated device)");

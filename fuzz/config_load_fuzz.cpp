@@ -1,6 +1,7 @@
-// Arbitrary bytes as a configuration file: loading must never crash, and what
-// loads saves again. (A file without the signature changes nothing:
-// ConfigFileTest.RefusedFilesChangeNothing.)
+// Arbitrary bytes as an INI file and a configuration file: loading must never
+// crash, what the store holds (cut by short reads too) saves and loads again,
+// and a loaded configuration saves again. (A file without the signature
+// changes nothing: ConfigFileTest.RefusedFilesChangeNothing.)
 #include "config/config_file.h"
 #include "config/ini_store.h"
 #include "core/code_page.h"
@@ -11,9 +12,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   fuzz::FuzzFile file(data, size);
   core::AppState state, fresh;
   config::IniStore store;
-  store.Open(file.Path(), false);
+  if (store.Open(file.Path(), false) != 0) std::abort();
   std::u16string path = core::Utf8ToWide(file.Path());
   config::ConfigLoadStore(state, store, path);
+  std::string value;
+  store.Get("COMMs", "SelectedPort", value, 8);
+  store.Get("", "", value, 3);
+  config::IniSave(store.Raw(), file.Out().c_str());
+  config::IniStore again;
+  again.Open(file.Out(), false);
   // Whatever was loaded saves and loads again. (Not always to equal values:
   // the last line of a file keeps trailing blanks that a saved line loses.)
   config::ConfigSave(state, core::Utf8ToWide(file.Out()));

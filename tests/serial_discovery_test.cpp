@@ -4,7 +4,6 @@
 #include <fstream>
 
 #include "app/port_discovery.h"
-#include "core/code_page.h"
 #include "serial/discovery.h"
 #include "test_support.h"
 
@@ -21,11 +20,10 @@ class DiscoveryTest : public ::testing::Test {
   void AddUsb(const std::string& tty, const std::string& product, const std::string& vendor,
               const std::string& byId, const std::string& manufacturer = "") {
     fs::path usb = root / "devices/usb1" / ("1-" + std::to_string(++usbCount));
-    fs::create_directories(usb / "1-1:1.0" / tty);
+    AddTty(tty, usb / "1-1:1.0" / tty);
     std::ofstream(usb / "idVendor") << vendor << "\n";
     std::ofstream(usb / "product") << product << "\n";
     if (!manufacturer.empty()) std::ofstream(usb / "manufacturer") << manufacturer << "\n";
-    AddTty(tty, usb / "1-1:1.0" / tty);
     fs::create_symlink("../../" + tty, root / "by-id" / byId);
   }
   void AddUart(const std::string& tty, const std::string& type) {
@@ -92,9 +90,7 @@ TEST_F(DiscoveryTest, KindsOfDevicesAndTheirNames) {
 TEST_F(DiscoveryTest, ADeviceKeepsItsNumberAcrossRunsAndReplugging) {
   AddUsb("ttyUSB0", "Adapter B", "0403", "usb-B-port0");
   AddUsb("ttyUSB1", "Adapter C", "0403", "usb-C-port0");
-  auto first = Discover();
-  EXPECT_EQ(Slot(*first, 1), NameAndPath(u"Adapter B", "/dev/ttyUSB0"));
-  EXPECT_EQ(Slot(*first, 2), NameAndPath(u"Adapter C", "/dev/ttyUSB1"));
+  Discover();  // B takes 1 and C 2, by stable name (KindsOfDevicesAndTheirNames)
   // B is unplugged; A, which sorts first, arrives; C now enumerates as ttyUSB0. 1 stays B's.
   Clear();
   AddUsb("ttyUSB0", "Adapter C", "0403", "usb-C-port0");
@@ -121,12 +117,11 @@ TEST_F(DiscoveryTest, MoreThanNineDevicesAndVirtualPorts) {
   EXPECT_EQ(s->PortDevicePath[11], folder.Path() + "/vport");
 }
 
-// The name rule at its edges (a hyphen and plain names: KindsOfDevicesAndTheirNames):
-// "_" lies within "0" to "z"; "(", an accented letter and "{" lie outside.
+// The name rule at its edges (a hyphen, below "0", and plain names: KindsOfDevicesAndTheirNames):
+// "_" lies within "0" to "z"; "{" lies above, as any letter beyond ASCII does.
 TEST(DisplayNames, Vetting) {
   EXPECT_EQ(VetDisplayName(u"under_score"), u"under_score");
-  for (const char16_t* hidden : {u"Adapter (v2)", u"caf\u00e9", u"{x}"})
-    EXPECT_EQ(VetDisplayName(hidden), u"") << core::WideToUtf8(hidden);
+  EXPECT_EQ(VetDisplayName(u"{x}"), u"");
 }
 
 TEST(Discovery, AMissingTreeFindsNothingAndTheSimulatedDeviceCanBeSwitchedOff) {

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/allocation.h"
@@ -60,16 +61,6 @@ bool SearchAndReplace(core::AppState& state, core::DataBlock& block) {
   return rx::SearchAndReplace(core::RxSettingsOf(state), memory, stamps, block);
 }
 
-uint32_t ConvertToRadix(core::AppState& state, core::DataBlock& block) {
-  core::SharedAllocator memory(state);
-  return rx::ConvertToRadix(core::RxSettingsOf(state), memory, block);
-}
-
-uint32_t FilterNonPrintable(core::AppState& state, core::DataBlock& block) {
-  core::SharedAllocator memory(state);
-  return rx::FilterNonPrintable(memory, block);
-}
-
 enum Mode { kAll, kFirst, kLast };
 
 void SetRule(core::SnRRule& rule, const std::string& search, const std::string& replace, Mode mode) {
@@ -100,7 +91,6 @@ TEST(ParseBracketEscapesTest, TableOfEscapes) {
     std::string expected;
   } cases[] = {
       {"hello", 16, "hello"},
-      {"", 16, ""},
       {"A[0D]B[", 16, "A\rB["},
       {"[0d][0a]", 16, "\r\n"},
       {"[7]", 16, "\x07"},
@@ -108,11 +98,9 @@ TEST(ParseBracketEscapesTest, TableOfEscapes) {
       {"[1Z]", 16, "\x01"},
       {"[0Z]", 16, "[0Z]"},
       {"x[0]y", 16, "x\0y"s},
-      {"[00]", 16, "\0"s},
       // Invalid escapes stay as written, and parsing goes on after them.
       {"[123]", 16, "[123]"},
       {"[]", 16, "[]"},
-      {"[41][42", 16, "A[42"},
       {"[XY][41]", 16, "[XY]A"},
       {"[[0D]", 16, "[[0D]"},
       {"[5B]41]", 16, "[41]"},  // a result is never parsed again
@@ -124,15 +112,12 @@ TEST(ParseBracketEscapesTest, TableOfEscapes) {
       {"[8]", 8, "[8]"},
       {"[01000001]", 2, "A"},
       {"[001000001]", 2, "[001000001]"},
-      {"[2]", 2, "[2]"},
       {"[0D]", 1, "[0D]"},
       {"[0D]", 37, "[0D]"},
-      // Signs, blanks and prefixes as a number reader takes them.
+      // Signs and blanks as a number reader takes them.
       {"[-1]", 16, "[-1]"},
-      {"[-0]", 10, "[-0]"},
       {"[+7]", 10, "\x07"},
       {"[ 7]", 10, "\x07"},
-      {"[0x]", 16, "[0x]"},
   };
   for (const auto& c : cases) EXPECT_EQ(Parse(c.text, c.radix), c.expected) << c.text << " radix " << c.radix;
 }
@@ -189,7 +174,6 @@ TEST(FindBytesTest, BoundsAndDirections) {
     int64_t expected;
   } cases[] = {
       {"abc", 6, true, -1},  // too long for the rest
-      {"a", 8, true, -1},
       {"a", 9, true, -1},
       {"a", -1, true, -1},
       {"abcabcab", 0, true, 0},
@@ -198,7 +182,7 @@ TEST(FindBytesTest, BoundsAndDirections) {
       // Backward: the start counts from the end, the highest match first.
       {"ab", 2, false, 3},
       {"a", 7, false, 0},
-      {"a", 9, false, -1},
+      {"b", 2, true, 4},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(FindBytes(bytes, static_cast<int64_t>(data.size()),
@@ -207,10 +191,6 @@ TEST(FindBytesTest, BoundsAndDirections) {
               c.expected)
         << c.pattern << " from " << c.start << (c.forward ? " forward" : " backward");
   }
-  const uint8_t zeros[] = {1, 0, 2, 0, 0};
-  EXPECT_EQ(FindBytes(zeros, 5, zeros + 3, 2, 0, true), 3);
-  EXPECT_EQ(FindBytes(zeros, 5, zeros + 3, 1, 2, true), 3);
-  EXPECT_EQ(FindBytes(zeros, 5, zeros + 3, 1, 0, false), 4);
 }
 
 TEST(ConvertToRadixTest, WidthsAndBracketsForEveryRadix) {
@@ -219,12 +199,11 @@ TEST(ConvertToRadixTest, WidthsAndBracketsForEveryRadix) {
     uint8_t byte;
     std::string bracketed;  // also the worst case a byte takes
   } cases[] = {
-      {16, 0, "[00]"},      {16, 13, "[0D]"},      {16, 65, "[41]"},      {16, 255, "[FF]"},
-      {10, 0, "[000]"},     {10, 13, "[013]"},     {10, 65, "[065]"},     {10, 255, "[255]"},
-      {8, 0, "[000]"},      {8, 13, "[015]"},      {8, 65, "[101]"},      {8, 255, "[377]"},
-      {2, 0, "[00000000]"}, {2, 13, "[00001101]"}, {2, 65, "[01000001]"}, {2, 255, "[11111111]"},
+      {16, 0, "[00]"}, {16, 255, "[FF]"}, {10, 0, "[000]"},     {10, 255, "[255]"},
+      {8, 0, "[000]"}, {8, 255, "[377]"}, {2, 0, "[00000000]"}, {2, 255, "[11111111]"},
   };
   core::AppState state;
+  core::SharedAllocator memory(state);
   for (const auto& c : cases) {
     for (int32_t brackets : {0, 1}) {
       SCOPED_TRACE(::testing::Message() << c.base << " " << int{c.byte} << " brackets off " << brackets);
@@ -232,7 +211,7 @@ TEST(ConvertToRadixTest, WidthsAndBracketsForEveryRadix) {
       state.Data.BinBrackets = brackets;
       core::DataBlock block = MakeBlock(state, std::string(1, static_cast<char>(c.byte)));
       const std::string expected = brackets ? c.bracketed.substr(1, c.bracketed.size() - 2) : c.bracketed;
-      EXPECT_EQ(ConvertToRadix(state, block), expected.size());
+      EXPECT_EQ(ConvertToRadix(core::RxSettingsOf(state), memory, block), expected.size());
       // The block has its worst-case size with the spare bytes zero.
       EXPECT_EQ(Text(block, 1), expected + '\0');
       EXPECT_EQ(block.Buffer.Size(), c.bracketed.size());
@@ -251,17 +230,16 @@ TEST(ConvertToRadixTest, NonCharsAndBasesTheMenuDoesNotOffer) {
       {16, 1, 0, " !~\x7f", "[20]!~[7F]"},
       {16, 2, 0, "A", "[41]"},
       // Any other base renders as hex.
-      {0, 0, 0, "\xff", "[FF]"},
       {7, 0, 0, "\xff", "[FF]"},
-      {-5, 0, 0, "\xff", "[FF]"},
   };
   core::AppState state;
+  core::SharedAllocator memory(state);
   for (const auto& c : cases) {
     state.Data.Base = c.base;
     state.Data.NonChars = c.nonChars;
     state.Data.BinBrackets = c.brackets;
     core::DataBlock block = MakeBlock(state, c.input);
-    ConvertToRadix(state, block);
+    ConvertToRadix(core::RxSettingsOf(state), memory, block);
     EXPECT_EQ(Text(block), c.expected) << c.base << " " << c.nonChars << c.brackets << c.input;
   }
 }
@@ -270,22 +248,18 @@ TEST(FilterNonPrintableTest, KeepsOnlyPrintableBytes) {
   const std::pair<std::string, std::string> cases[] = {
       {"AB\r\nC", "ABC"}, {"\t x~\x7f\x1f", " x~"}, {"\x80\xff\0"s, ""}, {"plain", "plain"}};
   core::AppState state;
+  core::SharedAllocator memory(state);
   for (const auto& [input, expected] : cases) {
     core::DataBlock block = MakeBlock(state, input);
-    EXPECT_EQ(FilterNonPrintable(state, block), expected.size());
+    EXPECT_EQ(FilterNonPrintable(memory, block), expected.size());
     EXPECT_EQ(Text(block, 1), expected + '\0') << "the filtered block ends in a zero";
   }
 }
 
 TEST(SwapLfCrTest, TurnsLfCrIntoCrLf) {
   const std::pair<std::string, std::string> cases[] = {
-      {"x\n\ry", "x\r\ny"},
-      {"\n\n\r", "\n\r\n"},
-      {"\n\r\r", "\r\r\n"},
-      {"\n\r\n\r", "\r\n\r\n"},
-      {"\r\n", "\r\n"},
-      {"\n", "\n"},
-      {"", ""},
+      {"x\n\ry", "x\r\ny"},     {"\n\n\r", "\n\r\n"}, {"\n\r\r", "\r\r\n"},
+      {"\n\r\n\r", "\r\n\r\n"}, {"\r\n", "\r\n"},
   };
   for (const auto& [input, expected] : cases) {
     std::string bytes = input;
@@ -338,7 +312,6 @@ TEST(PostambleTest, FieldAppliedOrLoadedAndAppended) {
     std::string input, block;
   } cases[] = {
       {false, u"[0D][0A]", u"[0D][0A]", "ok", "ok\r\n"},
-      {false, u",", u",", "1", "1,"},
       {false, u"", u"", "abc", "abc"},
       // A zero byte in the block ends the copy: the postamble lands on it,
       // the rest is zero, and the length still counts everything.
@@ -347,7 +320,6 @@ TEST(PostambleTest, FieldAppliedOrLoadedAndAppended) {
       {false, u"x[00]y", u"x[00]y", "A", "Ax\0\0"s},
       {false, u"[0D][0A][09]x", u"[0D][0A][09]x", "A", "A\r\n\tx"},
       {false, u"[0D][0A][09][1B]", u"[0D][0A][09][", "A", "A\r\n\t["},
-      {false, u"abcdefghijklmnop", u"abcdefghijklm", "A", "Aabcdefghijklm"},
       {true, u"[0D][0A][09][1B]", u"[0D][0A][09][1B]", "A", "A\r\n\t[1"},
   };
   for (const auto& c : cases) {
@@ -411,7 +383,6 @@ TEST(SearchAndReplaceTest, RuleModes) {
       {"overlapping matches", "aa", "b", kAll, "aaa", "baa"},
       {"overlap through the replacement", "aa", "ab", kAll, "aaaa", "abab\0"s},
       {"growth", "b", "XYZ", kAll, "abcb", "aXYZcXYZ\0"s},
-      {"growth, first only", "b", "XYZ", kFirst, "abcb", "aXYZcb\0"s},
       {"deletion skips the byte after", "a", "", kAll, "aaa", "aa"},
       {"same length", "ab", "cd", kAll, "abab", "cdcd\0"s},
       {"no match", "zz", "y", kAll, "abc", "abc\0"s},
@@ -489,7 +460,7 @@ platform::LocalTime At(int second) {
   return {2026, 11, 4, 5, 17, 8, second, 45};
 }
 
-TEST(FormatTimeStampTest, DateAndTimeFormats) {
+TEST(BuildTimeStampTest, DateAndTimeFormatsAndThePreviousStamp) {
   const struct {
     int32_t date, time;
     char delimiter;
@@ -500,38 +471,29 @@ TEST(FormatTimeStampTest, DateAndTimeFormats) {
       {3, 5, ';', "2026/11/05;17:08"},
       {4, 6, ',', "17:08:37"},
       {3, 7, ',', "2026/11/05"},
-      {4, 7, ',', ""},
       {1, 8, ',', "05/11/2026,17:08:37.045"},
       // A value outside the tables is an empty part; the delimiter still
       // stands unless the other part is switched off.
       {0, 6, ',', ",17:08:37"},
       {1, 9, ',', "05/11/2026,"},
-      {9, 7, ',', ""},
   };
+  // Each stamp is built over the one before, which it keeps as the previous stamp.
+  core::AppState state;
+  std::string previous;
   for (const auto& c : cases) {
-    Stamp stamp;
-    stamp.fill(0xAA);
-    FormatTimeStamp({c.date, c.time, static_cast<uint8_t>(c.delimiter)}, At(37), stamp);
+    BuildTimeStamp(state, {c.date, c.time, static_cast<uint8_t>(c.delimiter)}, At(37));
+    const Stamp& stamp = state.Log.CurrentTimeStamp;
     EXPECT_EQ(StampText(stamp), c.expected) << c.date << " " << c.time;
     EXPECT_TRUE(std::all_of(stamp.begin() + static_cast<long>(c.expected.size()), stamp.end(), [](uint8_t b) {
       return b == 0;
     })) << "the stamp is zero-filled behind its text";
+    EXPECT_EQ(StampText(state.Log.PreviousTimeStamp), std::exchange(previous, c.expected));
   }
 }
 
-// The two are equal within a second (or a minute with hh:mm) as the stamps
-// of the formats table are.
-TEST(BuildTimeStampTest, EachStampKeepsTheOneBefore) {
-  core::AppState state;
-  const core::TimeStampFormat format{4, 6, ','};
-  BuildTimeStamp(state, format, At(37));
-  BuildTimeStamp(state, format, At(38));
-  EXPECT_EQ(StampText(state.Log.PreviousTimeStamp), "17:08:37");
-  EXPECT_EQ(StampText(state.Log.CurrentTimeStamp), "17:08:38");
-}
-
 TEST(StampedRuleTest, TokenBecomesTheStampAtEachMatch) {
-  // "@" in the expected text stands for the stamp built at the match.
+  // "@" in the expected text stands for the stamp built at the match. A built replacement is cut at 41
+  // bytes; the blocks of the other rows are shorter than that.
   const struct {
     int32_t date, time;
     std::u16string replace;
@@ -542,6 +504,7 @@ TEST(StampedRuleTest, TokenBecomesTheStampAtEachMatch) {
       {4, 7, u"<{TIME_STAMP}>", "x\ny", "x<>y"},
       {4, 5, u"[0D]{TIME_STAMP}[09]", "\n", "\r@\t"},  // escapes parsed after the stamp is in
       {1, 6, u"no token", "\n", "no token"},
+      {1, 6, std::u16string(29, u'x') + u"{TIME_STAMP}", "\n", std::string(29, 'x') + "@"},
   };
   for (const auto& c : cases) {
     core::AppState state;
@@ -557,19 +520,8 @@ TEST(StampedRuleTest, TokenBecomesTheStampAtEachMatch) {
     std::string expected;
     for (char ch : c.expected)
       expected += ch == '@' ? StampText(state.Log.CurrentTimeStamp) : std::string(1, ch);
-    EXPECT_EQ(Text(block), expected) << c.expected;
+    EXPECT_EQ(Text(block), expected.substr(0, 41)) << c.expected;
   }
-}
-
-TEST(StampedRuleTest, BuiltReplacementIsCutAt41Bytes) {
-  core::SnRRule rule;
-  rule.wcszReplaceWith = std::u16string(29, u'x') + u"{TIME_STAMP}";
-  PrepareRule(rule);
-  const std::string stamp = "05/11/2026,17:08:37";
-  std::array<uint8_t, core::SnRRule::kBytes> bytes;
-  bytes.fill(0xAA);
-  EXPECT_EQ(BuildStampedReplacement(rule, stamp, bytes), 41);
-  EXPECT_EQ(std::string(bytes.begin(), bytes.end()), std::string(29, 'x') + stamp.substr(0, 12) + '\0');
 }
 
 std::u16string Wide(const std::string& text) {

@@ -224,7 +224,6 @@ TEST(ConvertToRadixTest, NonCharsAndBasesTheMenuDoesNotOffer) {
     int32_t base, nonChars, brackets;
     std::string input, expected;
   } cases[] = {
-      {16, 1, 0, "A\r", "A[0D]"},
       {16, 1, 1, "A\r", "A0D"},
       // The blank is converted on purpose; '!' and '~' are the edges that pass.
       {16, 1, 0, " !~\x7f", "[20]!~[7F]"},
@@ -338,18 +337,18 @@ TEST(PostambleTest, FieldAppliedOrLoadedAndAppended) {
 
 TEST(PostambleTest, AddedKeysAndTheFieldLimit) {
   // Keys by name: the arrow keys arrive as their key codes. Add accepts up
-  // to 16 characters while apply keeps 13, so a late key can be lost.
+  // to 16 characters while apply keeps 13, so a late key can be lost. The
+  // other keys and a one-character key at the limit: the Qt test
+  // TransmitOptions.PagesShowTheSettingsAddAppendsWhileTheFieldHasRoomCancelKeepsAndOkStores.
   const struct {
     size_t fieldLength;
     std::u16string_view key;
     bool added;
     std::string appliedTail;  // the bytes the key adds to a block
   } cases[] = {
-      {0, u"Enter", true, "\r"}, {0, u"LineFeed", true, "\n"}, {0, u"Comma", true, ","},
-      {0, u"Tab", true, "\t"},   {0, u"Down", true, "("},      {0, u"Right", true, "'"},
-      {0, u"Left", true, "%"},   {0, u"Up", true, "&"},        {0, u"Esc", true, "\x1b"},
-      {9, u"Enter", true, "\r"}, {12, u"Enter", true, ""},     {13, u"Enter", false, ""},
-      {15, u"Comma", true, ""},  {16, u"Comma", false, ""},
+      {0, u"Enter", true, "\r"}, {0, u"Comma", true, ","}, {0, u"Down", true, "("},
+      {0, u"Right", true, "'"},  {0, u"Left", true, "%"},  {0, u"Up", true, "&"},
+      {9, u"Enter", true, "\r"}, {12, u"Enter", true, ""}, {13, u"Enter", false, ""},
   };
   for (const auto& c : cases) {
     size_t index = 0;
@@ -409,7 +408,7 @@ TEST(SearchAndReplaceTest, RuleOrderCountAndDisable) {
     std::string first, second, expected;
   } cases[] = {
       {2, 0, "ab", "bc", "cc"},  // rule 2 sees rule 1's output
-      {2, 0, "bc", "ab", "bc"}, {1, 0, "ab", "bc", "bb"}, {0, 0, "ab", "bc", "ab"},
+      {1, 0, "ab", "bc", "bb"}, {0, 0, "ab", "bc", "ab"},
       {2, 1, "ab", "bc", "ab"}, {7, 0, "ab", "bc", "cc"},  // a damaged count never reaches past the slots
   };
   for (const auto& c : cases) {
@@ -501,8 +500,7 @@ TEST(StampedRuleTest, TokenBecomesTheStampAtEachMatch) {
   } cases[] = {
       {3, 7, u"T={TIME_STAMP};", "a\nb\n", "aT=@;bT=@;"},
       {1, 6, u"{TIME_STAMP}{TIME_STAMP}", "\n", "@{TIME_STAMP}"},  // only the first token
-      {4, 7, u"<{TIME_STAMP}>", "x\ny", "x<>y"},
-      {4, 5, u"[0D]{TIME_STAMP}[09]", "\n", "\r@\t"},  // escapes parsed after the stamp is in
+      {4, 5, u"[0D]{TIME_STAMP}[09]", "\n", "\r@\t"},              // escapes parsed after the stamp is in
       {1, 6, u"no token", "\n", "no token"},
       {1, 6, std::u16string(29, u'x') + u"{TIME_STAMP}", "\n", std::string(29, 'x') + "@"},
   };
@@ -570,9 +568,8 @@ std::string Show(const core::DataSettings& data) {
   return text + std::to_string(data.SnR_count) + "@" + std::to_string(data.SnRCurrentRule);
 }
 
-// Insert on a full list and compacting:
-// ReceiveOptionsSheet.StoresAtOnceApplyDerivesAndTakesABackupCancelPutsItBack; whether Add and Insert are
-// offered: ReceiveOptions.OpensWithTheSettingsStoresBoxesAtOnceCancelPutsBackOkApplies.
+// Whether Add and Insert are offered and OK's compacting through the sheet:
+// ReceiveOptions.OpensWithTheSettingsStoresBoxesAtOnceCancelPutsBackOkApplies.
 TEST(RulePageTest, ActionsOnTheRuleList) {
   const std::pair<std::string, std::string> cases[] = {
       {"add a>b/2", "a>b/001 >/100 2@2"},
@@ -583,7 +580,6 @@ TEST(RulePageTest, ActionsOnTheRuleList) {
       {"add a>b sel 1 c>d rm rm", ">/100 >/100 1@1"},  // the last slot stays
       {"add a>b sel 2 c>d rm", "a>b/100 >/100 1@1"},
       {"add a>b/1 sel 1 c>d rm ins", ">/100 c>d/100 2@1"},
-      {"sel 1 a>b/1 apply a>b/1 ins", ">/100 a>b/010 2@1"},
       {"sel 1 a>b apply a>b ins sel 1 - apply -", "a>b/100 >/100 1@1"},
       {"add a>r sel 2 b>r apply b>r", "a>r/100 b>r/100 2@2"},
       {"add a>r sel 2 - apply -", "a>r/100 >/100 1@2"},

@@ -72,16 +72,18 @@ void SetRule(core::SnRRule& rule, const std::string& search, const std::string& 
   rule.Rall = mode == kAll, rule.Rfo = mode == kFirst, rule.Rlo = mode == kLast;
 }
 
-// Parses a copy of the text in a buffer with room to spare, as the rule and
-// postamble fields have, and checks that what stays behind the new end is zero.
+// Parses a copy of the text in a buffer of its size, which ends the text
+// unless a zero byte does, and checks that what the new end leaves free up to
+// there is zero and the bytes beyond are not touched.
 std::string Parse(const std::string& text, int32_t radix) {
   std::vector<uint8_t> buffer(text.begin(), text.end());
-  buffer.resize(text.size() + 8, 0);
-  const int32_t length = core::ParseBracketEscapes(buffer, radix);
-  for (size_t i = static_cast<size_t>(length); i < buffer.size(); ++i) {
-    EXPECT_EQ(buffer[i], 0) << "stale byte behind the new end at " << i;
+  const auto length = static_cast<size_t>(core::ParseBracketEscapes(buffer, radix));
+  const size_t end = std::min(text.find('\0'), text.size());
+  for (size_t i = length; i < buffer.size(); ++i) {
+    EXPECT_EQ(buffer[i], i < end ? 0 : static_cast<uint8_t>(text[i]))
+        << "byte " << i << " behind the new end";
   }
-  return std::string(buffer.begin(), buffer.begin() + length);
+  return std::string(buffer.begin(), buffer.begin() + static_cast<long>(length));
 }
 
 TEST(ParseBracketEscapesTest, TableOfEscapes) {
@@ -98,6 +100,7 @@ TEST(ParseBracketEscapesTest, TableOfEscapes) {
       {"[1Z]", 16, "\x01"},
       {"[0Z]", 16, "[0Z]"},
       {"x[0]y", 16, "x\0y"s},
+      {"[41]\0[42]"s, 16, "A"},
       // Invalid escapes stay as written, and parsing goes on after them.
       {"[123]", 16, "[123]"},
       {"[]", 16, "[]"},
@@ -137,16 +140,6 @@ TEST(ParseBracketEscapesTest, LongLines) {
   }
 }
 
-TEST(ParseBracketEscapesTest, TheTextEndsAtItsTerminatorOrTheBuffer) {
-  std::vector<uint8_t> text = {'[', '4', '1', ']', 0, '[', '4', '2', ']'};
-  EXPECT_EQ(core::ParseBracketEscapes(text, 16), 1);
-  // Freed bytes are zero; beyond the terminator nothing is touched.
-  EXPECT_EQ(std::string(text.begin(), text.end()), std::string("A\0\0\0\0[42]", 9));
-  std::vector<uint8_t> unterminated = {'x', '[', '4', '1', ']'};
-  EXPECT_EQ(core::ParseBracketEscapes(unterminated, 16), 2);
-  EXPECT_EQ(std::string(unterminated.begin(), unterminated.end()), std::string("xA\0\0\0", 5));
-}
-
 // The text to send has its escapes read in the view's radix; a radix the menu
 // does not offer (7, 0) reads them as hex.
 TEST(ParseBracketEscapesTest, TextToSendFollowsTheViewsRadix) {
@@ -166,7 +159,7 @@ TEST(ParseBracketEscapesTest, TextToSendFollowsTheViewsRadix) {
 // SwapLfCrTest. Here the bounds and the starts those callers do not use.
 TEST(FindBytesTest, BoundsAndDirections) {
   const std::string data = "abcabcab";
-  const auto* bytes = reinterpret_cast<const uint8_t*>(data.data());
+  const auto bytes = [](const std::string& text) { return reinterpret_cast<const uint8_t*>(text.data()); };
   const struct {
     std::string pattern;
     int64_t start;
@@ -185,10 +178,9 @@ TEST(FindBytesTest, BoundsAndDirections) {
       {"b", 2, true, 4},
   };
   for (const auto& c : cases) {
-    EXPECT_EQ(FindBytes(bytes, static_cast<int64_t>(data.size()),
-                        reinterpret_cast<const uint8_t*>(c.pattern.data()),
-                        static_cast<int64_t>(c.pattern.size()), c.start, c.forward),
-              c.expected)
+    EXPECT_EQ(
+        FindBytes(bytes(data), std::ssize(data), bytes(c.pattern), std::ssize(c.pattern), c.start, c.forward),
+        c.expected)
         << c.pattern << " from " << c.start << (c.forward ? " forward" : " backward");
   }
 }
@@ -568,7 +560,7 @@ std::string Show(const core::DataSettings& data) {
 
 // Whether Add and Insert are offered and OK's compacting through the sheet:
 // ReceiveOptions.OpensWithTheSettingsStoresBoxesAtOnceCancelPutsBackOkApplies.
-TEST(RulePageTest, ActionsOnTheRuleList) {
+TEST(RulePageTest, ActionsOnTheRuleListAndApply) {
   const std::pair<std::string, std::string> cases[] = {
       {"add a>b/2", "a>b/001 >/100 2@2"},
       {"add a>b add c>d", "a>b/100 >/100 2@2"},  // full: the second Add changes nothing
@@ -591,10 +583,8 @@ TEST(RulePageTest, ActionsOnTheRuleList) {
   core::DataSettings data;
   Play(data, "add a>b sel 1 a>b");
   EXPECT_EQ(RuleCaption(data), u"1 / 2");
-}
 
-TEST(RulePageTest, ApplyPreparesBytesAndTextsKeep41Characters) {
-  core::DataSettings data;
+  // Apply prepares the bytes of texts kept to 41 characters.
   ApplyRulePage(data, {u"[0D][0A]" + std::u16string(45, u'a'), u"[7C]"});
   const core::SnRRule& rule = data.SnR[1];
   EXPECT_EQ(rule.wcszSearchFor.size(), 41u);

@@ -498,17 +498,12 @@ TEST(StampedRuleTest, TokenBecomesTheStampAtEachMatch) {
     core::AppState state;
     state.Log.DateFormat = c.date;  // the date changes at most once a day
     state.Log.TimeFormat = c.time;
-    state.Data.SnR_count = 1;
-    core::SnRRule& rule = state.Data.SnR[1];
-    rule.wcszSearchFor = u"[0A]";
-    rule.wcszReplaceWith = c.replace;
-    PrepareRule(rule);
-    core::DataBlock block = MakeBlock(state, c.input);
-    EXPECT_TRUE(SearchAndReplace(state, block));
+    ApplyRulePage(state.Data, {u"[0A]", c.replace});
+    const std::string block = Processed(state, c.input);
     std::string expected;
     for (char ch : c.expected)
       expected += ch == '@' ? StampText(state.Log.CurrentTimeStamp) : std::string(1, ch);
-    EXPECT_EQ(Text(block), expected.substr(0, 41)) << c.expected;
+    EXPECT_EQ(block, expected.substr(0, 41)) << c.expected;
   }
 }
 

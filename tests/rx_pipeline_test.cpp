@@ -21,7 +21,6 @@
 #include "rx/replace_rules.h"
 #include "rx/search_replace.h"
 #include "rx/time_stamp.h"
-#include "rx/time_stamp_token.h"
 #include "serial/tx_thread.h"
 
 namespace wavetrace::rx {
@@ -53,12 +52,6 @@ std::string Processed(core::AppState& state, const std::string& input) {
   core::DataBlock block = MakeBlock(state, input);
   Process(state, block);
   return Text(block);
-}
-
-bool SearchAndReplace(core::AppState& state, core::DataBlock& block) {
-  core::SharedAllocator memory(state);
-  SharedStampSource stamps(state);
-  return rx::SearchAndReplace(core::RxSettingsOf(state), memory, stamps, block);
 }
 
 enum Mode { kAll, kFirst, kLast };
@@ -387,7 +380,9 @@ TEST(SearchAndReplaceTest, RuleModes) {
     state.Data.SnR_count = 1;
     SetRule(state.Data.SnR[1], c.search, c.replace, c.mode);
     core::DataBlock block = MakeBlock(state, c.input);
-    EXPECT_TRUE(SearchAndReplace(state, block)) << c.name;
+    core::SharedAllocator memory(state);
+    SharedStampSource stamps(state);
+    EXPECT_TRUE(SearchAndReplace(core::RxSettingsOf(state), memory, stamps, block)) << c.name;
     EXPECT_EQ(Text(block, 1), c.expected) << c.name;
   }
 }

@@ -19,8 +19,8 @@ struct ModelBlock {
   int64_t length = 0;
 };
 
-std::string Cut(const uint8_t* from, int64_t count) {
-  std::string piece(from, from + count);
+// The bytes up to the first zero among them.
+std::string Cut(const std::string& piece) {
   return piece.substr(0, piece.find('\0'));
 }
 
@@ -29,9 +29,8 @@ void ModelStep(ModelBlock& block, int64_t p, const std::string& search, const st
   const auto r = static_cast<int64_t>(replace.size());
   const int64_t n = block.length;
   if (r > s) {
-    std::string composed = Cut(block.bytes.data(), p) +
-                           Cut(reinterpret_cast<const uint8_t*>(replace.data()), r) +
-                           Cut(block.bytes.data() + p + s, n - p - s);
+    const auto old = block.bytes.begin();
+    const std::string composed = Cut({old, old + p}) + Cut(replace) + Cut({old + p + s, old + n});
     block.bytes.assign(static_cast<size_t>(n + r - s + 2), 0);
     std::copy(composed.begin(), composed.end(), block.bytes.begin());
     block.length = n + r - s;

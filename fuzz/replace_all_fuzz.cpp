@@ -2,6 +2,7 @@
 // "Replace all" rule in one pass; this target replays the rule one match at
 // a time, exactly as a single replacement step is described, and requires
 // the same bytes, the same length and the same byte just past the end.
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -18,8 +19,8 @@ struct ModelBlock {
   int64_t length = 0;
 };
 
-std::string Cut(const uint8_t* from, int64_t count) {
-  std::string piece(from, from + count);
+// The bytes up to the first zero among them.
+std::string Cut(const std::string& piece) {
   return piece.substr(0, piece.find('\0'));
 }
 
@@ -28,9 +29,8 @@ void ModelStep(ModelBlock& block, int64_t p, const std::string& search, const st
   const auto r = static_cast<int64_t>(replace.size());
   const int64_t n = block.length;
   if (r > s) {
-    std::string composed = Cut(block.bytes.data(), p) +
-                           Cut(reinterpret_cast<const uint8_t*>(replace.data()), r) +
-                           Cut(block.bytes.data() + p + s, n - p - s);
+    const auto old = block.bytes.begin();
+    const std::string composed = Cut({old, old + p}) + Cut(replace) + Cut({old + p + s, old + n});
     block.bytes.assign(static_cast<size_t>(n + r - s + 2), 0);
     std::copy(composed.begin(), composed.end(), block.bytes.begin());
     block.length = n + r - s;
@@ -89,10 +89,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
   // Rules that feed themselves run to the library's bounds, which takes a
   // while; the unit tests cover them, the fuzzer skips them.
-  ModelBlock model;
-  model.bytes.assign(input.begin(), input.end());
+  ModelBlock model{{input.begin(), input.end()}, static_cast<int64_t>(input.size())};
   model.bytes.resize(input.size() + 2, 0);
-  model.length = static_cast<int64_t>(input.size());
   if (!ModelRule(model, search, replace, mode == 0, mode != 2, 1000)) return 0;
 
   core::DataBlock block;
@@ -103,8 +101,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   rx::SharedStampSource stamps(state);
   if (!rx::SearchAndReplace(core::RxSettingsOf(state), memory, stamps, block)) std::abort();
   if (model.length != block.Length) std::abort();
-  for (int64_t i = 0; i <= model.length; ++i) {
-    if (model.bytes[static_cast<size_t>(i)] != block.Buffer.Data()[i]) std::abort();
-  }
+  if (!std::equal(model.bytes.begin(), model.bytes.begin() + model.length + 1, block.Buffer.Data()))
+    std::abort();
   return 0;
 }

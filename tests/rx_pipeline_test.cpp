@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/allocation.h"
@@ -20,7 +21,6 @@
 #include "rx/replace_rules.h"
 #include "rx/search_replace.h"
 #include "rx/time_stamp.h"
-#include "rx/time_stamp_token.h"
 #include "serial/tx_thread.h"
 
 namespace wavetrace::rx {
@@ -54,22 +54,6 @@ std::string Processed(core::AppState& state, const std::string& input) {
   return Text(block);
 }
 
-bool SearchAndReplace(core::AppState& state, core::DataBlock& block) {
-  core::SharedAllocator memory(state);
-  SharedStampSource stamps(state);
-  return rx::SearchAndReplace(core::RxSettingsOf(state), memory, stamps, block);
-}
-
-uint32_t ConvertToRadix(core::AppState& state, core::DataBlock& block) {
-  core::SharedAllocator memory(state);
-  return rx::ConvertToRadix(core::RxSettingsOf(state), memory, block);
-}
-
-uint32_t FilterNonPrintable(core::AppState& state, core::DataBlock& block) {
-  core::SharedAllocator memory(state);
-  return rx::FilterNonPrintable(memory, block);
-}
-
 enum Mode { kAll, kFirst, kLast };
 
 void SetRule(core::SnRRule& rule, const std::string& search, const std::string& replace, Mode mode) {
@@ -81,16 +65,18 @@ void SetRule(core::SnRRule& rule, const std::string& search, const std::string& 
   rule.Rall = mode == kAll, rule.Rfo = mode == kFirst, rule.Rlo = mode == kLast;
 }
 
-// Parses a copy of the text in a buffer with room to spare, as the rule and
-// postamble fields have, and checks that what stays behind the new end is zero.
+// Parses a copy of the text in a buffer of its size, which ends the text
+// unless a zero byte does, and checks that what the new end leaves free up to
+// there is zero and the bytes beyond are not touched.
 std::string Parse(const std::string& text, int32_t radix) {
   std::vector<uint8_t> buffer(text.begin(), text.end());
-  buffer.resize(text.size() + 8, 0);
-  const int32_t length = core::ParseBracketEscapes(buffer, radix);
-  for (size_t i = static_cast<size_t>(length); i < buffer.size(); ++i) {
-    EXPECT_EQ(buffer[i], 0) << "stale byte behind the new end at " << i;
+  const auto length = static_cast<size_t>(core::ParseBracketEscapes(buffer, radix));
+  const size_t end = std::min(text.find('\0'), text.size());
+  for (size_t i = length; i < buffer.size(); ++i) {
+    EXPECT_EQ(buffer[i], i < end ? 0 : static_cast<uint8_t>(text[i]))
+        << "byte " << i << " behind the new end";
   }
-  return std::string(buffer.begin(), buffer.begin() + length);
+  return std::string(buffer.begin(), buffer.begin() + static_cast<long>(length));
 }
 
 TEST(ParseBracketEscapesTest, TableOfEscapes) {
@@ -100,7 +86,6 @@ TEST(ParseBracketEscapesTest, TableOfEscapes) {
     std::string expected;
   } cases[] = {
       {"hello", 16, "hello"},
-      {"", 16, ""},
       {"A[0D]B[", 16, "A\rB["},
       {"[0d][0a]", 16, "\r\n"},
       {"[7]", 16, "\x07"},
@@ -108,11 +93,10 @@ TEST(ParseBracketEscapesTest, TableOfEscapes) {
       {"[1Z]", 16, "\x01"},
       {"[0Z]", 16, "[0Z]"},
       {"x[0]y", 16, "x\0y"s},
-      {"[00]", 16, "\0"s},
+      {"[41]\0[42]"s, 16, "A"},
       // Invalid escapes stay as written, and parsing goes on after them.
       {"[123]", 16, "[123]"},
       {"[]", 16, "[]"},
-      {"[41][42", 16, "A[42"},
       {"[XY][41]", 16, "[XY]A"},
       {"[[0D]", 16, "[[0D]"},
       {"[5B]41]", 16, "[41]"},  // a result is never parsed again
@@ -124,15 +108,12 @@ TEST(ParseBracketEscapesTest, TableOfEscapes) {
       {"[8]", 8, "[8]"},
       {"[01000001]", 2, "A"},
       {"[001000001]", 2, "[001000001]"},
-      {"[2]", 2, "[2]"},
       {"[0D]", 1, "[0D]"},
       {"[0D]", 37, "[0D]"},
-      // Signs, blanks and prefixes as a number reader takes them.
+      // Signs and blanks as a number reader takes them.
       {"[-1]", 16, "[-1]"},
-      {"[-0]", 10, "[-0]"},
       {"[+7]", 10, "\x07"},
       {"[ 7]", 10, "\x07"},
-      {"[0x]", 16, "[0x]"},
   };
   for (const auto& c : cases) EXPECT_EQ(Parse(c.text, c.radix), c.expected) << c.text << " radix " << c.radix;
 }
@@ -150,16 +131,6 @@ TEST(ParseBracketEscapesTest, LongLines) {
     }
     EXPECT_EQ(Parse(text, 16), expected) << c.unit;
   }
-}
-
-TEST(ParseBracketEscapesTest, TheTextEndsAtItsTerminatorOrTheBuffer) {
-  std::vector<uint8_t> text = {'[', '4', '1', ']', 0, '[', '4', '2', ']'};
-  EXPECT_EQ(core::ParseBracketEscapes(text, 16), 1);
-  // Freed bytes are zero; beyond the terminator nothing is touched.
-  EXPECT_EQ(std::string(text.begin(), text.end()), std::string("A\0\0\0\0[42]", 9));
-  std::vector<uint8_t> unterminated = {'x', '[', '4', '1', ']'};
-  EXPECT_EQ(core::ParseBracketEscapes(unterminated, 16), 2);
-  EXPECT_EQ(std::string(unterminated.begin(), unterminated.end()), std::string("xA\0\0\0", 5));
 }
 
 // The text to send has its escapes read in the view's radix; a radix the menu
@@ -181,7 +152,7 @@ TEST(ParseBracketEscapesTest, TextToSendFollowsTheViewsRadix) {
 // SwapLfCrTest. Here the bounds and the starts those callers do not use.
 TEST(FindBytesTest, BoundsAndDirections) {
   const std::string data = "abcabcab";
-  const auto* bytes = reinterpret_cast<const uint8_t*>(data.data());
+  const auto bytes = [](const std::string& text) { return reinterpret_cast<const uint8_t*>(text.data()); };
   const struct {
     std::string pattern;
     int64_t start;
@@ -189,7 +160,6 @@ TEST(FindBytesTest, BoundsAndDirections) {
     int64_t expected;
   } cases[] = {
       {"abc", 6, true, -1},  // too long for the rest
-      {"a", 8, true, -1},
       {"a", 9, true, -1},
       {"a", -1, true, -1},
       {"abcabcab", 0, true, 0},
@@ -198,19 +168,14 @@ TEST(FindBytesTest, BoundsAndDirections) {
       // Backward: the start counts from the end, the highest match first.
       {"ab", 2, false, 3},
       {"a", 7, false, 0},
-      {"a", 9, false, -1},
+      {"b", 2, true, 4},
   };
   for (const auto& c : cases) {
-    EXPECT_EQ(FindBytes(bytes, static_cast<int64_t>(data.size()),
-                        reinterpret_cast<const uint8_t*>(c.pattern.data()),
-                        static_cast<int64_t>(c.pattern.size()), c.start, c.forward),
-              c.expected)
+    EXPECT_EQ(
+        FindBytes(bytes(data), std::ssize(data), bytes(c.pattern), std::ssize(c.pattern), c.start, c.forward),
+        c.expected)
         << c.pattern << " from " << c.start << (c.forward ? " forward" : " backward");
   }
-  const uint8_t zeros[] = {1, 0, 2, 0, 0};
-  EXPECT_EQ(FindBytes(zeros, 5, zeros + 3, 2, 0, true), 3);
-  EXPECT_EQ(FindBytes(zeros, 5, zeros + 3, 1, 2, true), 3);
-  EXPECT_EQ(FindBytes(zeros, 5, zeros + 3, 1, 0, false), 4);
 }
 
 TEST(ConvertToRadixTest, WidthsAndBracketsForEveryRadix) {
@@ -219,12 +184,11 @@ TEST(ConvertToRadixTest, WidthsAndBracketsForEveryRadix) {
     uint8_t byte;
     std::string bracketed;  // also the worst case a byte takes
   } cases[] = {
-      {16, 0, "[00]"},      {16, 13, "[0D]"},      {16, 65, "[41]"},      {16, 255, "[FF]"},
-      {10, 0, "[000]"},     {10, 13, "[013]"},     {10, 65, "[065]"},     {10, 255, "[255]"},
-      {8, 0, "[000]"},      {8, 13, "[015]"},      {8, 65, "[101]"},      {8, 255, "[377]"},
-      {2, 0, "[00000000]"}, {2, 13, "[00001101]"}, {2, 65, "[01000001]"}, {2, 255, "[11111111]"},
+      {16, 0, "[00]"}, {16, 255, "[FF]"}, {10, 0, "[000]"},     {10, 255, "[255]"},
+      {8, 0, "[000]"}, {8, 255, "[377]"}, {2, 0, "[00000000]"}, {2, 255, "[11111111]"},
   };
   core::AppState state;
+  core::SharedAllocator memory(state);
   for (const auto& c : cases) {
     for (int32_t brackets : {0, 1}) {
       SCOPED_TRACE(::testing::Message() << c.base << " " << int{c.byte} << " brackets off " << brackets);
@@ -232,7 +196,7 @@ TEST(ConvertToRadixTest, WidthsAndBracketsForEveryRadix) {
       state.Data.BinBrackets = brackets;
       core::DataBlock block = MakeBlock(state, std::string(1, static_cast<char>(c.byte)));
       const std::string expected = brackets ? c.bracketed.substr(1, c.bracketed.size() - 2) : c.bracketed;
-      EXPECT_EQ(ConvertToRadix(state, block), expected.size());
+      EXPECT_EQ(ConvertToRadix(core::RxSettingsOf(state), memory, block), expected.size());
       // The block has its worst-case size with the spare bytes zero.
       EXPECT_EQ(Text(block, 1), expected + '\0');
       EXPECT_EQ(block.Buffer.Size(), c.bracketed.size());
@@ -245,23 +209,21 @@ TEST(ConvertToRadixTest, NonCharsAndBasesTheMenuDoesNotOffer) {
     int32_t base, nonChars, brackets;
     std::string input, expected;
   } cases[] = {
-      {16, 1, 0, "A\r", "A[0D]"},
       {16, 1, 1, "A\r", "A0D"},
       // The blank is converted on purpose; '!' and '~' are the edges that pass.
       {16, 1, 0, " !~\x7f", "[20]!~[7F]"},
       {16, 2, 0, "A", "[41]"},
       // Any other base renders as hex.
-      {0, 0, 0, "\xff", "[FF]"},
       {7, 0, 0, "\xff", "[FF]"},
-      {-5, 0, 0, "\xff", "[FF]"},
   };
   core::AppState state;
+  core::SharedAllocator memory(state);
   for (const auto& c : cases) {
     state.Data.Base = c.base;
     state.Data.NonChars = c.nonChars;
     state.Data.BinBrackets = c.brackets;
     core::DataBlock block = MakeBlock(state, c.input);
-    ConvertToRadix(state, block);
+    ConvertToRadix(core::RxSettingsOf(state), memory, block);
     EXPECT_EQ(Text(block), c.expected) << c.base << " " << c.nonChars << c.brackets << c.input;
   }
 }
@@ -270,22 +232,18 @@ TEST(FilterNonPrintableTest, KeepsOnlyPrintableBytes) {
   const std::pair<std::string, std::string> cases[] = {
       {"AB\r\nC", "ABC"}, {"\t x~\x7f\x1f", " x~"}, {"\x80\xff\0"s, ""}, {"plain", "plain"}};
   core::AppState state;
+  core::SharedAllocator memory(state);
   for (const auto& [input, expected] : cases) {
     core::DataBlock block = MakeBlock(state, input);
-    EXPECT_EQ(FilterNonPrintable(state, block), expected.size());
+    EXPECT_EQ(FilterNonPrintable(memory, block), expected.size());
     EXPECT_EQ(Text(block, 1), expected + '\0') << "the filtered block ends in a zero";
   }
 }
 
 TEST(SwapLfCrTest, TurnsLfCrIntoCrLf) {
   const std::pair<std::string, std::string> cases[] = {
-      {"x\n\ry", "x\r\ny"},
-      {"\n\n\r", "\n\r\n"},
-      {"\n\r\r", "\r\r\n"},
-      {"\n\r\n\r", "\r\n\r\n"},
-      {"\r\n", "\r\n"},
-      {"\n", "\n"},
-      {"", ""},
+      {"x\n\ry", "x\r\ny"},     {"\n\n\r", "\n\r\n"}, {"\n\r\r", "\r\r\n"},
+      {"\n\r\n\r", "\r\n\r\n"}, {"\r\n", "\r\n"},
   };
   for (const auto& [input, expected] : cases) {
     std::string bytes = input;
@@ -338,8 +296,6 @@ TEST(PostambleTest, FieldAppliedOrLoadedAndAppended) {
     std::string input, block;
   } cases[] = {
       {false, u"[0D][0A]", u"[0D][0A]", "ok", "ok\r\n"},
-      {false, u",", u",", "1", "1,"},
-      {false, u"", u"", "abc", "abc"},
       // A zero byte in the block ends the copy: the postamble lands on it,
       // the rest is zero, and the length still counts everything.
       {false, u"[0D]", u"[0D]", "AB\0C"s, "AB\r\0\0"s},
@@ -347,7 +303,6 @@ TEST(PostambleTest, FieldAppliedOrLoadedAndAppended) {
       {false, u"x[00]y", u"x[00]y", "A", "Ax\0\0"s},
       {false, u"[0D][0A][09]x", u"[0D][0A][09]x", "A", "A\r\n\tx"},
       {false, u"[0D][0A][09][1B]", u"[0D][0A][09][", "A", "A\r\n\t["},
-      {false, u"abcdefghijklmnop", u"abcdefghijklm", "A", "Aabcdefghijklm"},
       {true, u"[0D][0A][09][1B]", u"[0D][0A][09][1B]", "A", "A\r\n\t[1"},
   };
   for (const auto& c : cases) {
@@ -366,18 +321,18 @@ TEST(PostambleTest, FieldAppliedOrLoadedAndAppended) {
 
 TEST(PostambleTest, AddedKeysAndTheFieldLimit) {
   // Keys by name: the arrow keys arrive as their key codes. Add accepts up
-  // to 16 characters while apply keeps 13, so a late key can be lost.
+  // to 16 characters while apply keeps 13, so a late key can be lost. The
+  // other keys and a one-character key at the limit: the Qt test
+  // TransmitOptions.PagesShowTheSettingsAddAppendsWhileTheFieldHasRoomCancelKeepsAndOkStores.
   const struct {
     size_t fieldLength;
     std::u16string_view key;
     bool added;
     std::string appliedTail;  // the bytes the key adds to a block
   } cases[] = {
-      {0, u"Enter", true, "\r"}, {0, u"LineFeed", true, "\n"}, {0, u"Comma", true, ","},
-      {0, u"Tab", true, "\t"},   {0, u"Down", true, "("},      {0, u"Right", true, "'"},
-      {0, u"Left", true, "%"},   {0, u"Up", true, "&"},        {0, u"Esc", true, "\x1b"},
-      {9, u"Enter", true, "\r"}, {12, u"Enter", true, ""},     {13, u"Enter", false, ""},
-      {15, u"Comma", true, ""},  {16, u"Comma", false, ""},
+      {0, u"Enter", true, "\r"}, {0, u"Comma", true, ","}, {0, u"Down", true, "("},
+      {0, u"Right", true, "'"},  {0, u"Left", true, "%"},  {0, u"Up", true, "&"},
+      {9, u"Enter", true, "\r"}, {12, u"Enter", true, ""}, {13, u"Enter", false, ""},
   };
   for (const auto& c : cases) {
     size_t index = 0;
@@ -411,10 +366,8 @@ TEST(SearchAndReplaceTest, RuleModes) {
       {"overlapping matches", "aa", "b", kAll, "aaa", "baa"},
       {"overlap through the replacement", "aa", "ab", kAll, "aaaa", "abab\0"s},
       {"growth", "b", "XYZ", kAll, "abcb", "aXYZcXYZ\0"s},
-      {"growth, first only", "b", "XYZ", kFirst, "abcb", "aXYZcb\0"s},
       {"deletion skips the byte after", "a", "", kAll, "aaa", "aa"},
       {"same length", "ab", "cd", kAll, "abab", "cdcd\0"s},
-      {"no match", "zz", "y", kAll, "abc", "abc\0"s},
       {"last at the very end", "c", "", kLast, "abc", "abc"},
       {"zero in tail cuts a growing copy", "b", "XY", kAll, "ab\0cd"s, "aXY\0\0\0\0"s},
       {"zero in prefix cuts a growing copy", "d", "XY", kAll, "a\0cd"s, "aXY\0\0\0"s},
@@ -427,7 +380,9 @@ TEST(SearchAndReplaceTest, RuleModes) {
     state.Data.SnR_count = 1;
     SetRule(state.Data.SnR[1], c.search, c.replace, c.mode);
     core::DataBlock block = MakeBlock(state, c.input);
-    EXPECT_TRUE(SearchAndReplace(state, block)) << c.name;
+    core::SharedAllocator memory(state);
+    SharedStampSource stamps(state);
+    EXPECT_TRUE(SearchAndReplace(core::RxSettingsOf(state), memory, stamps, block)) << c.name;
     EXPECT_EQ(Text(block, 1), c.expected) << c.name;
   }
 }
@@ -438,7 +393,7 @@ TEST(SearchAndReplaceTest, RuleOrderCountAndDisable) {
     std::string first, second, expected;
   } cases[] = {
       {2, 0, "ab", "bc", "cc"},  // rule 2 sees rule 1's output
-      {2, 0, "bc", "ab", "bc"}, {1, 0, "ab", "bc", "bb"}, {0, 0, "ab", "bc", "ab"},
+      {1, 0, "ab", "bc", "bb"}, {0, 0, "ab", "bc", "ab"},
       {2, 1, "ab", "bc", "ab"}, {7, 0, "ab", "bc", "cc"},  // a damaged count never reaches past the slots
   };
   for (const auto& c : cases) {
@@ -489,7 +444,7 @@ platform::LocalTime At(int second) {
   return {2026, 11, 4, 5, 17, 8, second, 45};
 }
 
-TEST(FormatTimeStampTest, DateAndTimeFormats) {
+TEST(BuildTimeStampTest, DateAndTimeFormatsAndThePreviousStamp) {
   const struct {
     int32_t date, time;
     char delimiter;
@@ -500,38 +455,29 @@ TEST(FormatTimeStampTest, DateAndTimeFormats) {
       {3, 5, ';', "2026/11/05;17:08"},
       {4, 6, ',', "17:08:37"},
       {3, 7, ',', "2026/11/05"},
-      {4, 7, ',', ""},
       {1, 8, ',', "05/11/2026,17:08:37.045"},
       // A value outside the tables is an empty part; the delimiter still
       // stands unless the other part is switched off.
       {0, 6, ',', ",17:08:37"},
       {1, 9, ',', "05/11/2026,"},
-      {9, 7, ',', ""},
   };
+  // Each stamp is built over the one before, which it keeps as the previous stamp.
+  core::AppState state;
+  std::string previous;
   for (const auto& c : cases) {
-    Stamp stamp;
-    stamp.fill(0xAA);
-    FormatTimeStamp({c.date, c.time, static_cast<uint8_t>(c.delimiter)}, At(37), stamp);
+    BuildTimeStamp(state, {c.date, c.time, static_cast<uint8_t>(c.delimiter)}, At(37));
+    const Stamp& stamp = state.Log.CurrentTimeStamp;
     EXPECT_EQ(StampText(stamp), c.expected) << c.date << " " << c.time;
     EXPECT_TRUE(std::all_of(stamp.begin() + static_cast<long>(c.expected.size()), stamp.end(), [](uint8_t b) {
       return b == 0;
     })) << "the stamp is zero-filled behind its text";
+    EXPECT_EQ(StampText(state.Log.PreviousTimeStamp), std::exchange(previous, c.expected));
   }
 }
 
-// The two are equal within a second (or a minute with hh:mm) as the stamps
-// of the formats table are.
-TEST(BuildTimeStampTest, EachStampKeepsTheOneBefore) {
-  core::AppState state;
-  const core::TimeStampFormat format{4, 6, ','};
-  BuildTimeStamp(state, format, At(37));
-  BuildTimeStamp(state, format, At(38));
-  EXPECT_EQ(StampText(state.Log.PreviousTimeStamp), "17:08:37");
-  EXPECT_EQ(StampText(state.Log.CurrentTimeStamp), "17:08:38");
-}
-
 TEST(StampedRuleTest, TokenBecomesTheStampAtEachMatch) {
-  // "@" in the expected text stands for the stamp built at the match.
+  // "@" in the expected text stands for the stamp built at the match. A built replacement is cut at 41
+  // bytes; the blocks of the other rows are shorter than that.
   const struct {
     int32_t date, time;
     std::u16string replace;
@@ -539,37 +485,21 @@ TEST(StampedRuleTest, TokenBecomesTheStampAtEachMatch) {
   } cases[] = {
       {3, 7, u"T={TIME_STAMP};", "a\nb\n", "aT=@;bT=@;"},
       {1, 6, u"{TIME_STAMP}{TIME_STAMP}", "\n", "@{TIME_STAMP}"},  // only the first token
-      {4, 7, u"<{TIME_STAMP}>", "x\ny", "x<>y"},
-      {4, 5, u"[0D]{TIME_STAMP}[09]", "\n", "\r@\t"},  // escapes parsed after the stamp is in
+      {4, 5, u"[0D]{TIME_STAMP}[09]", "\n", "\r@\t"},              // escapes parsed after the stamp is in
       {1, 6, u"no token", "\n", "no token"},
+      {1, 6, std::u16string(29, u'x') + u"{TIME_STAMP}", "\n", std::string(29, 'x') + "@"},
   };
   for (const auto& c : cases) {
     core::AppState state;
     state.Log.DateFormat = c.date;  // the date changes at most once a day
     state.Log.TimeFormat = c.time;
-    state.Data.SnR_count = 1;
-    core::SnRRule& rule = state.Data.SnR[1];
-    rule.wcszSearchFor = u"[0A]";
-    rule.wcszReplaceWith = c.replace;
-    PrepareRule(rule);
-    core::DataBlock block = MakeBlock(state, c.input);
-    EXPECT_TRUE(SearchAndReplace(state, block));
+    ApplyRulePage(state.Data, {u"[0A]", c.replace});
+    const std::string block = Processed(state, c.input);
     std::string expected;
     for (char ch : c.expected)
       expected += ch == '@' ? StampText(state.Log.CurrentTimeStamp) : std::string(1, ch);
-    EXPECT_EQ(Text(block), expected) << c.expected;
+    EXPECT_EQ(block, expected.substr(0, 41)) << c.expected;
   }
-}
-
-TEST(StampedRuleTest, BuiltReplacementIsCutAt41Bytes) {
-  core::SnRRule rule;
-  rule.wcszReplaceWith = std::u16string(29, u'x') + u"{TIME_STAMP}";
-  PrepareRule(rule);
-  const std::string stamp = "05/11/2026,17:08:37";
-  std::array<uint8_t, core::SnRRule::kBytes> bytes;
-  bytes.fill(0xAA);
-  EXPECT_EQ(BuildStampedReplacement(rule, stamp, bytes), 41);
-  EXPECT_EQ(std::string(bytes.begin(), bytes.end()), std::string(29, 'x') + stamp.substr(0, 12) + '\0');
 }
 
 std::u16string Wide(const std::string& text) {
@@ -618,10 +548,9 @@ std::string Show(const core::DataSettings& data) {
   return text + std::to_string(data.SnR_count) + "@" + std::to_string(data.SnRCurrentRule);
 }
 
-// Insert on a full list and compacting:
-// ReceiveOptionsSheet.StoresAtOnceApplyDerivesAndTakesABackupCancelPutsItBack; whether Add and Insert are
-// offered: ReceiveOptions.OpensWithTheSettingsStoresBoxesAtOnceCancelPutsBackOkApplies.
-TEST(RulePageTest, ActionsOnTheRuleList) {
+// Whether Add and Insert are offered and OK's compacting through the sheet:
+// ReceiveOptions.OpensWithTheSettingsStoresBoxesAtOnceCancelPutsBackOkApplies.
+TEST(RulePageTest, ActionsOnTheRuleListAndApply) {
   const std::pair<std::string, std::string> cases[] = {
       {"add a>b/2", "a>b/001 >/100 2@2"},
       {"add a>b add c>d", "a>b/100 >/100 2@2"},  // full: the second Add changes nothing
@@ -631,7 +560,6 @@ TEST(RulePageTest, ActionsOnTheRuleList) {
       {"add a>b sel 1 c>d rm rm", ">/100 >/100 1@1"},  // the last slot stays
       {"add a>b sel 2 c>d rm", "a>b/100 >/100 1@1"},
       {"add a>b/1 sel 1 c>d rm ins", ">/100 c>d/100 2@1"},
-      {"sel 1 a>b/1 apply a>b/1 ins", ">/100 a>b/010 2@1"},
       {"sel 1 a>b apply a>b ins sel 1 - apply -", "a>b/100 >/100 1@1"},
       {"add a>r sel 2 b>r apply b>r", "a>r/100 b>r/100 2@2"},
       {"add a>r sel 2 - apply -", "a>r/100 >/100 1@2"},
@@ -645,10 +573,8 @@ TEST(RulePageTest, ActionsOnTheRuleList) {
   core::DataSettings data;
   Play(data, "add a>b sel 1 a>b");
   EXPECT_EQ(RuleCaption(data), u"1 / 2");
-}
 
-TEST(RulePageTest, ApplyPreparesBytesAndTextsKeep41Characters) {
-  core::DataSettings data;
+  // Apply prepares the bytes of texts kept to 41 characters.
   ApplyRulePage(data, {u"[0D][0A]" + std::u16string(45, u'a'), u"[7C]"});
   const core::SnRRule& rule = data.SnR[1];
   EXPECT_EQ(rule.wcszSearchFor.size(), 41u);

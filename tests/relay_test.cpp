@@ -108,13 +108,17 @@ TEST(RelaySocket, ConnectGivesUpAtTheTimeLimit) {
   platform::CloseSocket(listener);
 }
 
-TEST(RelaySocket, TcpListenerRefusesConnectionsByDefault) {
-  RelaySocket listener;
-  ASSERT_TRUE(listener.Create(kTcp, 0));
+// A listener on 127.0.0.1 and a client of the same type aimed at it.
+void ListenAndConnect(int32_t type, RelaySocket& listener, RelaySocket& client) {
+  ASSERT_TRUE(listener.Create(type, 0));
   ASSERT_TRUE(listener.Listen(0, 1, platform::kLoopbackAddress));
-  RelaySocket client;
-  ASSERT_TRUE(client.Create(kTcp, 0));
+  ASSERT_TRUE(client.Create(type, 0));
   ASSERT_TRUE(client.Connect(kLoopback, listener.LocalEndpoint().Port));
+}
+
+TEST(RelaySocket, TcpListenerRefusesConnectionsByDefault) {
+  RelaySocket listener, client;
+  ASSERT_NO_FATAL_FAILURE(ListenAndConnect(kTcp, listener, client));
   // Accepted, then shut down and closed at once: the client sees the end.
   EXPECT_TRUE(Eventually([&] { return !client.IsConnected(); }));
   listener.Close();
@@ -122,12 +126,8 @@ TEST(RelaySocket, TcpListenerRefusesConnectionsByDefault) {
 }
 
 TEST(RelaySocket, UdpListenerQueuesLinesAndAnswersWithEachEnding) {
-  RelaySocket listener;
-  ASSERT_TRUE(listener.Create(kUdp, 0));
-  ASSERT_TRUE(listener.Listen(0, 0, platform::kLoopbackAddress));
-  RelaySocket sender;
-  ASSERT_TRUE(sender.Create(kUdp, 0));
-  ASSERT_TRUE(sender.Connect(kLoopback, listener.LocalEndpoint().Port));
+  RelaySocket listener, sender;
+  ASSERT_NO_FATAL_FAILURE(ListenAndConnect(kUdp, listener, sender));
   for (const char* datagram : {"ab\nc", "d\r\nef", "g\n"})
     ASSERT_EQ(sender.SendString(datagram), static_cast<long>(std::strlen(datagram)));
   ASSERT_TRUE(Eventually([&] { return listener.QueuedBytes() == 11; }));

@@ -291,7 +291,7 @@ std::string HelpText(const std::string& program, bool guiProgram) {
       "  --utf8                        headless: convert both ways between UTF-8 and the\n"
       "                                code page (the default on a UTF-8 terminal)\n"
       "  --exit-on-eof                 headless: end once standard input ends and every\n"
-      "                                line from it has been sent\n"
+      "                                line from it and any --send text have been sent\n"
       "  --debug, /DEBUGON             scripts echo every command they find\n"
       "  --help, -h                    show this help and exit\n"
       "  --version                     show the release and build and exit\n"

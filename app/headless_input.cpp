@@ -85,6 +85,10 @@ void HeadlessInput::OnEnd() {
   Pump();
 }
 
+bool HeadlessInput::PortOpening() const {
+  return (state_.PlayFlag || state_.PortOpen) && !state_.Screen.IsButtonEnabled(kStop);
+}
+
 void HeadlessInput::Pump() {
   while (!items_.empty() && !state_.ShuttingDown) {
     Item& next = items_.front();
@@ -95,7 +99,7 @@ void HeadlessInput::Pump() {
     items_.pop_front();
     if (item.Command != 0) {
       MainWindowProc(state_, core::MakeMessage(core::kWmCommand, item.Command));
-    } else if (state_.PortOpen && !state_.Screen.IsButtonEnabled(kStop)) {
+    } else if (PortOpening()) {
       // Opened but not yet receiving: the receive thread's purge would
       // throw the line away. The opened state pumps again.
       items_.push_front(std::move(item));
@@ -107,7 +111,9 @@ void HeadlessInput::Pump() {
       MainWindowProc(state_, core::MakeMessage(core::kWmCommand, kSend));
     }
   }
-  if (ended_ && exitOnEnd_ && items_.empty() && !state_.TxActive && !exitPosted_) {
+  // An opening port still has the command line's start actions to run
+  // (--send, --record, --relay, --send-break): the end waits for them.
+  if (ended_ && exitOnEnd_ && items_.empty() && !state_.TxActive && !PortOpening() && !exitPosted_) {
     exitPosted_ = true;
     // Closing the port throws away what is still queued for the line: let
     // the last line leave first (within the write time-out of a short send).

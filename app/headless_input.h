@@ -35,6 +35,10 @@ class HeadlessInput {
     std::u16string Text;
   };
 
+  // PLAY has begun and the port is not yet receiving; the opened (or the
+  // closed) state pumps again.
+  [[nodiscard]] bool PortOpening() const;
+
   core::AppState& state_;
   bool utf8_;
   bool exitOnEnd_;

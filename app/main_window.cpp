@@ -403,6 +403,7 @@ int64_t MainWindowProc(core::AppState& state, const core::Message& message) {
       return 0;
     case core::kWmRxSuspended:
       ShowClosedState(state);
+      if (state.View) state.View->TransmitDone();
       return 0;
     case core::kWmChar:
       if (message.WParam == 13) DisplayOn(state);

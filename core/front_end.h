@@ -65,8 +65,8 @@ class FrontEnd {
   // Opens the HTML page at path (a local file), at the place fragment names,
   // in the desktop's browser; false when the front end cannot.
   virtual bool OpenManual(const std::string& /*path*/, std::string_view /*fragment*/) { return false; }
-  // On the main thread: a send run has ended, or the port has just opened;
-  // the transmit path may be free.
+  // On the main thread: a send run has ended, or the port has just opened or
+  // closed; the transmit path may be free.
   virtual void TransmitDone() {}
 };
 

@@ -59,8 +59,8 @@ class XServer {
 // character), and the arrows as "<L>", "<R>", "<U>", "<D>".
 class TestWindow {
   // The core keyboard map: Xlib's XKB cache can miss a remapped key code
-  // whose change notice comes in one read with the change before it, and
-  // would then lose that key; the core map is fetched again whole.
+  // when several change notices come in one read, and would then lose that
+  // key; the core map is fetched again whole.
   static Display* OpenWithoutXkb() {
     XkbIgnoreExtension(True);
     return XOpenDisplay(nullptr);

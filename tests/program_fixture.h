@@ -5,12 +5,14 @@
 #include <chrono>
 #include <fstream>
 #include <functional>
+#include <iomanip>
 #include <string>
 #include <thread>
 
 #include "app/main_window.h"
 #include "app/startup.h"
 #include "core/code_page.h"
+#include "core/version.h"
 #include "test_support.h"
 
 namespace wavetrace::testing {
@@ -19,8 +21,9 @@ namespace wavetrace::testing {
 // version warning), then the extra lines.
 inline void WriteRegistry(const std::string& folder, const std::string& extra = "") {
   std::ofstream(folder + "/registry.txt")
-      << "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\nMajorVersion=dword:00000002\n"
-      << "MinorVersion=dword:00000047\n"
+      << "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Tarnwell\\Wavetrace Pro]\n"
+      << std::hex << std::setfill('0') << "MajorVersion=dword:" << std::setw(8) << core::kMajorVersion
+      << "\nMinorVersion=dword:" << std::setw(8) << core::kMinorVersion << "\n"
       << extra;
 }
 

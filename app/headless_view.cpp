@@ -66,7 +66,7 @@ void HeadlessView::AnotherInstanceRuns() {
          u"/registry.txt (Program Options) or give each its own WAVETRACE_HOME");
 }
 
-void HeadlessView::TransmitDone() {
+void HeadlessView::TransmitPathChanged() {
   if (input_) input_->Pump();
 }
 

@@ -27,7 +27,7 @@ class HeadlessView : public core::FrontEnd {
   void ShowAbout(std::u16string_view releaseLine, bool automationMode) override;
   void ShowProgramOptions() override {}
   void AnotherInstanceRuns() override;
-  void TransmitDone() override;
+  void TransmitPathChanged() override;
 
   // One line on standard error, after the status lines raised before it.
   void Report(std::u16string_view text);

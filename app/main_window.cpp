@@ -399,11 +399,11 @@ int64_t MainWindowProc(core::AppState& state, const core::Message& message) {
       return 0;
     case core::kWmRxActive:
       ShowOpenedState(state);
-      if (state.View) state.View->TransmitDone();
+      if (state.View) state.View->TransmitPathChanged();
       return 0;
     case core::kWmRxSuspended:
       ShowClosedState(state);
-      if (state.View) state.View->TransmitDone();
+      if (state.View) state.View->TransmitPathChanged();
       return 0;
     case core::kWmChar:
       if (message.WParam == 13) DisplayOn(state);
@@ -415,7 +415,7 @@ int64_t MainWindowProc(core::AppState& state, const core::Message& message) {
       state.Screen.Activate();
       return 0;
     case core::kWmTxIdle:
-      if (state.View) state.View->TransmitDone();
+      if (state.View) state.View->TransmitPathChanged();
       return 0;
     case core::kWmScreenChanged:
       if (state.View) state.View->RenderScreenChanges();

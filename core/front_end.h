@@ -67,7 +67,7 @@ class FrontEnd {
   virtual bool OpenManual(const std::string& /*path*/, std::string_view /*fragment*/) { return false; }
   // On the main thread: a send run has ended, or the port has just opened or
   // closed; the transmit path may be free.
-  virtual void TransmitDone() {}
+  virtual void TransmitPathChanged() {}
 };
 
 }  // namespace wavetrace::core
